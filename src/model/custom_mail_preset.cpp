@@ -1,0 +1,110 @@
+#include "custom_mail_preset.h"
+
+#include "default_texts.h"
+#include "identifiers.h"
+#include "json_reader.h"
+#include "text.h"
+
+#include <cmath>
+
+namespace velino {
+
+QJsonValue timestampToJson(Instant instant, TimestampForm form) {
+    if (form == TimestampForm::Iso8601)
+        return isoText(instant);
+    return instant.sinceReference;
+}
+
+QString presetKindError(const QString &path, const QString &value) {
+    return QStringLiteral("preset inconnu pour la cle %1 : \"%2\"").arg(path, value);
+}
+
+namespace {
+
+Instant readTimestamp(JsonReader &reader, QStringView key, TimestampForm form) {
+    if (form == TimestampForm::ReferenceSeconds) {
+        const double seconds = reader.number(key);
+        if (reader.ok() && !std::isfinite(seconds))
+            reader.fail(QStringLiteral("date invalide pour la cle %1").arg(reader.pathOf(key)));
+        return Instant{seconds};
+    }
+    const QString text = reader.string(key);
+    if (!reader.ok())
+        return {};
+    const std::optional<Instant> instant = parseIsoText(text);
+    if (!instant) {
+        reader.fail(QStringLiteral("date invalide pour la cle %1 : \"%2\" (forme "
+                                   "aaaa-mm-jjThh:mm:ssZ attendue)")
+                        .arg(reader.pathOf(key), text));
+        return {};
+    }
+    return *instant;
+}
+
+} // namespace
+
+QString CustomMailPreset::subjectLine() const {
+    const QString subject = text::trimmed(data.subject);
+    return subject.isEmpty() ? texts::defaultSubject() : subject;
+}
+
+QJsonObject CustomMailPreset::toJson(TimestampForm form) const {
+    return QJsonObject{{QStringLiteral("id"), uuidText(id)},
+                       {QStringLiteral("name"), name},
+                       {QStringLiteral("sourcePreset"), presetId(sourcePreset)},
+                       {QStringLiteral("data"), data.toJson()},
+                       {QStringLiteral("createdAt"), timestampToJson(createdAt, form)},
+                       {QStringLiteral("updatedAt"), timestampToJson(updatedAt, form)}};
+}
+
+std::optional<CustomMailPreset> CustomMailPreset::fromJson(const QJsonObject &object,
+                                                           TimestampForm form, const QString &path,
+                                                           QString *error) {
+    JsonReader reader(object, path, error);
+    CustomMailPreset preset;
+
+    const QString idText = reader.string(u"id");
+    if (!reader.ok())
+        return std::nullopt;
+    const std::optional<QUuid> id = parseUuid(idText);
+    if (!id) {
+        reader.fail(QStringLiteral("UUID invalide pour la cle %1 : \"%2\"")
+                        .arg(reader.pathOf(u"id"), idText));
+        return std::nullopt;
+    }
+    preset.id = *id;
+
+    preset.name = reader.string(u"name");
+    const QString kindText = reader.string(u"sourcePreset");
+    if (!reader.ok())
+        return std::nullopt;
+    const std::optional<PresetKind> kind = presetKindFromId(kindText);
+    if (!kind) {
+        reader.fail(presetKindError(reader.pathOf(u"sourcePreset"), kindText));
+        return std::nullopt;
+    }
+    preset.sourcePreset = *kind;
+
+    const QJsonObject dataObject = reader.object(u"data");
+    if (!reader.ok())
+        return std::nullopt;
+    std::optional<MailComposerData> data =
+        MailComposerData::fromJson(dataObject, reader.pathOf(u"data"), error);
+    if (!data)
+        return std::nullopt;
+    preset.data = std::move(*data);
+
+    preset.createdAt = readTimestamp(reader, u"createdAt", form);
+    preset.updatedAt = readTimestamp(reader, u"updatedAt", form);
+    if (!reader.ok())
+        return std::nullopt;
+    return preset;
+}
+
+bool CustomMailPreset::operator==(const CustomMailPreset &other) const {
+    return id == other.id && text::canonicallyEqual(name, other.name) &&
+           sourcePreset == other.sourcePreset && data == other.data &&
+           createdAt == other.createdAt && updatedAt == other.updatedAt;
+}
+
+} // namespace velino
