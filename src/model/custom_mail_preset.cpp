@@ -5,15 +5,11 @@
 #include "json_reader.h"
 #include "text.h"
 
+#include <QJsonDocument>
+
 #include <cmath>
 
 namespace velino {
-
-QJsonValue timestampToJson(Instant instant, TimestampForm form) {
-    if (form == TimestampForm::Iso8601)
-        return isoText(instant);
-    return instant.sinceReference;
-}
 
 QString presetKindError(const QString &path, const QString &value) {
     return QStringLiteral("preset inconnu pour la cle %1 : \"%2\"").arg(path, value);
@@ -49,12 +45,32 @@ QString CustomMailPreset::subjectLine() const {
 }
 
 QJsonObject CustomMailPreset::toJson(TimestampForm form) const {
-    return QJsonObject{{QStringLiteral("id"), uuidText(id)},
-                       {QStringLiteral("name"), name},
-                       {QStringLiteral("sourcePreset"), presetId(sourcePreset)},
-                       {QStringLiteral("data"), data.toJson()},
-                       {QStringLiteral("createdAt"), timestampToJson(createdAt, form)},
-                       {QStringLiteral("updatedAt"), timestampToJson(updatedAt, form)}};
+    JsonWriter writer;
+    writeJson(writer, form);
+    return QJsonDocument::fromJson(writer.bytes()).object();
+}
+
+void CustomMailPreset::writeJson(JsonWriter &writer, TimestampForm form) const {
+    const auto timestamp = [&writer, form](Instant instant) {
+        if (form == TimestampForm::Iso8601)
+            writer.string(isoText(instant));
+        else
+            writer.number(instant.sinceReference);
+    };
+    writer.beginObject();
+    writer.key(u"id");
+    writer.string(uuidText(id));
+    writer.key(u"name");
+    writer.string(name);
+    writer.key(u"sourcePreset");
+    writer.string(presetId(sourcePreset));
+    writer.key(u"data");
+    data.writeJson(writer);
+    writer.key(u"createdAt");
+    timestamp(createdAt);
+    writer.key(u"updatedAt");
+    timestamp(updatedAt);
+    writer.endObject();
 }
 
 std::optional<CustomMailPreset> CustomMailPreset::fromJson(const QJsonObject &object,

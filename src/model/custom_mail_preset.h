@@ -29,14 +29,14 @@ struct CustomMailPreset {
     QString subjectLine() const;
 
     QJsonObject toJson(TimestampForm form) const;
+    void writeJson(JsonWriter &writer, TimestampForm form) const;
     static std::optional<CustomMailPreset> fromJson(const QJsonObject &object, TimestampForm form,
                                                     const QString &path, QString *error);
 
     bool operator==(const CustomMailPreset &other) const;
 };
 
-// JSON forms shared by every document that carries these values.
-QJsonValue timestampToJson(Instant instant, TimestampForm form);
+// The message of an unknown preset identifier found under path.
 QString presetKindError(const QString &path, const QString &value);
 
 } // namespace velino

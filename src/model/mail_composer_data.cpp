@@ -124,6 +124,15 @@ QJsonObject MailComposerData::toJson() const {
     return object;
 }
 
+void MailComposerData::writeJson(JsonWriter &writer) const {
+    writer.beginObject();
+    for (const Field &f : kFields) {
+        writer.key(f.name);
+        writer.string(this->*f.member);
+    }
+    writer.endObject();
+}
+
 std::optional<MailComposerData> MailComposerData::fromJson(const QJsonObject &object,
                                                            const QString &path, QString *error) {
     JsonReader reader(object, path, error);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "json_writer.h"
 #include "preset_kind.h"
 
 #include <QJsonObject>
@@ -97,6 +98,7 @@ public:
     void normalizeLegacyTextFields();
 
     QJsonObject toJson() const;
+    void writeJson(JsonWriter &writer) const;
     // Strict: all 31 keys, each a string. On failure *error names the key, under path.
     static std::optional<MailComposerData> fromJson(const QJsonObject &object, const QString &path,
                                                     QString *error);

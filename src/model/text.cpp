@@ -2,6 +2,7 @@
 
 #include <QChar>
 
+#include <algorithm>
 #include <cstring>
 
 namespace velino::text {
@@ -70,11 +71,20 @@ qsizetype characterCount(const QString &s) {
     return count;
 }
 
+namespace {
+
+// Every code point below U+0300 is its own normalisation form C: a text made only of them
+// is already normalised.
+bool isCertainlyNfc(QStringView s) {
+    return std::all_of(s.begin(), s.end(), [](QChar c) { return c.unicode() < 0x300; });
+}
+
+} // namespace
+
 bool canonicallyEqual(const QString &a, const QString &b) {
     if (a == b)
         return true;
-    // Texts made only of ASCII are already normalised, so they differ for real.
-    if (isAscii(a) && isAscii(b))
+    if (isCertainlyNfc(a) && isCertainlyNfc(b))
         return false;
     return a.normalized(QString::NormalizationForm_C) == b.normalized(QString::NormalizationForm_C);
 }

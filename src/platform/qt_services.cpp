@@ -6,46 +6,101 @@
 #include <QDateTime>
 #include <QDesktopServices>
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
+#include <QLockFile>
 #include <QMimeData>
 #include <QProcess>
 #include <QSaveFile>
 #include <QStandardPaths>
 
-namespace velino {
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+#endif
 
-QtSettingsStore::QtSettingsStore()
-    : settings_(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Korvel"),
-                QStringLiteral("Velino")) {}
+namespace velino {
+namespace {
+
+// QSettings replaces the file through a temporary file and a rename; forcing the new file
+// and the folder entry to disk makes the save survive a power cut right after it.
+bool flushToDisk(const QString &filePath) {
+#ifdef Q_OS_UNIX
+    for (const QString &path : {filePath, QFileInfo(filePath).absolutePath()}) {
+        const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+        if (fd < 0)
+            return false;
+        const bool synced = ::fsync(fd) == 0;
+        ::close(fd);
+        if (!synced)
+            return false;
+    }
+#else
+    Q_UNUSED(filePath);
+#endif
+    return true;
+}
+
+// QSettings guards its file with "<file>.lock" and waits up to 30 seconds for a lock
+// left behind by a process that died before writing the lock's content. Such a lock is
+// cleared here first, once it is a second old, so a crash during a save never delays the
+// next start by half a minute.
+void clearAbandonedLock(const QString &settingsFile) {
+    QLockFile lock(settingsFile + QStringLiteral(".lock"));
+    lock.setStaleLockTime(1000);
+    if (lock.tryLock(2500))
+        lock.unlock();
+}
+
+} // namespace
+
+QtSettingsStore::QtSettingsStore() : settings_(makeSettings()) {}
 
 QtSettingsStore::QtSettingsStore(const QString &filePath)
-    : settings_(filePath, QSettings::NativeFormat) {}
+    : filePath_(filePath), settings_(makeSettings()) {}
+
+std::unique_ptr<QSettings> QtSettingsStore::makeSettings() const {
+    std::unique_ptr<QSettings> settings =
+        filePath_.isEmpty()
+            ? std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
+                                          QStringLiteral("Korvel"), QStringLiteral("Velino"))
+            : std::make_unique<QSettings>(filePath_, QSettings::NativeFormat);
+    clearAbandonedLock(settings->fileName());
+    return settings;
+}
 
 std::optional<QByteArray> QtSettingsStore::readBytes(const QString &key) const {
-    const QVariant value = settings_.value(key);
+    const QVariant value = settings_->value(key);
     if (value.typeId() != QMetaType::QByteArray)
         return std::nullopt;
     return value.toByteArray();
 }
 
 std::optional<QString> QtSettingsStore::readText(const QString &key) const {
-    const QVariant value = settings_.value(key);
+    const QVariant value = settings_->value(key);
     if (value.typeId() != QMetaType::QString)
         return std::nullopt;
     return value.toString();
 }
 
 void QtSettingsStore::writeBytes(const QString &key, const QByteArray &value) {
-    settings_.setValue(key, value);
+    settings_->setValue(key, value);
 }
 
 void QtSettingsStore::writeText(const QString &key, const QString &value) {
-    settings_.setValue(key, value);
+    settings_->setValue(key, value);
 }
 
 bool QtSettingsStore::sync() {
-    settings_.sync();
-    return settings_.status() == QSettings::NoError;
+    clearAbandonedLock(settings_->fileName());
+    settings_->sync();
+    if (settings_->status() == QSettings::NoError)
+        return flushToDisk(settings_->fileName());
+    // QSettings keeps reporting its first error; a fresh instance on the same file lets the
+    // next save try again. The values written so far are kept by Qt's shared file cache.
+    settings_ = makeSettings();
+    return false;
 }
 
 Instant SystemClock::now() const {

@@ -4,6 +4,8 @@
 
 #include <QSettings>
 
+#include <memory>
+
 // The Qt implementation of each platform service.
 namespace velino {
 
@@ -22,10 +24,13 @@ public:
     void writeText(const QString &key, const QString &value) override;
     bool sync() override;
 
-    QString fileName() const { return settings_.fileName(); }
+    QString fileName() const { return settings_->fileName(); }
 
 private:
-    QSettings settings_;
+    std::unique_ptr<QSettings> makeSettings() const;
+
+    QString filePath_; // empty for the per-user store
+    std::unique_ptr<QSettings> settings_;
 };
 
 class SystemClock final : public Clock {

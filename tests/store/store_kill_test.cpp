@@ -1,0 +1,37 @@
+#include "saved_payload.h"
+#include "store_fixture.h"
+
+#include <QProcess>
+#include <QRandomGenerator>
+
+#include <csignal>
+
+using namespace velino;
+using velino::test::StoreTest;
+
+// A child process saves in a loop and is killed with SIGKILL at random moments; each time
+// the file on disk must hold one complete saved state.
+TEST_F(StoreTest, SavesSurviveAKillAtAnyMoment) {
+    QRandomGenerator random(QRandomGenerator::global()->generate());
+    int complete = 0;
+    for (int round = 0; round < 30; ++round) {
+        QProcess writer;
+        writer.start(QStringLiteral(VELINO_STORE_WRITER_BINARY), {settingsPath()});
+        ASSERT_TRUE(writer.waitForStarted());
+        ASSERT_TRUE(writer.waitForReadyRead(30000))
+            << "round " << round
+            << ": writer never became ready: " << writer.readAllStandardError().toStdString()
+            << " state " << writer.state();
+        QTest::qSleep(random.bounded(1, 60));
+        ::kill(static_cast<pid_t>(writer.processId()), SIGKILL);
+        ASSERT_TRUE(writer.waitForFinished(10000));
+        ASSERT_EQ(writer.exitStatus(), QProcess::CrashExit);
+
+        QString error;
+        const auto payload = SavedPayload::fromJson(savedBytes(), &error);
+        ASSERT_TRUE(payload.has_value()) << "round " << round << ": " << error.toStdString();
+        EXPECT_NE(payload->preset, PresetKind::Pret);
+        ++complete;
+    }
+    EXPECT_EQ(complete, 30);
+}
