@@ -1,0 +1,176 @@
+#include "apple_mail_executor.h"
+#include "fakes.h"
+#include "identifiers.h"
+#include "mail_bridge.h"
+#include "mail_draft_script.h"
+#include "test_records.h"
+#include "thunderbird_executor.h"
+
+#include <QDir>
+
+#include <gtest/gtest.h>
+
+using namespace velino;
+using namespace velino::test;
+
+namespace {
+
+// How Thunderbird's compose window reads its -compose argument: commas outside quotes split
+// the pairs; a quote right after "=" opens a quoted value, closed by the same quote before a
+// comma or the end; a value between single quotes is literal, any other is percent-decoded.
+QMap<QString, QString> asThunderbirdReadsIt(const QString &argument) {
+    QString data;
+    QChar quote, previous;
+    for (qsizetype i = 0; i < argument.size(); previous = argument[i++]) {
+        const QChar c = argument[i], next = i + 1 < argument.size() ? argument[i + 1] : QChar();
+        if (!quote.isNull() && c == quote && (next == u',' || next.isNull()))
+            quote = QChar();
+        else if ((c == u'\'' || c == u'"') && previous == u'=' && quote.isNull())
+            quote = c;
+        data += (c == u',' && quote.isNull()) ? QChar(1) : c;
+    }
+    QMap<QString, QString> values;
+    for (const QString &pair : data.split(QChar(1))) {
+        const QString value = pair.section(u'=', 1);
+        values[pair.section(u'=', 0, 0)] =
+            value.size() > 1 && value.startsWith(u'\'') && value.endsWith(u'\'')
+                ? value.mid(1, value.size() - 2)
+                : QString::fromUtf8(QByteArray::fromPercentEncoding(value.toLatin1()));
+    }
+    return values;
+}
+
+struct Thunderbird : ::testing::Test {
+    FakeLauncher launcher;
+    FakeFiles files;
+    FakeIds ids;
+    FakeOpener opener;
+    MailBridge bridge{makeMailAppExecutor(MailPlatform::Linux, launcher, files, ids), opener};
+
+    int compose(const QString &subject = "Devis", const QString &to = "client@example.com",
+                const QString &from = "contact@korvel.example") {
+        MailComposerData data = defaultWith(u"recipientEmail", to);
+        data.subject = subject;
+        data.senderEmail = from;
+        const std::optional<VelinoError> error = bridge.compose(MailTemplateContext(data));
+        return error ? error->code : 0;
+    }
+    QMap<QString, QString> composed() {
+        EXPECT_EQ(launcher.calls.last().arguments.value(launcher.calls.last().arguments.size() - 2),
+                  "-compose");
+        return asThunderbirdReadsIt(launcher.calls.last().arguments.last());
+    }
+};
+
+} // namespace
+
+TEST_F(Thunderbird, HostileValuesArriveIntactWhereverThunderbirdIsInstalled) {
+    launcher.onPath["thunderbird"] = "/usr/bin/thunderbird";
+    const QString to = "o'neil,\"x\"=@example.com", from = "='a',b";
+    const QString subject = QString::fromUtf16(u"Devis, \"x\" = 50% l'\u00E9cran',\nl2 \U0001F600");
+    EXPECT_EQ(compose(subject, to, from), 0);
+    ASSERT_EQ(launcher.calls.size(), 1); // started once, no separate launch
+    EXPECT_EQ(launcher.calls[0].program, "/usr/bin/thunderbird");
+    const QString argument = launcher.calls[0].arguments.last();
+    EXPECT_TRUE(argument.startsWith("to="));
+    EXPECT_EQ(argument.count(u','), 4);
+    EXPECT_FALSE(argument.contains(u'\'') || argument.contains(u'"') || argument.contains(u' '));
+    const QString path = "/tmp/velino-test/velino-brouillon-" + uuidText(ids.newId()) + ".html";
+    EXPECT_EQ(composed(), (QMap<QString, QString>{{"to", to},
+                                                  {"from", from},
+                                                  {"subject", subject},
+                                                  {"format", "html"},
+                                                  {"message", path}}));
+    EXPECT_TRUE(files.written.value(path).startsWith("<!DOCTYPE html>"));
+    EXPECT_EQ(asThunderbirdReadsIt(thunderbirdComposeArgument("", "", "", "/a, 'b'"))["message"],
+              "/a, 'b'");
+
+    launcher.onPath["thunderbird"] = "/snap/bin/thunderbird";
+    EXPECT_EQ(compose(), 0);
+    EXPECT_TRUE(composed()["message"].startsWith(QDir::homePath() + "/snap/thunderbird/common/"));
+
+    launcher.onPath = {{"flatpak", "/usr/bin/flatpak"}};
+    launcher.onRun = [](const Call &call) {
+        return exited(call.arguments == QStringList{"info", "org.mozilla.Thunderbird"} ? 0 : 1);
+    };
+    EXPECT_EQ(compose(), 0);
+    EXPECT_EQ(launcher.calls.last().arguments.mid(0, 2),
+              (QStringList{"run", "org.mozilla.Thunderbird"}));
+    EXPECT_TRUE(composed()["message"].startsWith(QDir::homePath() +
+                                                 "/.var/app/org.mozilla.Thunderbird/cache/"));
+}
+
+TEST_F(Thunderbird, FailuresUseTheBridgeCodes) {
+    EXPECT_EQ(compose(), 3);
+    launcher.onPath["flatpak"] = "/usr/bin/flatpak";
+    launcher.onRun = [](const Call &) { return exited(1); }; // Flatpak not installed
+    EXPECT_EQ(compose(), 3);
+    launcher.onPath["thunderbird"] = "/usr/bin/thunderbird";
+    files.writes = false;
+    EXPECT_EQ(compose(), 4);
+    files.writes = true;
+    launcher.starts = false;
+    EXPECT_EQ(compose(), 5);
+    files.written.clear();
+    launcher.calls.clear();
+    const std::optional<VelinoError> error = bridge.compose(MailTemplateContext(
+        defaultWith(u"subject", QString(40000, u'\u00E9')))); // six bytes each once encoded
+    ASSERT_TRUE(error.has_value());
+    EXPECT_EQ(error->description, "L'objet ou les adresses sont trop longs pour Thunderbird.");
+    EXPECT_TRUE(files.written.isEmpty() && launcher.calls.isEmpty());
+}
+
+TEST(AppleMail, OsascriptErrorsGiveMessageAndNumber) {
+    const auto read = [](const QByteArray &err) {
+        const OsascriptError e = parseOsascriptError(err);
+        return std::pair(e.message.value_or("<none>"), e.number.value_or(0));
+    };
+    EXPECT_EQ(read("<stdin>:215:240: execution error: Mail got an error: Not allowed. (-1743)\n"),
+              std::pair(QString("Mail got an error: Not allowed."), -1743));
+    EXPECT_EQ(read("execution error: Erreur \xC3\xA9trange (42)"),
+              std::pair(QString::fromUtf16(u"Erreur \u00E9trange"), 42));
+    EXPECT_EQ(read("osascript: no such file\n"), std::pair(QString("osascript: no such file"), 0));
+    EXPECT_EQ(read("<stdin>:1:2: execution error:  (-2700)"), std::pair(QString("<none>"), -2700));
+    EXPECT_EQ(read(" \n"), std::pair(QString("<none>"), 0));
+}
+
+TEST(AppleMail, FindsLaunchesAndRunsThroughSystemTools) {
+    FakeLauncher launcher;
+    FakeFiles files;
+    FakeIds ids;
+    FakeOpener opener;
+    MailBridge bridge(makeMailAppExecutor(MailPlatform::MacOS, launcher, files, ids), opener);
+    const MailTemplateContext context(MailComposerData::defaultRecord());
+    launcher.onRun = [](const Call &call) {
+        if (call.arguments.startsWith("-l"))
+            return exited(0, "/System/Applications/Mail.app\n");
+        return exited(1, {}, "<stdin>:1:5: execution error: Refus. (-1743)\n");
+    };
+    const std::optional<VelinoError> error = bridge.compose(context);
+    ASSERT_TRUE(error.has_value());
+    EXPECT_EQ(error->code, -1743);
+    EXPECT_EQ(error->description, "Refus.");
+    ASSERT_EQ(launcher.calls.size(), 3);
+    EXPECT_EQ(launcher.calls[0].program, "/usr/bin/osascript");
+    EXPECT_EQ(launcher.calls[0].arguments.mid(0, 3), (QStringList{"-l", "JavaScript", "-e"}));
+    EXPECT_TRUE(launcher.calls[0].arguments.value(3).contains("'com.apple.mail'"));
+    EXPECT_TRUE(launcher.calls[1].detached);
+    EXPECT_EQ(launcher.calls[1].program + launcher.calls[1].arguments.join(u' '),
+              "/usr/bin/open-b com.apple.mail");
+    EXPECT_EQ(launcher.calls[2].arguments, QStringList{"-"});
+    EXPECT_EQ(launcher.calls[2].input,
+              mailDraftScript(context.subject, "client@example.com", "contact@korvel.example",
+                              context.htmlDocument())
+                  .toUtf8());
+
+    launcher.onRun = [](const Call &call) {
+        return call.arguments.size() > 1 ? exited(0, "/M.app") : exited(1);
+    };
+    EXPECT_EQ(bridge.compose(context).value_or(VelinoError{}).code, 5); // no message, no number
+    launcher.onRun = [](const Call &) { return exited(0, "\n"); };
+    EXPECT_EQ(bridge.compose(context).value_or(VelinoError{}).code,
+              3); // no application has the identifier
+#ifndef Q_OS_MACOS
+    EXPECT_EQ(currentMailPlatform(), MailPlatform::Linux);
+#endif
+}

@@ -1,0 +1,149 @@
+#include "rich_text_converter.h"
+#include "rtf_writer.h"
+#include "test_records.h"
+
+#include <QFile>
+#include <QFont>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTextDocument>
+
+#include <gtest/gtest.h>
+
+using namespace velino;
+
+namespace {
+
+std::string rtfOf(const QString &html) {
+    QTextDocument document;
+    document.setHtml(html);
+    return toRtf(document).toStdString();
+}
+
+// The text unrtf reads from the RTF. Its stock text output drops every \uN character, so it
+// runs with a copy of that configuration that prints them as "&#N;", decoded here (surrogate
+// pairs included).
+QString unrtfText(const QByteArray &rtf) {
+    QTemporaryDir dir;
+    QFile stock("/usr/share/unrtf/text.conf");
+    QFile config(dir.filePath("utf.conf"));
+    QFile input(dir.filePath("mail.rtf"));
+    if (!stock.open(QIODevice::ReadOnly) || !config.open(QIODevice::WriteOnly) ||
+        !input.open(QIODevice::WriteOnly)) {
+        ADD_FAILURE() << "unrtf configuration or input not writable";
+        return {};
+    }
+    config.write(stock.readAll() + "\nunisymbol_print\n\t&#%;\n");
+    config.close();
+    input.write(rtf);
+    input.close();
+
+    QProcess unrtf;
+    unrtf.start("unrtf", {"--quiet", "-P", dir.path(), "-t", "utf", input.fileName()});
+    EXPECT_TRUE(unrtf.waitForFinished(20000)) << "unrtf did not run (package unrtf)";
+    EXPECT_EQ(unrtf.exitCode(), 0) << unrtf.readAllStandardError().toStdString();
+    QString out = QString::fromUtf8(unrtf.readAllStandardOutput());
+    const QString rule = "-----------------\n"; // unrtf's start of the body
+    out = out.mid(out.indexOf(rule) + rule.size());
+
+    static const QRegularExpression entity("&#(\\d+);");
+    QString text;
+    qsizetype last = 0;
+    for (const QRegularExpressionMatch &m : entity.globalMatch(out)) {
+        text += out.mid(last, m.capturedStart() - last);
+        text += QChar(char16_t(m.captured(1).toUInt()));
+        last = m.capturedEnd();
+    }
+    text += out.mid(last);
+    return text.replace(QChar::Nbsp, u' ');
+}
+
+} // namespace
+
+TEST(RtfWriter, WritesFontsSizesStylesAndColours) {
+    const std::string rtf =
+        rtfOf("<p style=\"font-family:Georgia,serif; font-size:15pt\"><b>Gras</b> <i>ital</i> "
+              "<u>soul</u> <span style=\"color:#ff8000; font-size:20px\">orange</span></p>");
+    EXPECT_EQ(rtf.rfind("{\\rtf1\\ansi", 0), 0u);
+    EXPECT_NE(rtf.find("{\\f1\\fnil Georgia;}"), std::string::npos) << rtf;
+    EXPECT_NE(rtf.find("{\\colortbl;\\red255\\green128\\blue0;}"), std::string::npos) << rtf;
+    EXPECT_NE(rtf.find("{\\f1\\fs30\\b Gras}"), std::string::npos) << rtf;
+    EXPECT_NE(rtf.find("{\\f1\\fs30\\i ital}"), std::string::npos) << rtf;
+    EXPECT_NE(rtf.find("{\\f1\\fs30\\ul soul}"), std::string::npos) << rtf;
+    EXPECT_NE(rtf.find("{\\f1\\fs30\\cf1 orange}"), std::string::npos) << rtf; // 20px = 15pt
+    EXPECT_EQ(rtf.back(), '\n');
+}
+
+TEST(RtfWriter, EscapesAndWritesEveryNonAsciiUnitAsSigned16Bit) {
+    const std::string rtf = rtfOf(
+        QString::fromUtf16(u"<p>a\\b{c} \u00E9\u20AC\u4E2D\uFF01 \U0001F600</p><p>&nbsp;</p>"));
+    EXPECT_NE(rtf.find("a\\\\b\\{c\\} \\u233?\\u8364?\\u20013?\\u-255? \\u-10179?\\u-8704?"),
+              std::string::npos)
+        << rtf;
+    EXPECT_NE(rtf.find("\\u160?"), std::string::npos);
+    // Plain text right after a \uN? starts a word of its own.
+    EXPECT_NE(rtfOf(QString::fromUtf16(u"<p>\u00E9t\u00E9 d\u2019\U0001F600x</p>"))
+                  .find("\\u233?{}t\\u233? d\\u8217?\\u-10179?\\u-8704?{}x"),
+              std::string::npos);
+    for (const char c : rtf)
+        EXPECT_GE(static_cast<signed char>(c), 0) << "non-ASCII byte in RTF";
+}
+
+TEST(RtfWriter, ParagraphsLineBreaksCellsAndLinks) {
+    QTextDocument document;
+    document.setDefaultFont(QFont("Verdana", 11));
+    document.setHtml("<p align=\"center\">un<br>deux</p><table><tr><td>A</td><td>B</td></tr>"
+                     "</table><p><a href='https://x.example/?q=\"1\"&r={2}'>le lien</a> "
+                     "fin</p>");
+    const std::string rtf = toRtf(document).toStdString();
+    EXPECT_NE(rtf.find("{\\fonttbl{\\f0\\fnil Verdana;}}"), std::string::npos);
+    EXPECT_NE(rtf.find("\\pard\\plain\\qc {"), std::string::npos);
+    EXPECT_NE(rtf.find("un\\line deux}"), std::string::npos) << rtf;
+    EXPECT_NE(rtf.find("{\\f0\\fs22 A}\\par\n\\pard\\plain\\ql {\\f0\\fs22 B}\\par"),
+              std::string::npos); // one paragraph per cell
+    EXPECT_NE(rtf.find("{\\field{\\*\\fldinst HYPERLINK \"https://x.example/?q=%221%22&r=\\{2\\}\"}"
+                       "{\\fldrslt {"),
+              std::string::npos)
+        << rtf;
+    EXPECT_NE(rtf.find(" le lien}}}{"), std::string::npos); // the field closes after the link
+    // A \par between blocks, none after the last.
+    const auto pars = QString::fromStdString(rtf).count("\\par\n");
+    EXPECT_EQ(pars, document.blockCount() - 1);
+    EXPECT_EQ(rtf.find("\\par\n}"), std::string::npos);
+}
+
+TEST(RtfWriter, UnrtfReadsTheSameTextAsTheDocument) {
+    const QString samples[] = {
+        QString::fromUtf8(test::readTestData("default_email.html")),
+        QString::fromUtf8(test::readTestData("hostile_email.html")),
+        QString::fromUtf16(u"<h1>R\u00E9paration \u00E0 l'\u00E9cran</h1><p>Ligne 1<br>Ligne "
+                           u"2 \u2013 \u00AB\u00A0ok\u00A0\u00BB \\ {x} \U0001F600</p>"
+                           u"<table><tr><td>\u00C9tat</td><td>Pr\u00EAt</td></tr></table>"
+                           u"<p><a href=\"https://k.example\">Voir l\u2019atelier</a></p>"),
+    };
+    for (const QString &html : samples) {
+        QTextDocument document;
+        document.setHtml(html);
+        const QString expected = document.toPlainText().remove(QChar::ObjectReplacementCharacter);
+        EXPECT_EQ(unrtfText(toRtf(document)).toStdString(), expected.toStdString());
+    }
+}
+
+TEST(QtRichTextConverter, ImportsUtf8HtmlAndRefusesWhatItCannotRead) {
+    QtRichTextConverter converter;
+    const QByteArray html = test::readTestData("default_email.html");
+    const std::optional<RichTextConversion> conversion = converter.convert(html);
+    ASSERT_TRUE(conversion.has_value());
+    QTextDocument document;
+    document.setHtml(QString::fromUtf8(html));
+    EXPECT_EQ(conversion->plainText, document.toPlainText());
+    ASSERT_TRUE(conversion->rtf.has_value());
+    EXPECT_EQ(*conversion->rtf, toRtf(document));
+
+    EXPECT_FALSE(converter.convert("").has_value());
+    EXPECT_FALSE(converter.convert(" \n\t").has_value());
+    EXPECT_FALSE(converter.convert("<p>caf\xE9</p>").has_value()); // Latin-1, not UTF-8
+    EXPECT_EQ(converter.convert("<p>caf\xC3\xA9</p>").value_or(RichTextConversion{}).plainText,
+              QString::fromUtf16(u"caf\u00E9"));
+}
