@@ -1,0 +1,98 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QSslCertificate>
+#include <QSslKey>
+#include <QString>
+#include <QUrl>
+
+#include <chrono>
+#include <functional>
+#include <optional>
+
+class QSslServer;
+class QSslSocket;
+
+namespace velino::test {
+
+// A certificate authority of its own and a server certificate for 127.0.0.1 (subject
+// alternative name IP:127.0.0.1) signed by it, both made by the openssl command in a
+// temporary folder. Every call makes a new authority, unknown to any other.
+struct TestTlsIdentity {
+    QSslCertificate caCertificate;
+    QSslCertificate serverCertificate;
+    QSslKey serverKey;
+
+    static std::optional<TestTlsIdentity> generate(QString *error);
+};
+
+// One request as the server read it.
+struct TestHttpRequest {
+    QByteArray method;
+    QByteArray target;                     // path and query, as sent
+    QHash<QByteArray, QByteArray> headers; // names in lower case
+    QByteArray body;
+
+    QByteArray header(const QByteArray &name) const { return headers.value(name.toLower()); }
+};
+
+// What the server sends back.
+struct TestHttpAnswer {
+    int status = 200;
+    QByteArray contentType = "application/json";
+    QByteArray body;
+    // With Content-Length, or else delimited by closing the connection.
+    bool declareLength = true;
+    // Keeps the connection open and never writes anything.
+    bool silent = false;
+
+    static TestHttpAnswer json(int status, const QByteArray &body) {
+        return TestHttpAnswer{status, "application/json", body, true, false};
+    }
+    static TestHttpAnswer never() { return TestHttpAnswer{200, {}, {}, true, true}; }
+};
+
+// An HTTPS/1.1 server on 127.0.0.1 running on the calling thread's event loop. Each
+// connection carries one request, answered by the handler, then closed.
+class HttpsTestServer : public QObject {
+    Q_OBJECT
+
+public:
+    using Handler = std::function<TestHttpAnswer(const TestHttpRequest &)>;
+
+    explicit HttpsTestServer(const TestTlsIdentity &identity, QObject *parent = nullptr);
+    ~HttpsTestServer() override;
+
+    // Listens on a free port of 127.0.0.1.
+    bool listen();
+    quint16 port() const;
+    // https://127.0.0.1:PORT followed by path (which may carry a query).
+    QUrl url(const QString &path) const;
+
+    // Answers 404 with an empty body until a handler is set.
+    void setHandler(Handler handler) { handler_ = std::move(handler); }
+
+    // Every complete request received, in order.
+    const QList<TestHttpRequest> &requests() const { return requests_; }
+
+private:
+    void accept();
+    void readFrom(QSslSocket *socket);
+    void answer(QSslSocket *socket, const TestHttpRequest &request);
+
+    QSslServer *server_;
+    Handler handler_;
+    QList<TestHttpRequest> requests_;
+    QHash<QSslSocket *, QByteArray> buffers_;
+};
+
+// A port of 127.0.0.1 on which nothing listens (bound a moment ago, then released).
+quint16 closedLocalPort();
+
+// Runs the event loop until done() is true or the time is over; returns done().
+bool waitUntil(const std::function<bool()> &done, std::chrono::milliseconds timeout);
+
+} // namespace velino::test
