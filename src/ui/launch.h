@@ -1,0 +1,15 @@
+#pragma once
+
+class QGuiApplication;
+
+namespace velino::ui {
+
+// Everything after the application object exists: the command-line options, the QML
+// engine and the first window; then the event loop. Returns the exit status.
+//
+//   --password TEXT     makes one unlock attempt with TEXT as soon as the window is up
+//   --screenshot FILE   saves the window as a PNG once it has settled, then quits
+//   --screenshot-delay MS   wait before the screenshot (default 1500)
+int runApplication(QGuiApplication &app);
+
+} // namespace velino::ui

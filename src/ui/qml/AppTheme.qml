@@ -1,0 +1,73 @@
+pragma Singleton
+
+import QtQuick
+import Velino
+
+// The window's palette: light text on near-black blue surfaces, with the blue accent and
+// the violet accentSoft as the saturated colours besides cyan. Gradients are drawn from
+// the top-leading to the bottom-trailing corner (see Surface), stops evenly spaced.
+QtObject {
+    readonly property color accent: Qt.rgba(0.18, 0.49, 0.96, 1)
+    readonly property color accentSoft: Qt.rgba(0.48, 0.36, 1.0, 1)
+    readonly property color cyan: Qt.rgba(0.34, 0.76, 1.0, 1)
+    readonly property color text: Qt.rgba(1, 1, 1, 0.95)
+    readonly property color muted: Qt.rgba(1, 1, 1, 0.68)
+    readonly property color line: Qt.rgba(1, 1, 1, 0.08)
+    readonly property color inputLine: Qt.rgba(1, 1, 1, 0.12)
+    readonly property color buttonSurface: Qt.rgba(1, 1, 1, 0.08)
+    readonly property color shadow: Qt.rgba(0, 0, 0, 0.24)
+
+    // Dark-appearance system colours used by the checklist, tiles and fields.
+    readonly property color green: Qt.rgba(0.19, 0.82, 0.35, 1)
+    readonly property color orange: Qt.rgba(1.0, 0.62, 0.04, 1)
+    readonly property color secondaryLabel: Qt.rgba(1, 1, 1, 0.55)
+    readonly property color placeholder: Qt.rgba(1, 1, 1, 0.25)
+    readonly property color selection: Qt.rgba(0.18, 0.49, 0.96, 0.55)
+
+    // The opaque middle of `background`, for whatever is drawn before the gradient.
+    readonly property color backgroundBase: Qt.rgba(0.03, 0.05, 0.10, 1)
+
+    readonly property Gradient background: Gradient {
+        GradientStop { position: 0.0; color: Qt.rgba(0.02, 0.03, 0.06, 1) }
+        GradientStop { position: 0.5; color: Qt.rgba(0.03, 0.05, 0.10, 1) }
+        GradientStop { position: 1.0; color: Qt.rgba(0.02, 0.03, 0.06, 1) }
+    }
+    readonly property Gradient panelBackground: Gradient {
+        GradientStop { position: 0.0; color: Qt.rgba(0.05, 0.07, 0.11, 0.94) }
+        GradientStop { position: 1.0; color: Qt.rgba(0.03, 0.04, 0.08, 0.94) }
+    }
+    readonly property Gradient previewBackground: Gradient {
+        GradientStop { position: 0.0; color: Qt.rgba(0.04, 0.06, 0.10, 0.96) }
+        GradientStop { position: 1.0; color: Qt.rgba(0.03, 0.04, 0.08, 0.96) }
+    }
+    readonly property Gradient cardSurface: Gradient {
+        GradientStop { position: 0.0; color: Qt.rgba(0.08, 0.10, 0.16, 0.96) }
+        GradientStop { position: 1.0; color: Qt.rgba(0.05, 0.07, 0.11, 0.96) }
+    }
+    readonly property Gradient previewSurface: Gradient {
+        GradientStop { position: 0.0; color: Qt.rgba(0.07, 0.09, 0.14, 0.98) }
+        GradientStop { position: 1.0; color: Qt.rgba(0.04, 0.06, 0.10, 0.98) }
+    }
+    readonly property Gradient inputSurface: Gradient {
+        GradientStop { position: 0.0; color: Qt.rgba(1, 1, 1, 0.08) }
+        GradientStop { position: 1.0; color: Qt.rgba(1, 1, 1, 0.05) }
+    }
+    readonly property Gradient headerSurface: Gradient {
+        GradientStop { position: 0.0; color: Qt.rgba(0, 0, 0, 0.34) }
+        GradientStop { position: 1.0; color: Qt.rgba(0, 0, 0, 0.18) }
+    }
+    // accent → accentSoft: primary buttons, the active preset tile, the logo placeholder.
+    readonly property Gradient accentGradient: Gradient {
+        GradientStop { position: 0.0; color: Qt.rgba(0.18, 0.49, 0.96, 1) }
+        GradientStop { position: 1.0; color: Qt.rgba(0.48, 0.36, 1.0, 1) }
+    }
+
+    // The rounded system font of the design is not on Linux: Inter when installed, else
+    // the default sans-serif.
+    readonly property string fontFamily: UiHelpers.fontFamily
+
+    // Colour with its opacity multiplied, as a view's opacity modifier does.
+    function withOpacity(c, factor) {
+        return Qt.rgba(c.r, c.g, c.b, c.a * factor)
+    }
+}

@@ -1,0 +1,112 @@
+import QtQuick
+import QtQuick.Layouts
+import Velino
+
+// One saved preset of the list: its name (with a "Charge" chip while it is the loaded
+// one), where it comes from and its subject, when it was last updated, and its three
+// actions. The row is given plain values and reports the buttons through its signals.
+Item {
+    id: root
+
+    property string name
+    property string sourceTitle
+    property string subjectLine
+    property date updatedAt
+    property bool isActive: false
+
+    signal load()
+    signal overwrite()
+    signal remove()
+
+    implicitWidth: row.implicitWidth + 32
+    implicitHeight: row.implicitHeight + 32
+
+    Surface {
+        anchors.fill: parent
+        radius: 20
+        gradient: root.isActive ? null : AppTheme.inputSurface
+        color: root.isActive ? AppTheme.withOpacity(AppTheme.buttonSurface, 0.36) : "transparent"
+        borderColor: root.isActive ? AppTheme.withOpacity(AppTheme.accent, 0.55) : AppTheme.inputLine
+    }
+
+    RowLayout {
+        id: row
+        anchors.fill: parent
+        anchors.margins: 16
+        spacing: 12
+
+        ColumnLayout {
+            Layout.fillWidth: true
+            Layout.alignment: Qt.AlignVCenter
+            spacing: 6
+
+            RowLayout {
+                Layout.fillWidth: true
+                spacing: 8
+                Text {
+                    objectName: "presetName"
+                    Layout.fillWidth: implicitWidth > width
+                    Layout.maximumWidth: implicitWidth
+                    text: root.name
+                    font.family: AppTheme.fontFamily
+                    font.pixelSize: 15
+                    font.weight: Font.Bold
+                    color: AppTheme.text
+                    elide: Text.ElideRight
+                }
+                StatusChip {
+                    objectName: "activeChip"
+                    visible: root.isActive
+                    text: "Charge"
+                    tint: AppTheme.accent
+                }
+                Item {
+                    Layout.fillWidth: true
+                }
+            }
+            Text {
+                objectName: "presetSource"
+                Layout.fillWidth: true
+                text: root.sourceTitle + " · " + root.subjectLine
+                font.family: AppTheme.fontFamily
+                font.pixelSize: 12
+                font.weight: Font.Medium
+                color: AppTheme.muted
+                wrapMode: Text.Wrap
+                maximumLineCount: 2
+                elide: Text.ElideRight
+            }
+            Text {
+                objectName: "presetUpdated"
+                Layout.fillWidth: true
+                text: "Mis a jour le " + UiHelpers.updatedLabel(root.updatedAt)
+                font.family: AppTheme.fontFamily
+                font.pixelSize: 11
+                font.weight: Font.Medium
+                color: AppTheme.withOpacity(AppTheme.muted, 0.85)
+                elide: Text.ElideRight
+            }
+        }
+
+        RowLayout {
+            Layout.alignment: Qt.AlignVCenter
+            spacing: 8
+            ToolbarButton {
+                objectName: "loadButton"
+                text: "Charger"
+                primary: root.isActive
+                onClicked: root.load()
+            }
+            ToolbarButton {
+                objectName: "overwriteButton"
+                text: "Remplacer"
+                onClicked: root.overwrite()
+            }
+            ToolbarButton {
+                objectName: "removeButton"
+                text: "Supprimer"
+                onClicked: root.remove()
+            }
+        }
+    }
+}

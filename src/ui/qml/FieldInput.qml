@@ -1,0 +1,21 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Velino
+
+// The borderless single-line input used inside the form's boxes: no background of its
+// own, theme text colours, the placeholder in the placeholder colour.
+TextField {
+    font.family: AppTheme.fontFamily
+    font.pixelSize: 13
+    color: AppTheme.text
+    placeholderTextColor: AppTheme.placeholder
+    selectionColor: AppTheme.selection
+    selectedTextColor: "white"
+    verticalAlignment: TextInput.AlignVCenter
+    leftPadding: 0
+    rightPadding: 0
+    topPadding: 0
+    bottomPadding: 0
+    selectByMouse: true
+    background: null
+}

@@ -1,0 +1,7 @@
+import QtQuick
+import Velino
+
+// LabeledTextField whose characters are masked.
+LabeledTextField {
+    secure: true
+}

@@ -1,0 +1,46 @@
+import QtQuick
+import QtQuick.Layouts
+import Velino
+
+// A titled single-line field. `text` is the shown value (bind it to the owner's string);
+// every keystroke emits edited(text) for the owner to store, so the value stays owned
+// elsewhere.
+ColumnLayout {
+    id: root
+
+    property string title
+    property string text
+    property bool secure: false
+    readonly property alias field: input
+
+    signal edited(string text)
+
+    spacing: 8
+
+    FieldLabel {
+        Layout.fillWidth: true
+        text: root.title
+    }
+
+    Surface {
+        Layout.fillWidth: true
+        Layout.preferredHeight: 44
+        Layout.minimumHeight: 44
+        Layout.maximumHeight: 44
+        implicitWidth: 200
+        radius: 14
+        gradient: AppTheme.inputSurface
+        borderColor: AppTheme.inputLine
+
+        FieldInput {
+            id: input
+            anchors.fill: parent
+            anchors.leftMargin: 14
+            anchors.rightMargin: 14
+            text: root.text
+            placeholderText: root.title
+            echoMode: root.secure ? TextInput.Password : TextInput.Normal
+            onTextEdited: root.edited(text)
+        }
+    }
+}

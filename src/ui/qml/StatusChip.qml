@@ -1,0 +1,32 @@
+import QtQuick
+import Velino
+
+// A capsule of bold white text on a tinted fill.
+Item {
+    id: root
+
+    property string text
+    property color tint: AppTheme.accent
+
+    implicitWidth: label.implicitWidth + 20
+    implicitHeight: label.implicitHeight + 16
+
+    Surface {
+        anchors.fill: parent
+        radius: height / 2
+        color: AppTheme.withOpacity(root.tint, 0.92)
+        borderColor: Qt.rgba(1, 1, 1, 0.08)
+    }
+
+    Text {
+        id: label
+        anchors.centerIn: parent
+        width: Math.min(implicitWidth, root.width - 20)
+        text: root.text
+        font.family: AppTheme.fontFamily
+        font.pixelSize: 11
+        font.weight: Font.Bold
+        color: "white"
+        elide: Text.ElideRight
+    }
+}

@@ -1,0 +1,86 @@
+#include "ui_helpers.h"
+
+#include "color_hex.h"
+#include "preset_dates.h"
+#include "text.h"
+
+#include <QFile>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QKeySequence>
+
+namespace velino::ui {
+
+QString preferredFontFamily() {
+    static const QString family = [] {
+        const QString inter = QStringLiteral("Inter");
+        if (QFontDatabase::families().contains(inter))
+            return inter;
+        return QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
+    }();
+    return family;
+}
+
+QUrl imageResourceUrl(const QString &name) {
+    if (name.isEmpty() || name.contains(u'/'))
+        return QUrl();
+    const QString path = QString::fromUtf16(kImageResourcePrefix) + name + QStringLiteral(".png");
+    if (!QFile::exists(path))
+        return QUrl();
+    return QUrl(QStringLiteral("qrc") + path);
+}
+
+UiHelpers::UiHelpers(QObject *parent) : QObject(parent) {}
+
+QString UiHelpers::fontFamily() const {
+    return preferredFontFamily();
+}
+
+QString UiHelpers::serviceHost() const {
+    return QString::fromUtf16(kDefaultServiceHost);
+}
+
+QColor UiHelpers::colorFromHex(const QString &text) const {
+    return velino::ui::colorFromHex(text).value_or(QColor(Qt::transparent));
+}
+
+bool UiHelpers::isHexColor(const QString &text) const {
+    return velino::ui::colorFromHex(text).has_value();
+}
+
+QString UiHelpers::upperCased(const QString &text) const {
+    return velino::text::upperCased(text);
+}
+
+QString UiHelpers::updatedLabel(const QDateTime &instant) const {
+    return presetUpdatedLabel(instant);
+}
+
+QUrl UiHelpers::imageUrl(const QString &resourceName) const {
+    return imageResourceUrl(resourceName);
+}
+
+QString UiHelpers::shortcutText(const QVariant &shortcut) const {
+    QKeySequence sequence;
+    switch (shortcut.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+        sequence = QKeySequence(QKeySequence::StandardKey(shortcut.toInt()));
+        break;
+    case QMetaType::QString:
+        sequence = QKeySequence(shortcut.toString());
+        break;
+    case QMetaType::QKeySequence:
+        sequence = shortcut.value<QKeySequence>();
+        break;
+    default:
+        if (shortcut.canConvert<int>() &&
+            shortcut.metaType().flags().testFlag(QMetaType::IsEnumeration))
+            sequence = QKeySequence(QKeySequence::StandardKey(shortcut.toInt()));
+        break;
+    }
+    return sequence.toString(QKeySequence::NativeText);
+}
+
+} // namespace velino::ui
