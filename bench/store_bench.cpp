@@ -5,6 +5,7 @@
 #include "identifiers.h"
 #include "qt_services.h"
 #include "saved_payload.h"
+#include "settings_format.h"
 
 #include <QCoreApplication>
 #include <QSettings>
@@ -41,7 +42,7 @@ struct LibraryFixture {
             preset.updatedAt = Instant{788918400.0 + (i * 7919) % 1000};
             payload.customPresets.append(preset);
         }
-        QSettings settings(path, QSettings::NativeFormat);
+        QSettings settings(path, velinoSettingsFormat());
         settings.setValue(ComposerStore::kDefaultsKey, payload.toJson());
     }
 

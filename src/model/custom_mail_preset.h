@@ -32,11 +32,17 @@ struct CustomMailPreset {
     void writeJson(JsonWriter &writer, TimestampForm form) const;
     static std::optional<CustomMailPreset> fromJson(const QJsonObject &object, TimestampForm form,
                                                     const QString &path, QString *error);
+    // The same rules, reading the object that comes next in a streamed document.
+    static std::optional<CustomMailPreset> fromJson(JsonCursor &cursor, TimestampForm form,
+                                                    const QString &path, QString *error);
 
     bool operator==(const CustomMailPreset &other) const;
 };
 
-// The message of an unknown preset identifier found under path.
+// The messages of an unknown preset identifier, a malformed UUID and a timestamp of the
+// wrong form found under path.
 QString presetKindError(const QString &path, const QString &value);
+QString uuidError(const QString &path, const QString &value);
+QString timestampError(const QString &path, const QString &value);
 
 } // namespace velino

@@ -25,6 +25,19 @@ const char *jsonTypeName(QJsonValue::Type type) {
     return "absent";
 }
 
+QString missingKeyMessage(const QString &path) {
+    return QStringLiteral("cle manquante : %1").arg(path);
+}
+
+QString nullKeyMessage(const QString &path) {
+    return QStringLiteral("valeur null pour la cle %1").arg(path);
+}
+
+QString wrongTypeMessage(const QString &path, const char *expected, const char *found) {
+    return QStringLiteral("type incorrect pour la cle %1 : %2 attendu, %3 trouve")
+        .arg(path, QLatin1String(expected), QLatin1String(found));
+}
+
 JsonReader::JsonReader(const QJsonObject &object, QString path, QString *error)
     : object_(object), path_(std::move(path)), error_(error) {}
 
@@ -42,11 +55,11 @@ QJsonValue JsonReader::value(QStringView key) {
         return {};
     const auto it = object_.constFind(key);
     if (it == object_.constEnd()) {
-        fail(QStringLiteral("cle manquante : %1").arg(pathOf(key)));
+        fail(missingKeyMessage(pathOf(key)));
         return {};
     }
     if (it->isNull()) {
-        fail(QStringLiteral("valeur null pour la cle %1").arg(pathOf(key)));
+        fail(nullKeyMessage(pathOf(key)));
         return {};
     }
     return *it;
@@ -57,8 +70,7 @@ QJsonValue JsonReader::required(QStringView key, QJsonValue::Type type, const ch
     if (!ok())
         return {};
     if (v.type() != type) {
-        fail(QStringLiteral("type incorrect pour la cle %1 : %2 attendu, %3 trouve")
-                 .arg(pathOf(key), QLatin1String(typeName), QLatin1String(jsonTypeName(v.type()))));
+        fail(wrongTypeMessage(pathOf(key), typeName, jsonTypeName(v.type())));
         return {};
     }
     return v;

@@ -49,4 +49,9 @@ std::optional<QJsonObject> parseJsonObject(const QByteArray &bytes, QString *err
 // French name of a JSON type, for messages.
 const char *jsonTypeName(QJsonValue::Type type);
 
+// The messages of every strict decoder, naming the key by its full path.
+QString missingKeyMessage(const QString &path);
+QString nullKeyMessage(const QString &path);
+QString wrongTypeMessage(const QString &path, const char *expected, const char *found);
+
 } // namespace velino

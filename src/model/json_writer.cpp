@@ -1,41 +1,72 @@
 #include "json_writer.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cstring>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace velino {
 
+JsonWriter::JsonWriter(qsizetype capacity) {
+    grow(capacity);
+}
+
+void JsonWriter::grow(qsizetype extra) {
+    const qsizetype used = cursor_ - begin_;
+    const qsizetype capacity = std::max(used + extra, 2 * static_cast<qsizetype>(end_ - begin_));
+    out_.resize(capacity); // new bytes are left uninitialised
+    begin_ = out_.data();
+    cursor_ = begin_ + used;
+    end_ = begin_ + capacity;
+}
+
+QByteArray JsonWriter::take() {
+    out_.resize(cursor_ - begin_);
+    begin_ = cursor_ = end_ = nullptr;
+    return std::move(out_);
+}
+
+void JsonWriter::put(const char *text, qsizetype length) {
+    reserve(length);
+    std::memcpy(cursor_, text, static_cast<size_t>(length));
+    cursor_ += length;
+}
+
 void JsonWriter::separate() {
     if (needsComma_)
-        out_.append(',');
+        put(',');
     needsComma_ = true;
 }
 
 void JsonWriter::beginObject() {
     separate();
-    out_.append('{');
+    put('{');
     needsComma_ = false;
 }
 
 void JsonWriter::endObject() {
-    out_.append('}');
+    put('}');
     needsComma_ = true;
 }
 
 void JsonWriter::beginArray() {
     separate();
-    out_.append('[');
+    put('[');
     needsComma_ = false;
 }
 
 void JsonWriter::endArray() {
-    out_.append(']');
+    put(']');
     needsComma_ = true;
 }
 
 void JsonWriter::key(QStringView name) {
     separate();
     writeEscaped(name);
-    out_.append(':');
+    put(':');
     needsComma_ = false;
 }
 
@@ -48,73 +79,116 @@ void JsonWriter::number(double value) {
     separate();
     char buffer[32];
     const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
-    out_.append(buffer, result.ptr - buffer);
+    put(buffer, result.ptr - buffer);
 }
 
 void JsonWriter::number(qint64 value) {
     separate();
-    out_.append(QByteArray::number(value));
+    char buffer[24];
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+    put(buffer, result.ptr - buffer);
 }
 
 void JsonWriter::boolean(bool value) {
     separate();
-    out_.append(value ? "true" : "false");
+    if (value)
+        put("true", 4);
+    else
+        put("false", 5);
 }
+
+namespace {
+
+bool isPlainAscii(char16_t c) {
+    return c >= 0x20 && c < 0x80 && c != u'"' && c != u'\\';
+}
+
+} // namespace
 
 void JsonWriter::writeEscaped(QStringView value) {
     static constexpr char hex[] = "0123456789abcdef";
-    out_.append('"');
+    // Worst cases: six bytes for a control character, three for a BMP character in UTF-8.
+    reserve(value.size() * 6 + 2);
+    char *out = cursor_;
+    *out++ = '"';
     const char16_t *p = value.utf16();
     const char16_t *const end = p + value.size();
     while (p < end) {
-        // Plain ASCII runs are the common case: copy them as they are.
-        const char16_t *run = p;
-        while (run < end && *run >= 0x20 && *run < 0x80 && *run != u'"' && *run != u'\\')
-            ++run;
-        if (run > p) {
-            const qsizetype start = out_.size();
-            out_.resize(start + (run - p));
-            char *dst = out_.data() + start;
-            for (const char16_t *q = p; q < run; ++q)
-                *dst++ = static_cast<char>(*q);
-            p = run;
-            continue;
+#if defined(__SSE2__)
+        // Eight plain ASCII characters at a time, narrowed to bytes.
+        const __m128i space = _mm_set1_epi16(0x20);
+        const __m128i quote = _mm_set1_epi16('"');
+        const __m128i backslash = _mm_set1_epi16('\\');
+        while (end - p >= 8) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+            // Signed compare: units from U+8000 also look "below space", which is safe.
+            const __m128i special = _mm_or_si128(
+                _mm_or_si128(_mm_cmplt_epi16(v, space), _mm_cmpgt_epi16(v, _mm_set1_epi16(0x7F))),
+                _mm_or_si128(_mm_cmpeq_epi16(v, quote), _mm_cmpeq_epi16(v, backslash)));
+            if (_mm_movemask_epi8(special) != 0)
+                break;
+            _mm_storel_epi64(reinterpret_cast<__m128i *>(out), _mm_packus_epi16(v, v));
+            out += 8;
+            p += 8;
         }
+#endif
+        while (p < end && isPlainAscii(*p))
+            *out++ = static_cast<char>(*p++);
+        if (p == end)
+            break;
         const char16_t c = *p;
         if (c == u'"' || c == u'\\') {
-            out_.append('\\').append(static_cast<char>(c));
+            *out++ = '\\';
+            *out++ = static_cast<char>(c);
             ++p;
         } else if (c < 0x20) {
+            *out++ = '\\';
             switch (c) {
             case u'\n':
-                out_.append("\\n");
+                *out++ = 'n';
                 break;
             case u'\r':
-                out_.append("\\r");
+                *out++ = 'r';
                 break;
             case u'\t':
-                out_.append("\\t");
+                *out++ = 't';
                 break;
             case u'\b':
-                out_.append("\\b");
+                *out++ = 'b';
                 break;
             case u'\f':
-                out_.append("\\f");
+                *out++ = 'f';
                 break;
             default:
-                out_.append("\\u00").append(hex[c >> 4]).append(hex[c & 15]);
+                *out++ = 'u';
+                *out++ = '0';
+                *out++ = '0';
+                *out++ = hex[c >> 4];
+                *out++ = hex[c & 15];
             }
             ++p;
+        } else if (c < 0x800) {
+            *out++ = static_cast<char>(0xC0 | (c >> 6));
+            *out++ = static_cast<char>(0x80 | (c & 0x3F));
+            ++p;
+        } else if (QChar::isHighSurrogate(c) && p + 1 < end && QChar::isLowSurrogate(p[1])) {
+            const char32_t u = QChar::surrogateToUcs4(c, p[1]);
+            *out++ = static_cast<char>(0xF0 | (u >> 18));
+            *out++ = static_cast<char>(0x80 | ((u >> 12) & 0x3F));
+            *out++ = static_cast<char>(0x80 | ((u >> 6) & 0x3F));
+            *out++ = static_cast<char>(0x80 | (u & 0x3F));
+            p += 2;
         } else {
-            // Everything else as UTF-8, up to the next ASCII character.
-            const char16_t *wide = p;
-            while (wide < end && *wide >= 0x80)
-                ++wide;
-            out_.append(QStringView(p, wide).toUtf8());
-            p = wide;
+            // A lone surrogate has no UTF-8 form: it is written as U+FFFD.
+            const char16_t u = QChar::isSurrogate(c) ? char16_t(0xFFFD) : c;
+            *out++ = static_cast<char>(0xE0 | (u >> 12));
+            *out++ = static_cast<char>(0x80 | ((u >> 6) & 0x3F));
+            *out++ = static_cast<char>(0x80 | (u & 0x3F));
+            ++p;
         }
     }
-    out_.append('"');
+    *out++ = '"';
+    cursor_ = out;
 }
 
 } // namespace velino

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QChar>
 #include <QString>
 #include <QStringView>
 
@@ -11,7 +12,7 @@ namespace velino {
 // a valid order; the writer adds the commas.
 class JsonWriter {
 public:
-    explicit JsonWriter(qsizetype capacity = 1024) { out_.reserve(capacity); }
+    explicit JsonWriter(qsizetype capacity = 1024);
 
     void beginObject();
     void endObject();
@@ -25,14 +26,26 @@ public:
     void number(qint64 value);
     void boolean(bool value);
 
-    const QByteArray &bytes() const { return out_; }
-    QByteArray take() { return std::move(out_); }
+    QByteArray take();
 
 private:
     void separate();
+    void put(char c) {
+        reserve(1);
+        *cursor_++ = c;
+    }
+    void put(const char *text, qsizetype length);
+    void reserve(qsizetype extra) {
+        if (end_ - cursor_ < extra)
+            grow(extra);
+    }
+    void grow(qsizetype extra);
     void writeEscaped(QStringView value);
 
     QByteArray out_;
+    char *begin_ = nullptr;
+    char *cursor_ = nullptr;
+    char *end_ = nullptr;
     bool needsComma_ = false;
 };
 

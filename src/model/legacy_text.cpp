@@ -94,9 +94,12 @@ QString normalizeLegacyText(const QString &text) {
     if (plusStandsForBlank(text::trimmedView(decoded)))
         decoded.replace(u'+', u' ');
 
-    const QString key = text::trimmed(decoded);
+    // The former lines are in normalisation form C: compare with the key's own form C.
+    QString key = text::trimmed(decoded);
+    if (!text::isCertainlyNfc(key))
+        key = key.normalized(QString::NormalizationForm_C);
     for (const auto &[former, current] : legacyCopyReplacements()) {
-        if (text::canonicallyEqual(key, former))
+        if (key == former)
             return current;
     }
     return decoded;

@@ -71,15 +71,9 @@ qsizetype characterCount(const QString &s) {
     return count;
 }
 
-namespace {
-
-// Every code point below U+0300 is its own normalisation form C: a text made only of them
-// is already normalised.
 bool isCertainlyNfc(QStringView s) {
     return std::all_of(s.begin(), s.end(), [](QChar c) { return c.unicode() < 0x300; });
 }
-
-} // namespace
 
 bool canonicallyEqual(const QString &a, const QString &b) {
     if (a == b)

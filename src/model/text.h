@@ -39,6 +39,10 @@ char32_t firstCodePoint(QStringView cluster);
 // Every code unit below 0x80.
 bool isAscii(QStringView s);
 
+// True when the text is known to be in normalisation form C without computing it: every
+// code point below U+0300 is its own form C.
+bool isCertainlyNfc(QStringView s);
+
 // Canonical equivalence: equal NFC forms.
 bool canonicallyEqual(const QString &a, const QString &b);
 

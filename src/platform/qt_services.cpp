@@ -1,6 +1,7 @@
 #include "qt_services.h"
 
 #include "identifiers.h"
+#include "settings_format.h"
 
 #include <QClipboard>
 #include <QDateTime>
@@ -23,23 +24,22 @@
 namespace velino {
 namespace {
 
-// QSettings replaces the file through a temporary file and a rename; forcing the new file
-// and the folder entry to disk makes the save survive a power cut right after it.
-bool flushToDisk(const QString &filePath) {
+// QSettings writes the new file through QSaveFile, which flushes its data to disk before
+// renaming it over the old one; flushing the folder as well makes the rename itself
+// survive a power cut right after the save.
+bool flushFolderToDisk(const QString &filePath) {
 #ifdef Q_OS_UNIX
-    for (const QString &path : {filePath, QFileInfo(filePath).absolutePath()}) {
-        const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-        if (fd < 0)
-            return false;
-        const bool synced = ::fsync(fd) == 0;
-        ::close(fd);
-        if (!synced)
-            return false;
-    }
+    const QByteArray folder = QFile::encodeName(QFileInfo(filePath).absolutePath());
+    const int fd = ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    const bool synced = ::fsync(fd) == 0;
+    ::close(fd);
+    return synced;
 #else
     Q_UNUSED(filePath);
-#endif
     return true;
+#endif
 }
 
 // QSettings guards its file with "<file>.lock" and waits up to 30 seconds for a lock
@@ -63,9 +63,9 @@ QtSettingsStore::QtSettingsStore(const QString &filePath)
 std::unique_ptr<QSettings> QtSettingsStore::makeSettings() const {
     std::unique_ptr<QSettings> settings =
         filePath_.isEmpty()
-            ? std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
+            ? std::make_unique<QSettings>(velinoSettingsFormat(), QSettings::UserScope,
                                           QStringLiteral("Korvel"), QStringLiteral("Velino"))
-            : std::make_unique<QSettings>(filePath_, QSettings::NativeFormat);
+            : std::make_unique<QSettings>(filePath_, velinoSettingsFormat());
     clearAbandonedLock(settings->fileName());
     return settings;
 }
@@ -96,7 +96,7 @@ bool QtSettingsStore::sync() {
     clearAbandonedLock(settings_->fileName());
     settings_->sync();
     if (settings_->status() == QSettings::NoError)
-        return flushToDisk(settings_->fileName());
+        return flushFolderToDisk(settings_->fileName());
     // QSettings keeps reporting its first error; a fresh instance on the same file lets the
     // next save try again. The values written so far are kept by Qt's shared file cache.
     settings_ = makeSettings();

@@ -9,8 +9,9 @@
 // The Qt implementation of each platform service.
 namespace velino {
 
-// QSettings in its native format; on Linux ~/.config/Korvel/Velino.conf. Every write goes
-// through a temporary file and a rename, so the file on disk is always whole.
+// QSettings in Velino's own format (settings_format.h); on Linux ~/.config/Korvel/Velino.conf.
+// Every write goes through a temporary file and a rename, and is then flushed to disk, so
+// the file is always whole and a save survives a crash right after it.
 class QtSettingsStore final : public SettingsStore {
 public:
     // The per-user store of organisation "Korvel", application "Velino".

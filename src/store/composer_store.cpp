@@ -1,7 +1,10 @@
 #include "composer_store.h"
 
+#include "mail_bridge.h"
 #include "mail_template_context.h"
 #include "saved_payload.h"
+#include "sync_client.h"
+#include "sync_transport.h"
 #include "text.h"
 
 #include <QDateTime>
@@ -11,12 +14,6 @@ namespace velino {
 
 const QString ComposerStore::kDefaultsKey = QStringLiteral("velino-native-v1");
 const QString ComposerStore::kSyncCodeKey = QStringLiteral("velino-sync-code-v1");
-
-namespace {
-
-QString normalizedSyncCodeForPipeline(const QString &raw);
-
-} // namespace
 
 ComposerStore::ComposerStore(StoreServices services, QObject *parent)
     : QObject(parent), services_(std::move(services)),
@@ -28,6 +25,13 @@ ComposerStore::ComposerStore(StoreServices services, QObject *parent)
         timer->setSingleShot(true);
         timer->setInterval(kDebounceMilliseconds);
     }
+    mailBridge_ = std::make_unique<MailBridge>(
+        services_.makeMailExecutor(*services_.programs, *services_.files, *services_.ids),
+        *services_.urls);
+    syncTransport_ = std::make_unique<SyncTransport>();
+    syncTransport_->setTransferTimeout(services_.syncTransferTimeout);
+    if (!services_.extraSyncCaCertificates.isEmpty())
+        syncTransport_->setExtraCaCertificates(services_.extraSyncCaCertificates);
     syncCode_ = services_.settings->readText(kSyncCodeKey).value_or(QString());
     loadSavedState();
     bind();
@@ -86,7 +90,7 @@ void ComposerStore::bind() {
     });
     connect(&draftNameDebounce_, &QTimer::timeout, this, [this] { persist(); });
     connect(&syncCodeDebounce_, &QTimer::timeout, this, [this] {
-        services_.settings->writeText(kSyncCodeKey, normalizedSyncCodeForPipeline(syncCode_));
+        services_.settings->writeText(kSyncCodeKey, normalizedSyncCode(syncCode_));
         services_.settings->sync();
     });
     pipelinesBound_ = true;
@@ -266,20 +270,5 @@ QVariantList ComposerStore::checklistRows() const {
             QVariantMap{{QStringLiteral("ok"), item.ok}, {QStringLiteral("text"), item.text}});
     return rows;
 }
-
-namespace {
-
-QString normalizedSyncCodeForPipeline(const QString &raw) {
-    QString code;
-    for (const QChar c : raw.toUpper()) {
-        if ((c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u'-')
-            code.append(c);
-        if (code.size() == 64)
-            break;
-    }
-    return code;
-}
-
-} // namespace
 
 } // namespace velino

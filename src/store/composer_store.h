@@ -19,6 +19,9 @@
 namespace velino {
 
 struct SavedPayload;
+struct VelinoError;
+class MailBridge;
+class SyncTransport;
 
 // The one state object of a window: the content being edited, the preset selection and
 // library, the outputs derived from the content, the status texts and the sync code.
@@ -131,6 +134,19 @@ public:
     bool canSaveAsNewCustomPreset() const;
     bool canUpdateActiveCustomPreset() const;
 
+    // Output actions: each regenerates and saves first, then acts and reports in lastAction
+    // (or in an alert when it fails).
+    Q_INVOKABLE void copySubject();
+    Q_INVOKABLE void copyPlainText();
+    Q_INVOKABLE void copyHTML();
+    Q_INVOKABLE void exportHTML();
+    Q_INVOKABLE void openStandalonePreview();
+    Q_INVOKABLE void openAppleMailDraft();
+
+    // Phone sync: asynchronous; isSyncing is true until the answer has been handled.
+    Q_INVOKABLE void pushToWeb();
+    Q_INVOKABLE void pullFromWeb();
+
 Q_SIGNALS:
     void dataChanged();
     void activePresetChanged();
@@ -162,6 +178,13 @@ protected:
     void setIsSyncing(bool syncing);
 
 private:
+    // Output actions' helpers.
+    void copyRichHTMLToPasteboard();
+
+    // Sync helpers.
+    std::optional<QString> validatedSyncCode();
+    void failSync(const VelinoError &error);
+
     void loadSavedState();
     void takeDefaultState();
     void takeSavedState(SavedPayload &&payload);
@@ -193,6 +216,9 @@ private:
     QString syncCode_;
     QString syncStatus_;
     bool isSyncing_ = false;
+
+    std::unique_ptr<MailBridge> mailBridge_;
+    std::unique_ptr<SyncTransport> syncTransport_;
 
     bool isBootstrapping_ = true;
     bool pipelinesBound_ = false;

@@ -1,10 +1,8 @@
 #include "saved_payload.h"
 
 #include "identifiers.h"
+#include "json_cursor.h"
 #include "json_reader.h"
-
-#include <QJsonArray>
-#include <QJsonDocument>
 
 namespace velino {
 
@@ -33,60 +31,95 @@ QByteArray SavedPayload::toJson() const {
 }
 
 std::optional<SavedPayload> SavedPayload::fromJson(const QByteArray &bytes, QString *error) {
-    const std::optional<QJsonObject> object = parseJsonObject(bytes, error);
-    if (!object)
+    // The saved state can hold thousands of presets: it is read in one streamed pass.
+    JsonCursor cursor(bytes);
+    const auto syntaxError = [&]() {
+        *error = cursor.error();
         return std::nullopt;
-    JsonReader reader(*object, QString(), error);
+    };
+    if (cursor.peek() != JsonCursor::Type::Object) {
+        if (cursor.ok())
+            cursor.fail("un objet est attendu");
+        return syntaxError();
+    }
+    cursor.beginObject();
+
     SavedPayload payload;
-
-    const QString presetText = reader.string(u"preset");
-    if (!reader.ok())
-        return std::nullopt;
-    const std::optional<PresetKind> kind = presetKindFromId(presetText);
-    if (!kind) {
-        reader.fail(presetKindError(QStringLiteral("preset"), presetText));
+    bool hasPreset = false;
+    bool hasData = false;
+    // The four optional keys may be missing or null.
+    const auto optionalString = [&](QStringView key, QString *value) {
+        if (cursor.peek() == JsonCursor::Type::Null)
+            return cursor.readNull();
+        return readStringMember(cursor, MemberPath{QStringView(), key}, value, error);
+    };
+    QByteArrayView key;
+    while (cursor.nextMember(&key)) {
+        bool read = true;
+        if (key == "preset") {
+            QString text;
+            read = readStringMember(cursor, MemberPath{QStringView(), u"preset"}, &text, error);
+            const std::optional<PresetKind> kind = read ? presetKindFromId(text) : std::nullopt;
+            if (read && !kind) {
+                *error = presetKindError(QStringLiteral("preset"), text);
+                read = false;
+            }
+            payload.preset = kind.value_or(PresetKind::Devis);
+            hasPreset = read;
+        } else if (key == "data") {
+            std::optional<MailComposerData> data =
+                MailComposerData::fromJson(cursor, QStringLiteral("data"), error);
+            read = data.has_value();
+            if (data)
+                payload.data = std::move(*data);
+            hasData = read;
+        } else if (key == "smtpLoginEmail") {
+            read = optionalString(u"smtpLoginEmail", &payload.smtpLoginEmail);
+        } else if (key == "customPresetDraftName") {
+            read = optionalString(u"customPresetDraftName", &payload.customPresetDraftName);
+        } else if (key == "activeCustomPresetID") {
+            QString text;
+            read = optionalString(u"activeCustomPresetID", &text);
+            payload.activeCustomPresetID.reset();
+            if (read && !text.isNull()) {
+                payload.activeCustomPresetID = parseUuid(text);
+                if (!payload.activeCustomPresetID) {
+                    *error = uuidError(QStringLiteral("activeCustomPresetID"), text);
+                    read = false;
+                }
+            }
+        } else if (key == "customPresets") {
+            payload.customPresets.clear();
+            if (cursor.peek() == JsonCursor::Type::Null) {
+                read = cursor.readNull();
+            } else if ((read =
+                            checkMemberType(cursor, JsonCursor::Type::Array, "tableau",
+                                            MemberPath{QStringView(), u"customPresets"}, error))) {
+                cursor.beginArray();
+                for (qsizetype i = 0; read && cursor.nextElement(); ++i) {
+                    std::optional<CustomMailPreset> preset = CustomMailPreset::fromJson(
+                        cursor, TimestampForm::ReferenceSeconds,
+                        QStringLiteral("customPresets[%1]").arg(i), error);
+                    read = preset.has_value();
+                    if (preset)
+                        payload.customPresets.append(std::move(*preset));
+                }
+            }
+        } else {
+            read = cursor.skipValue();
+        }
+        if (!read)
+            return cursor.ok() ? std::nullopt : syntaxError();
+    }
+    if (!cursor.finish())
+        return syntaxError();
+    if (!hasPreset) {
+        *error = missingKeyMessage(QStringLiteral("preset"));
         return std::nullopt;
     }
-    payload.preset = *kind;
-
-    const QJsonObject dataObject = reader.object(u"data");
-    if (!reader.ok())
+    if (!hasData) {
+        *error = missingKeyMessage(QStringLiteral("data"));
         return std::nullopt;
-    std::optional<MailComposerData> data =
-        MailComposerData::fromJson(dataObject, QStringLiteral("data"), error);
-    if (!data)
-        return std::nullopt;
-    payload.data = std::move(*data);
-
-    payload.smtpLoginEmail = reader.optionalString(u"smtpLoginEmail").value_or(QString());
-    const QJsonArray presets = reader.optionalArray(u"customPresets").value_or(QJsonArray());
-    const std::optional<QString> activeId = reader.optionalString(u"activeCustomPresetID");
-    payload.customPresetDraftName =
-        reader.optionalString(u"customPresetDraftName").value_or(QString());
-    if (!reader.ok())
-        return std::nullopt;
-
-    if (activeId) {
-        payload.activeCustomPresetID = parseUuid(*activeId);
-        if (!payload.activeCustomPresetID) {
-            reader.fail(QStringLiteral("UUID invalide pour la cle activeCustomPresetID : \"%1\"")
-                            .arg(*activeId));
-            return std::nullopt;
-        }
-    }
-
-    payload.customPresets.reserve(presets.size());
-    for (qsizetype i = 0; i < presets.size(); ++i) {
-        const QString path = QStringLiteral("customPresets[%1]").arg(i);
-        if (!presets[i].isObject()) {
-            reader.fail(QStringLiteral("type incorrect pour la cle %1 : objet attendu").arg(path));
-            return std::nullopt;
-        }
-        std::optional<CustomMailPreset> preset = CustomMailPreset::fromJson(
-            presets[i].toObject(), TimestampForm::ReferenceSeconds, path, error);
-        if (!preset)
-            return std::nullopt;
-        payload.customPresets.append(std::move(*preset));
     }
     return payload;
 }

@@ -1,6 +1,7 @@
 #include "store_services.h"
 
 #include "qt_services.h"
+#include "service_host.h"
 
 #include <QDebug>
 
@@ -24,11 +25,22 @@ public:
 } // namespace
 
 StoreServices StoreServices::qtDefaults() {
-    return {std::make_shared<QtSettingsStore>(),   std::make_shared<SystemClock>(),
-            std::make_shared<RandomIdGenerator>(), std::make_shared<LoggedAlerts>(),
-            std::make_shared<QtClipboard>(),       std::make_shared<CancelledSaveDialog>(),
-            std::make_shared<QtFileSystem>(),      std::make_shared<DesktopUrlOpener>(),
-            std::make_shared<QtProgramLauncher>()};
+    StoreServices s;
+    s.settings = std::make_shared<QtSettingsStore>();
+    s.clock = std::make_shared<SystemClock>();
+    s.ids = std::make_shared<RandomIdGenerator>();
+    s.alerts = std::make_shared<LoggedAlerts>();
+    s.clipboard = std::make_shared<QtClipboard>();
+    s.saveDialog = std::make_shared<CancelledSaveDialog>();
+    s.files = std::make_shared<QtFileSystem>();
+    s.urls = std::make_shared<DesktopUrlOpener>();
+    s.programs = std::make_shared<QtProgramLauncher>();
+    s.richText = std::make_shared<QtRichTextConverter>();
+    s.makeMailExecutor = [](ProgramLauncher &launcher, FileSystem &files, IdGenerator &ids) {
+        return makeMailAppExecutor(currentMailPlatform(), launcher, files, ids);
+    };
+    s.syncEndpoint = velino::syncEndpoint();
+    return s;
 }
 
 } // namespace velino

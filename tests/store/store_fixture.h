@@ -2,6 +2,7 @@
 
 #include "composer_store.h"
 #include "qt_services.h"
+#include "settings_format.h"
 #include "test_records.h"
 
 #include <QCoreApplication>
@@ -75,17 +76,17 @@ protected:
 
     // What another process would read from the file now.
     QByteArray savedBytes() const {
-        QSettings settings(settingsPath(), QSettings::NativeFormat);
+        QSettings settings(settingsPath(), velinoSettingsFormat());
         return settings.value(ComposerStore::kDefaultsKey).toByteArray();
     }
     QJsonObject savedDocument() const { return QJsonDocument::fromJson(savedBytes()).object(); }
     QString savedSyncCode() const {
-        QSettings settings(settingsPath(), QSettings::NativeFormat);
+        QSettings settings(settingsPath(), velinoSettingsFormat());
         return settings.value(ComposerStore::kSyncCodeKey).toString();
     }
 
     void writeSaved(const QVariant &value) {
-        QSettings settings(settingsPath(), QSettings::NativeFormat);
+        QSettings settings(settingsPath(), velinoSettingsFormat());
         settings.setValue(ComposerStore::kDefaultsKey, value);
         settings.sync();
     }
