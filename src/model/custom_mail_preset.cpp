@@ -3,6 +3,7 @@
 #include "default_texts.h"
 #include "identifiers.h"
 #include "json_reader.h"
+#include "record_readers.h"
 #include "text.h"
 
 #include <QJsonDocument>
@@ -87,7 +88,6 @@ std::optional<CustomMailPreset> CustomMailPreset::fromJson(const QJsonObject &ob
                                                            QString *error) {
     JsonReader reader(object, path, error);
     CustomMailPreset preset;
-
     const QString idText = reader.string(u"id");
     if (!reader.ok())
         return std::nullopt;
@@ -97,31 +97,15 @@ std::optional<CustomMailPreset> CustomMailPreset::fromJson(const QJsonObject &ob
         return std::nullopt;
     }
     preset.id = *id;
-
     preset.name = reader.string(u"name");
-    const QString kindText = reader.string(u"sourcePreset");
-    if (!reader.ok())
-        return std::nullopt;
-    const std::optional<PresetKind> kind = presetKindFromId(kindText);
-    if (!kind) {
-        reader.fail(presetKindError(reader.pathOf(u"sourcePreset"), kindText));
-        return std::nullopt;
-    }
-    preset.sourcePreset = *kind;
-
-    const QJsonObject dataObject = reader.object(u"data");
-    if (!reader.ok())
-        return std::nullopt;
-    std::optional<MailComposerData> data =
-        MailComposerData::fromJson(dataObject, reader.pathOf(u"data"), error);
-    if (!data)
-        return std::nullopt;
-    preset.data = std::move(*data);
-
+    const std::optional<PresetKind> kind = readPresetKind(reader, u"sourcePreset");
+    std::optional<MailComposerData> data = readRecord(reader, u"data");
     preset.createdAt = readTimestamp(reader, u"createdAt", form);
     preset.updatedAt = readTimestamp(reader, u"updatedAt", form);
     if (!reader.ok())
         return std::nullopt;
+    preset.sourcePreset = *kind;
+    preset.data = std::move(*data);
     return preset;
 }
 

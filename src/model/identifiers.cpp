@@ -1,5 +1,7 @@
 #include "identifiers.h"
 
+#include "text.h"
+
 #include <QRandomGenerator>
 
 #include <array>
@@ -34,17 +36,6 @@ private:
     std::array<std::uint64_t, 4> state_{};
 };
 
-int hexValue(QChar c) {
-    const char16_t u = c.unicode();
-    if (u >= '0' && u <= '9')
-        return u - '0';
-    if (u >= 'a' && u <= 'f')
-        return u - 'a' + 10;
-    if (u >= 'A' && u <= 'F')
-        return u - 'A' + 10;
-    return -1;
-}
-
 } // namespace
 
 QUuid randomUuid() {
@@ -74,8 +65,8 @@ std::optional<QUuid> parseUuid(QStringView text) {
             ++i;
             continue;
         }
-        const int high = hexValue(text[i]);
-        const int low = hexValue(text[i + 1]);
+        const int high = text::hexDigitValue(text[i].unicode());
+        const int low = text::hexDigitValue(text[i + 1].unicode());
         if (high < 0 || low < 0)
             return std::nullopt;
         bytes[byteIndex++] = static_cast<char>(high * 16 + low);

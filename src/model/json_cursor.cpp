@@ -1,6 +1,7 @@
 #include "json_cursor.h"
 
 #include "json_reader.h"
+#include "text.h"
 
 #include <charconv>
 #include <cmath>
@@ -20,16 +21,6 @@ bool isSpace(char c) {
 }
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
-}
-
-int hexValue(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
 }
 
 // First byte that ends a plain run inside a string: a quote, a backslash or a control byte.
@@ -172,18 +163,18 @@ JsonCursor::Type JsonCursor::peek() {
     }
 }
 
-bool JsonCursor::beginObject() {
+bool JsonCursor::open(char bracket, const char *reason) {
     if (++depth_ > kMaxDepth)
         return fail("imbrication trop profonde");
     first_ = true;
-    return expect('{', "objet attendu");
+    return expect(bracket, reason);
 }
 
-bool JsonCursor::nextMember(QByteArrayView *key) {
+bool JsonCursor::nextItem(char closingBracket) {
     if (!ok())
         return false;
     skipSpace();
-    if (p_ < end_ && *p_ == '}') {
+    if (p_ < end_ && *p_ == closingBracket) {
         ++p_;
         --depth_;
         first_ = false;
@@ -192,6 +183,16 @@ bool JsonCursor::nextMember(QByteArrayView *key) {
     if (!first_ && !expect(',', "virgule manquante entre deux valeurs"))
         return false;
     first_ = false;
+    return true;
+}
+
+bool JsonCursor::beginObject() {
+    return open('{', "objet attendu");
+}
+
+bool JsonCursor::nextMember(QByteArrayView *key) {
+    if (!nextItem('}'))
+        return false;
     skipSpace();
     if (p_ >= end_ || *p_ != '"')
         return fail("nom de cle attendu");
@@ -209,26 +210,11 @@ bool JsonCursor::nextMember(QByteArrayView *key) {
 }
 
 bool JsonCursor::beginArray() {
-    if (++depth_ > kMaxDepth)
-        return fail("imbrication trop profonde");
-    first_ = true;
-    return expect('[', "tableau attendu");
+    return open('[', "tableau attendu");
 }
 
 bool JsonCursor::nextElement() {
-    if (!ok())
-        return false;
-    skipSpace();
-    if (p_ < end_ && *p_ == ']') {
-        ++p_;
-        --depth_;
-        first_ = false;
-        return false;
-    }
-    if (!first_ && !expect(',', "virgule manquante entre deux valeurs"))
-        return false;
-    first_ = false;
-    return true;
+    return nextItem(']');
 }
 
 bool JsonCursor::readRawString(QByteArray *utf8) {
@@ -278,7 +264,7 @@ bool JsonCursor::readRawString(QByteArray *utf8) {
                     return false;
                 char32_t value = 0;
                 for (int i = 0; i < 4; ++i) {
-                    const int digit = hexValue(p_[i]);
+                    const int digit = text::hexDigitValue(static_cast<unsigned char>(p_[i]));
                     if (digit < 0)
                         return false;
                     value = value * 16 + static_cast<char32_t>(digit);

@@ -43,6 +43,10 @@ public:
 
 private:
     void skipSpace();
+    bool open(char bracket, const char *reason);
+    // Before each item of the innermost object or array: false at its closing bracket
+    // (consumed), true once the comma between two items has been read.
+    bool nextItem(char closingBracket);
     bool expect(char c, const char *reason);
     bool readRawString(QByteArray *utf8);
     bool readLiteral(const char *literal, qsizetype length);

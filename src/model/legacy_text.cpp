@@ -11,16 +11,6 @@
 namespace velino {
 namespace {
 
-int hexDigit(char16_t c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
-}
-
 // Former highlight lines of the built-in presets and the current line replacing each.
 const std::array<std::pair<QString, QString>, 9> &legacyCopyReplacements() {
     static const std::array<std::pair<QString, QString>, 9> table = {{
@@ -77,8 +67,8 @@ std::optional<QString> percentDecoded(const QString &text) {
         }
         if (i + 2 >= utf8.size())
             return std::nullopt;
-        const int high = hexDigit(static_cast<unsigned char>(utf8[i + 1]));
-        const int low = hexDigit(static_cast<unsigned char>(utf8[i + 2]));
+        const int high = text::hexDigitValue(static_cast<unsigned char>(utf8[i + 1]));
+        const int low = text::hexDigitValue(static_cast<unsigned char>(utf8[i + 2]));
         if (high < 0 || low < 0)
             return std::nullopt;
         bytes.append(static_cast<char>(high * 16 + low));

@@ -27,6 +27,17 @@ bool isBlank(QStringView s);
 bool isLetter(char32_t c);
 bool isNumber(char32_t c);
 
+// Value of an ASCII hexadecimal digit (either case), or -1.
+constexpr int hexDigitValue(char32_t c) {
+    if (c >= '0' && c <= '9')
+        return static_cast<int>(c - '0');
+    if (c >= 'a' && c <= 'f')
+        return static_cast<int>(c - 'a' + 10);
+    if (c >= 'A' && c <= 'F')
+        return static_cast<int>(c - 'A' + 10);
+    return -1;
+}
+
 // Number of user-perceived characters (extended grapheme clusters).
 qsizetype characterCount(const QString &s);
 

@@ -16,15 +16,10 @@ namespace velino::render {
 namespace {
 
 bool isHexDigit(QChar c) {
-    const char16_t u = c.unicode();
-    return (u >= '0' && u <= '9') || (u >= 'a' && u <= 'f') || (u >= 'A' && u <= 'F');
+    return text::hexDigitValue(c.unicode()) >= 0;
 }
-
 int hexValue(QChar c) {
-    const char16_t u = c.unicode();
-    if (u >= '0' && u <= '9')
-        return u - '0';
-    return (u | 0x20) - 'a' + 10;
+    return text::hexDigitValue(c.unicode());
 }
 
 bool allHex(QStringView s) {

@@ -1,6 +1,7 @@
 #include "sync_records.h"
 
 #include "identifiers.h"
+#include "record_readers.h"
 
 #include <QJsonArray>
 
@@ -49,65 +50,21 @@ std::optional<VelinoSyncPayload> VelinoSyncPayload::fromJson(const QJsonObject &
                                                              const QString &path, QString *error) {
     JsonReader reader(object, path, error);
     VelinoSyncPayload payload;
-
     payload.schema = reader.string(u"schema");
     payload.version = reader.integer(u"version");
-    const QString kindText = reader.string(u"activePreset");
-    if (!reader.ok())
-        return std::nullopt;
-    const std::optional<PresetKind> kind = presetKindFromId(kindText);
-    if (!kind) {
-        reader.fail(presetKindError(reader.pathOf(u"activePreset"), kindText));
-        return std::nullopt;
-    }
-    payload.activePreset = *kind;
-
-    const QJsonObject dataObject = reader.object(u"data");
-    if (!reader.ok())
-        return std::nullopt;
-    std::optional<MailComposerData> data =
-        MailComposerData::fromJson(dataObject, reader.pathOf(u"data"), error);
-    if (!data)
-        return std::nullopt;
-    payload.data = std::move(*data);
-
-    const QJsonArray presets = reader.array(u"customPresets");
-    if (!reader.ok())
-        return std::nullopt;
-    payload.customPresets.reserve(presets.size());
-    for (qsizetype i = 0; i < presets.size(); ++i) {
-        const QString itemPath =
-            QStringLiteral("%1[%2]").arg(reader.pathOf(u"customPresets")).arg(i);
-        const QJsonValue item = presets.at(i);
-        if (!item.isObject()) {
-            reader.fail(QStringLiteral("type incorrect pour la cle %1 : objet attendu, %2 trouve")
-                            .arg(itemPath, QLatin1String(jsonTypeName(item.type()))));
-            return std::nullopt;
-        }
-        std::optional<CustomMailPreset> preset =
-            CustomMailPreset::fromJson(item.toObject(), TimestampForm::Iso8601, itemPath, error);
-        if (!preset)
-            return std::nullopt;
-        payload.customPresets.append(std::move(*preset));
-    }
-
-    const std::optional<QString> activeId = reader.optionalString(u"activeCustomPresetID");
-    if (!reader.ok())
-        return std::nullopt;
-    if (activeId) {
-        payload.activeCustomPresetID = parseUuid(*activeId);
-        if (!payload.activeCustomPresetID) {
-            reader.fail(QStringLiteral("UUID invalide pour la cle %1 : \"%2\"")
-                            .arg(reader.pathOf(u"activeCustomPresetID"), *activeId));
-            return std::nullopt;
-        }
-    }
-
+    const std::optional<PresetKind> kind = readPresetKind(reader, u"activePreset");
+    std::optional<MailComposerData> data = readRecord(reader, u"data");
+    std::optional<QList<CustomMailPreset>> presets =
+        readPresetList(reader, u"customPresets", TimestampForm::Iso8601);
+    payload.activeCustomPresetID = readOptionalUuid(reader, u"activeCustomPresetID");
     payload.customPresetDraftName = reader.string(u"customPresetDraftName");
     payload.updatedAt = reader.string(u"updatedAt");
     payload.source = reader.string(u"source");
     if (!reader.ok())
         return std::nullopt;
+    payload.activePreset = *kind;
+    payload.data = std::move(*data);
+    payload.customPresets = std::move(*presets);
     return payload;
 }
 
