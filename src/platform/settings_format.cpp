@@ -17,6 +17,8 @@ void appendEscaped(QByteArray &out, QByteArrayView text) {
     const char *p = text.data();
     const char *const end = p + text.size();
     const auto find = [end](const char *from, char c) {
+        if (from == end)
+            return end; // an empty view may have no data pointer at all
         const void *hit = std::memchr(from, c, static_cast<size_t>(end - from));
         return hit ? static_cast<const char *>(hit) : end;
     };
