@@ -23,6 +23,7 @@ ComposerStore::ComposerStore(StoreServices services, QObject *parent)
       syncStatus_(QStringLiteral("Aucune synchronisation effectuee.")) {
     for (QTimer *timer : {&dataDebounce_, &draftNameDebounce_, &syncCodeDebounce_}) {
         timer->setSingleShot(true);
+        timer->setTimerType(Qt::PreciseTimer); // a coarse timer may fire up to 5 % early
         timer->setInterval(kDebounceMilliseconds);
     }
     mailBridge_ = std::make_unique<MailBridge>(

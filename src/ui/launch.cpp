@@ -1,9 +1,15 @@
 #include "launch.h"
 
 #include "app_shell.h"
+#include "composer_store.h"
 #include "lock_state.h"
+#include "measure_scenario.h"
+#include "preset_kind.h"
+#include "window_controller.h"
+#include "window_probe.h"
 
 #include <QCommandLineParser>
+#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QImage>
 #include <QQmlApplicationEngine>
@@ -19,8 +25,10 @@ namespace {
 struct LaunchOptions {
     QString password;
     bool hasPassword = false;
+    QString presetId;
     QString screenshotFile;
     int screenshotDelayMs = 1500;
+    bool measure = false;
 };
 
 LaunchOptions parseOptions(const QGuiApplication &app) {
@@ -37,13 +45,22 @@ LaunchOptions parseOptions(const QGuiApplication &app) {
     const QCommandLineOption delay(QStringLiteral("screenshot-delay"),
                                    QStringLiteral("Wait MS milliseconds before the screenshot."),
                                    QStringLiteral("MS"), QStringLiteral("1500"));
-    parser.addOptions({password, screenshot, delay});
+    const QCommandLineOption preset(
+        QStringLiteral("preset"),
+        QStringLiteral("Apply the built-in preset KIND (devis, pret, rdv, relance) at start."),
+        QStringLiteral("KIND"));
+    const QCommandLineOption measure(
+        QStringLiteral("measure"),
+        QStringLiteral("Play the benchmark session and print its timings on stderr."));
+    parser.addOptions({password, screenshot, delay, preset, measure});
     parser.process(app);
 
     LaunchOptions options;
     options.hasPassword = parser.isSet(password);
     options.password = parser.value(password);
     options.screenshotFile = parser.value(screenshot);
+    options.presetId = parser.value(preset);
+    options.measure = parser.isSet(measure);
     bool ok = false;
     const int ms = parser.value(delay).toInt(&ok);
     if (ok && ms >= 0)
@@ -61,14 +78,42 @@ void attemptUnlock(QQuickWindow *window, const QString &password) {
     lock->unlock();
 }
 
+bool applyPreset(QQuickWindow *window, const QString &id) {
+    auto *controller = window->findChild<WindowController *>();
+    if (!controller || !presetKindFromId(id)) {
+        std::fprintf(stderr, "velino: unknown preset %s\n", qUtf8Printable(id));
+        return false;
+    }
+    controller->store()->applyPresetById(id);
+    return true;
+}
+
+void saveScreenshot(QQuickWindow *window, const QString &file) {
+    const QImage image = window->grabWindow();
+    const bool saved = !image.isNull() && image.save(file, "PNG");
+    if (!saved)
+        std::fprintf(stderr, "velino: could not save the screenshot to %s\n", qUtf8Printable(file));
+    QCoreApplication::exit(saved ? 0 : 1);
+}
+
+// After the delay, and once the live preview (when unlocked) has finished loading, plus a
+// short wait for the web view to paint what it loaded; at most 20 s more.
 void scheduleScreenshot(QQuickWindow *window, const QString &file, int delayMs) {
     QTimer::singleShot(delayMs, window, [window, file] {
-        const QImage image = window->grabWindow();
-        const bool saved = !image.isNull() && image.save(file, "PNG");
-        if (!saved)
-            std::fprintf(stderr, "velino: could not save the screenshot to %s\n",
-                         qUtf8Printable(file));
-        QCoreApplication::exit(saved ? 0 : 1);
+        auto *poll = new QTimer(window);
+        auto *waited = new QElapsedTimer;
+        waited->start();
+        poll->setInterval(50);
+        QObject::connect(poll, &QTimer::timeout, window, [window, file, poll, waited] {
+            auto *lock = window->findChild<LockState *>();
+            const bool ready = !lock || !lock->isUnlocked() || previewIsSettled(window);
+            if (!ready && waited->elapsed() < 20000)
+                return;
+            poll->stop();
+            delete waited;
+            QTimer::singleShot(400, window, [window, file] { saveScreenshot(window, file); });
+        });
+        poll->start();
     });
 }
 
@@ -84,6 +129,10 @@ int runApplication(QGuiApplication &app) {
     if (!window)
         return 1;
 
+    if (!options.presetId.isEmpty() && !applyPreset(window, options.presetId))
+        return 2;
+    if (options.measure)
+        new MeasureScenario(window, window);
     if (options.hasPassword)
         attemptUnlock(window, options.password);
     if (!options.screenshotFile.isEmpty())

@@ -1,5 +1,7 @@
 #include "preview_loader.h"
 
+#include "service_host.h"
+
 #include <QDir>
 #include <QMetaProperty>
 #include <QTemporaryFile>
@@ -121,7 +123,7 @@ QByteArray previewFileContents(const QByteArray &utf8, const QUrl &baseUrl) {
 }
 
 HtmlPreviewLoader::HtmlPreviewLoader(QObject *parent)
-    : QObject(parent), m_serviceHost(QStringLiteral("korvel.example")) {}
+    : QObject(parent), m_serviceHost(velino::serviceHost()) {}
 
 HtmlPreviewLoader::~HtmlPreviewLoader() = default;
 

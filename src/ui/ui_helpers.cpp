@@ -2,6 +2,7 @@
 
 #include "color_hex.h"
 #include "preset_dates.h"
+#include "service_host.h"
 #include "text.h"
 
 #include <QFile>
@@ -37,7 +38,7 @@ QString UiHelpers::fontFamily() const {
 }
 
 QString UiHelpers::serviceHost() const {
-    return QString::fromUtf16(kDefaultServiceHost);
+    return velino::serviceHost();
 }
 
 QColor UiHelpers::colorFromHex(const QString &text) const {

@@ -10,9 +10,6 @@
 
 namespace velino::ui {
 
-// Host of the workshop's web interface until the sync client provides it.
-inline constexpr char16_t kDefaultServiceHost[] = u"korvel.example";
-
 // Resource folder of the application's images ("VelinoLogo" is VelinoLogo.png there).
 inline constexpr char16_t kImageResourcePrefix[] = u":/velino/";
 
@@ -28,6 +25,7 @@ class UiHelpers : public QObject {
     QML_ELEMENT
     QML_SINGLETON
     Q_PROPERTY(QString fontFamily READ fontFamily CONSTANT)
+    // The service host of the phone sync and web interface (velino::serviceHost()).
     Q_PROPERTY(QString serviceHost READ serviceHost CONSTANT)
 
 public:

@@ -12,15 +12,15 @@ TEST_F(StoreTest, TenQuickEditsGiveOneRegenerationAndOneSaveAfterTheLast) {
     QSignalSpy saves(store.get(), &ComposerStore::saveStatusChanged);
     QElapsedTimer sinceLastEdit;
     for (int i = 1; i <= 10; ++i) {
-        store->setDataField("subject", QStringLiteral("Objet numero %1").arg(i));
         sinceLastEdit.start();
+        store->setDataField("subject", QStringLiteral("Objet numero %1").arg(i));
         wait(50);
         EXPECT_EQ(regenerations.count(), 0) << "edit " << i;
     }
     // Until the debounce fires, the outputs still show the content before the edits.
     EXPECT_EQ(store->generatedSubject(), "Votre devis Korvel est pret");
     EXPECT_TRUE(regenerations.wait(1000));
-    EXPECT_GE(sinceLastEdit.elapsed(), ComposerStore::kDebounceMilliseconds - 5);
+    EXPECT_GE(sinceLastEdit.elapsed(), ComposerStore::kDebounceMilliseconds);
     wait(300);
     EXPECT_EQ(regenerations.count(), 1);
     EXPECT_EQ(saves.count(), 1);

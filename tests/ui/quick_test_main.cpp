@@ -1,11 +1,82 @@
+#include <QDir>
+#include <QFile>
 #include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QTemporaryDir>
+#include <QTest>
 #include <QtQml/qqmlextensionplugin.h>
 #include <QtQuickTest/quicktest.h>
 #include <QtWebEngineQuick/qtwebenginequickglobal.h>
 
+#include <memory>
+
 Q_IMPORT_QML_PLUGIN(VelinoPlugin)
 
 namespace {
+
+// The per-user settings of every window the tests open live in this folder (QSettings
+// follows XDG_CONFIG_HOME), never in the user's own.
+QTemporaryDir *configHome() {
+    static QTemporaryDir dir;
+    return &dir;
+}
+
+// What the QML tests need beyond Qt Quick Test: key events sent to another window than
+// the test's own (the windows the application shell opens), a clean settings folder,
+// scratch folders and the environment the program reads.
+class TestSupport : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString configHome READ configHomePath CONSTANT)
+
+public:
+    QString configHomePath() const { return configHome()->path(); }
+
+    // Removes every saved setting, so that the next window starts from the defaults.
+    Q_INVOKABLE bool resetSettings() const {
+        QDir dir(configHomePath() + QStringLiteral("/Korvel"));
+        return !dir.exists() || dir.removeRecursively();
+    }
+
+    Q_INVOKABLE void setEnvironment(const QString &name, const QString &value) const {
+        qputenv(name.toLocal8Bit().constData(), value.toLocal8Bit());
+    }
+    Q_INVOKABLE void unsetEnvironment(const QString &name) const {
+        qunsetenv(name.toLocal8Bit().constData());
+    }
+
+    // A new empty folder, removed when the test program ends.
+    Q_INVOKABLE QString makeTemporaryFolder() {
+        auto dir = std::make_unique<QTemporaryDir>();
+        const QString path = dir->path();
+        m_folders.push_back(std::move(dir));
+        return path;
+    }
+
+    Q_INVOKABLE QString readTextFile(const QString &path) const {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            return QString();
+        return QString::fromUtf8(file.readAll());
+    }
+    Q_INVOKABLE bool fileExists(const QString &path) const { return QFile::exists(path); }
+
+    // Types `text` (Latin-1) into whichever item of `window` has the keyboard focus.
+    Q_INVOKABLE void typeText(QQuickWindow *window, const QString &text) const {
+        if (!window)
+            return;
+        const QByteArray latin1 = text.toLatin1();
+        for (const char c : latin1)
+            QTest::keyClick(window, c);
+    }
+    Q_INVOKABLE void keyClick(QQuickWindow *window, int key, int modifiers = 0) const {
+        if (window)
+            QTest::keyClick(window, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+    }
+
+private:
+    std::vector<std::unique_ptr<QTemporaryDir>> m_folders;
+};
 
 class Setup : public QObject {
     Q_OBJECT
@@ -13,12 +84,17 @@ class Setup : public QObject {
 public Q_SLOTS:
     void qmlEngineAvailable(QQmlEngine *engine) {
         engine->addImportPath(QStringLiteral("qrc:/qt/qml"));
+        qmlRegisterSingletonInstance("VelinoTest", 1, 0, "TestSupport", &m_support);
     }
+
+private:
+    TestSupport m_support;
 };
 
 } // namespace
 
 int main(int argc, char **argv) {
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(configHome()->path()));
     // As in the program: the web engine is set up before the application object, which
     // quick_test_main creates.
     QtWebEngineQuick::initialize();

@@ -23,6 +23,8 @@ QtObject {
     readonly property color secondaryLabel: Qt.rgba(1, 1, 1, 0.55)
     readonly property color placeholder: Qt.rgba(1, 1, 1, 0.25)
     readonly property color selection: Qt.rgba(0.18, 0.49, 0.96, 0.55)
+    // The label of a destructive button (system red, dark appearance).
+    readonly property color destructive: Qt.rgba(1.0, 0.27, 0.23, 1)
 
     // The opaque middle of `background`, for whatever is drawn before the gradient.
     readonly property color backgroundBase: Qt.rgba(0.03, 0.05, 0.10, 1)

@@ -3,7 +3,8 @@ import QtQuick.Controls.Basic
 import Velino
 
 // The borderless single-line input used inside the form's boxes: no background of its
-// own, theme text colours, the placeholder in the placeholder colour.
+// own, theme text colours, the placeholder in the placeholder colour. Without the focus
+// it shows the start of a text too long for it.
 TextField {
     font.family: AppTheme.fontFamily
     font.pixelSize: 13
@@ -18,4 +19,7 @@ TextField {
     bottomPadding: 0
     selectByMouse: true
     background: null
+
+    onTextChanged: if (!activeFocus) cursorPosition = 0
+    onActiveFocusChanged: if (!activeFocus) cursorPosition = 0
 }

@@ -4,7 +4,9 @@ import Velino
 
 // The root view of one window: the background gradient under everything, the lock
 // screen until the password is typed, then the main window content. Each window has its
-// own lock state; nothing of it is saved.
+// own lock state and its own composer store (in its WindowController), created with the
+// window; the lock state is never saved. The window's modal dialogs (the reset
+// confirmation, the store's alerts and the export save panel) are attached here.
 ApplicationWindow {
     id: appWindow
 
@@ -39,10 +41,25 @@ ApplicationWindow {
 
     readonly property alias lockState: lockState
     readonly property alias editCommands: editCommands
+    readonly property alias controller: controller
+    readonly property alias resetAlert: resetAlert
+    readonly property alias warningAlert: warningAlert
+    readonly property alias exportPanel: exportPanel
 
     LockState {
         id: lockState
         objectName: "lockState"
+    }
+
+    WindowController {
+        id: controller
+        objectName: "windowController"
+    }
+
+    // A store operation waiting on one of the dialogs keeps the window open until answered.
+    onClosing: (close) => {
+        if (controller.dialogs.isModal)
+            close.accepted = false
     }
 
     EditCommands {
@@ -120,16 +137,66 @@ ApplicationWindow {
         }
     }
 
-    // Main window content, shown once unlocked.
+    // Main window content, shown once unlocked. Loaded by URL so that its types (and the
+    // web engine's) are only read when the window is first unlocked, not before the lock
+    // screen can be drawn.
     Loader {
         id: mainLoader
         objectName: "mainLoader"
         anchors.fill: parent
         active: lockState.isUnlocked
         focus: active
-        sourceComponent: Item {
-            objectName: "mainContent"
+        Component.onCompleted: setSource("MainView.qml", {
+            objectName: "mainContent",
+            controller: appWindow.controller,
             focus: true
+        })
+    }
+
+    AlertDialog {
+        id: resetAlert
+        objectName: "resetAlert"
+        title: "Revenir au template Korvel de base ?"
+        message: "Le contenu actuel sera remplace par le modele natif par defaut."
+        shown: controller.showResetAlert
+        onEscapePressed: controller.cancelReset()
+
+        ToolbarButton {
+            objectName: "resetCancelButton"
+            text: "Annuler"
+            onClicked: controller.cancelReset()
+        }
+        ToolbarButton {
+            objectName: "resetConfirmButton"
+            text: "Reinitialiser"
+            destructive: true
+            onClicked: controller.confirmReset()
+        }
+    }
+
+    ExportPanel {
+        id: exportPanel
+        objectName: "exportPanel"
+        z: 1
+        panel: controller.dialogs.savePanel
+    }
+
+    // The store's warnings, above every other dialog.
+    AlertDialog {
+        id: warningAlert
+        objectName: "warningAlert"
+        z: 2
+        title: controller.dialogs.alertTitle
+        message: controller.dialogs.alertText
+        shown: controller.dialogs.alertVisible
+        onEscapePressed: controller.dialogs.dismissAlert()
+        onReturnPressed: controller.dialogs.dismissAlert()
+
+        ToolbarButton {
+            objectName: "alertOkButton"
+            text: controller.dialogs.alertButtonText
+            primary: true
+            onClicked: controller.dialogs.dismissAlert()
         }
     }
 }

@@ -5,11 +5,14 @@ import Velino
 // Every button but the preset tiles. Primary: white label on the accent gradient with an
 // accent shadow; secondary: flat button surface with a line border and a light shadow.
 // Pressed: 0.9 opacity and 0.985 scale, eased out over 0.12 s. Like a native button it
-// does not take the keyboard focus from the text being edited.
+// does not take the keyboard focus from the text being edited. A destructive button
+// (the reset confirmation's) writes its label in red. Given less width than its label
+// needs, the label wraps onto further lines.
 T.Button {
     id: control
 
     property bool primary: false
+    property bool destructive: false
 
     focusPolicy: Qt.NoFocus
     implicitWidth: Math.max(implicitBackgroundWidth + leftInset + rightInset,
@@ -34,10 +37,11 @@ T.Button {
     contentItem: Text {
         text: control.text
         font: control.font
-        color: control.primary ? "white" : AppTheme.text
+        color: control.primary ? "white" : (control.destructive ? AppTheme.destructive : AppTheme.text)
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
-        elide: Text.ElideRight
+        wrapMode: Text.Wrap
+        maximumLineCount: 3
     }
 
     background: Surface {

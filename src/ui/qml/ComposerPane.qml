@@ -1,0 +1,399 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Velino
+
+// The form column: nine cards in a vertical scroll area. Every field shows one field of
+// the store's content record and hands each edit back to it; every button calls one
+// store operation.
+Item {
+    id: root
+
+    required property WindowController controller
+    readonly property ComposerStore store: controller.store
+    readonly property alias scrollView: scroll
+
+    Surface {
+        anchors.fill: parent
+        gradient: AppTheme.panelBackground
+    }
+
+    ScrollView {
+        id: scroll
+        objectName: "composerScroll"
+        anchors.fill: parent
+        contentWidth: availableWidth
+        clip: true
+
+        ScrollBar.vertical: ScrollBar {
+            parent: scroll
+            x: scroll.width - width
+            y: scroll.topPadding
+            height: scroll.availableHeight
+            policy: ScrollBar.AlwaysOn
+            contentItem: Rectangle {
+                implicitWidth: 6
+                radius: 3
+                color: Qt.rgba(1, 1, 1, parent.pressed ? 0.34 : 0.2)
+            }
+            background: Item {
+                implicitWidth: 10
+            }
+        }
+
+        ColumnLayout {
+            id: cards
+            width: scroll.availableWidth
+            spacing: 18
+
+            Item { Layout.preferredHeight: 24 - cards.spacing }
+
+            // 1
+            SectionCard {
+                objectName: "presetCard"
+                Layout.fillWidth: true
+                Layout.leftMargin: 24
+                Layout.rightMargin: 24
+                title: "Type de message"
+                subtitle: "Choisis une base puis ajuste ton contenu."
+
+                RowLayout {
+                    Layout.fillWidth: true
+                    spacing: 10
+                    Repeater {
+                        model: root.controller.presetTiles
+                        PresetTileButton {
+                            required property var modelData
+                            objectName: "presetTile." + modelData.id
+                            text: modelData.title
+                            summary: modelData.summary
+                            isActive: root.controller.activePresetTile === modelData.id
+                            onClicked: root.store.applyPresetById(modelData.id)
+                        }
+                    }
+                }
+            }
+
+            // 2
+            SectionCard {
+                objectName: "customPresetCard"
+                Layout.fillWidth: true
+                Layout.leftMargin: 24
+                Layout.rightMargin: 24
+                title: "Presets perso"
+                subtitle: "Enregistre tes versions preferees et recharge-les quand tu veux."
+
+                ColumnLayout {
+                    Layout.fillWidth: true
+                    spacing: 14
+
+                    RowLayout {
+                        Layout.fillWidth: true
+                        spacing: 12
+
+                        LabeledTextField {
+                            objectName: "presetNameField"
+                            Layout.fillWidth: true
+                            Layout.minimumWidth: 10
+                            Layout.preferredWidth: 1
+                            Layout.alignment: Qt.AlignBottom
+                            title: "Nom du preset"
+                            text: root.store.customPresetDraftName
+                            onEdited: (value) => root.store.customPresetDraftName = value
+                        }
+
+                        ColumnLayout {
+                            Layout.preferredWidth: 270
+                            Layout.maximumWidth: 270
+                            Layout.minimumWidth: 270
+                            Layout.alignment: Qt.AlignBottom
+                            spacing: 10
+
+                            RowLayout {
+                                Layout.fillWidth: true
+                                spacing: 10
+                                ToolbarButton {
+                                    objectName: "saveAsNewButton"
+                                    Layout.fillWidth: true
+                                    Layout.preferredWidth: implicitWidth
+                                    Layout.fillHeight: true
+                                    text: "Enregistrer comme nouveau"
+                                    enabled: root.store.canSaveAsNewCustomPreset
+                                    onClicked: root.store.saveAsNewCustomPreset()
+                                }
+                                ToolbarButton {
+                                    objectName: "updateLoadedButton"
+                                    Layout.fillWidth: true
+                                    Layout.preferredWidth: implicitWidth
+                                    Layout.fillHeight: true
+                                    text: "Mettre a jour le charge"
+                                    primary: true
+                                    enabled: root.store.canUpdateActiveCustomPreset
+                                    onClicked: root.store.updateActiveCustomPreset()
+                                }
+                            }
+                            MutedText {
+                                objectName: "loadedPresetLine"
+                                Layout.fillWidth: true
+                                text: root.controller.loadedPresetText
+                            }
+                        }
+                    }
+
+                    EmptyPresetStateView {
+                        objectName: "emptyPresetState"
+                        Layout.fillWidth: true
+                        visible: root.store.customPresets.length === 0
+                    }
+
+                    ColumnLayout {
+                        objectName: "customPresetList"
+                        Layout.fillWidth: true
+                        visible: root.store.customPresets.length > 0
+                        spacing: 12
+                        Repeater {
+                            objectName: "customPresetRepeater"
+                            model: root.store.customPresets
+                            CustomPresetRow {
+                                required property var modelData
+                                objectName: "customPresetRow." + modelData.id
+                                Layout.fillWidth: true
+                                name: modelData.name
+                                sourceTitle: modelData.sourceTitle
+                                subjectLine: modelData.subjectLine
+                                updatedAt: modelData.updatedAt
+                                isActive: modelData.isActive
+                                onLoad: root.store.loadCustomPresetById(modelData.id)
+                                onOverwrite: root.store.overwriteCustomPresetById(modelData.id)
+                                onRemove: root.store.deleteCustomPresetById(modelData.id)
+                            }
+                        }
+                    }
+                }
+            }
+
+            // 3
+            SectionCard {
+                objectName: "recipientCard"
+                Layout.fillWidth: true
+                Layout.leftMargin: 24
+                Layout.rightMargin: 24
+                title: "Destinataire"
+                subtitle: "Objet et coordonnees du client."
+
+                FieldGrid {
+                    StoreTextField { store: root.store; fieldName: "recipientName"; title: "Nom du client" }
+                    StoreTextField { store: root.store; fieldName: "recipientEmail"; title: "Email du client" }
+                    StoreTextField { store: root.store; fieldName: "subject"; title: "Objet du mail" }
+                    StoreTextField { store: root.store; fieldName: "preheader"; title: "Preheader" }
+                }
+            }
+
+            // 4
+            SectionCard {
+                objectName: "syncCard"
+                Layout.fillWidth: true
+                Layout.leftMargin: 24
+                Layout.rightMargin: 24
+                title: "Synchronisation iPhone"
+                subtitle: root.controller.syncSubtitle
+
+                ColumnLayout {
+                    Layout.fillWidth: true
+                    spacing: 14
+
+                    RowLayout {
+                        Layout.fillWidth: true
+                        spacing: 12
+
+                        LabeledTextField {
+                            objectName: "syncCodeField"
+                            Layout.fillWidth: true
+                            Layout.minimumWidth: 10
+                            Layout.preferredWidth: 1
+                            Layout.alignment: Qt.AlignBottom
+                            title: "Code prive de synchronisation"
+                            text: root.store.syncCode
+                            onEdited: (value) => root.store.syncCode = value
+                        }
+
+                        ColumnLayout {
+                            Layout.preferredWidth: 360
+                            Layout.maximumWidth: 360
+                            Layout.minimumWidth: 360
+                            Layout.alignment: Qt.AlignBottom
+                            spacing: 10
+
+                            RowLayout {
+                                Layout.fillWidth: true
+                                spacing: 10
+                                ToolbarButton {
+                                    objectName: "pullButton"
+                                    Layout.fillWidth: true
+                                    Layout.preferredWidth: implicitWidth
+                                    Layout.fillHeight: true
+                                    text: "Recuperer depuis l'iPhone"
+                                    enabled: !root.store.isSyncing
+                                    onClicked: root.store.pullFromWeb()
+                                }
+                                ToolbarButton {
+                                    objectName: "pushButton"
+                                    Layout.fillWidth: true
+                                    Layout.preferredWidth: implicitWidth
+                                    Layout.fillHeight: true
+                                    text: "Envoyer vers l'iPhone"
+                                    primary: true
+                                    enabled: !root.store.isSyncing
+                                    onClicked: root.store.pushToWeb()
+                                }
+                            }
+                            LinkText {
+                                objectName: "webInterfaceLink"
+                                text: "Ouvrir VELINO Mobile"
+                                url: root.controller.webInterfaceUrl
+                                onActivated: root.controller.openWebInterface()
+                            }
+                        }
+                    }
+
+                    MutedText {
+                        objectName: "syncStatusLine"
+                        Layout.fillWidth: true
+                        text: root.store.syncStatus
+                    }
+                }
+            }
+
+            // 5
+            SectionCard {
+                objectName: "messageCard"
+                Layout.fillWidth: true
+                Layout.leftMargin: 24
+                Layout.rightMargin: 24
+                title: "Message"
+                subtitle: "Titre, introduction et contenu."
+
+                ColumnLayout {
+                    Layout.fillWidth: true
+                    spacing: 14
+                    StoreTextField { store: root.store; fieldName: "mailTitle"; title: "Titre principal" }
+                    StoreTextEditor { store: root.store; fieldName: "mailIntro"; title: "Phrase d'ouverture"; minHeight: 90 }
+                    StoreTextEditor { store: root.store; fieldName: "mailBody"; title: "Message principal"; minHeight: 150 }
+                    StoreTextField { store: root.store; fieldName: "highlight"; title: "Ligne de mise en avant" }
+                }
+            }
+
+            // 6
+            SectionCard {
+                objectName: "detailsCard"
+                Layout.fillWidth: true
+                Layout.leftMargin: 24
+                Layout.rightMargin: 24
+                title: "Recapitulatif"
+                subtitle: "Les details visibles dans le mail."
+
+                FieldGrid {
+                    StoreTextField { store: root.store; fieldName: "detailLabel1"; title: "Libelle 1" }
+                    StoreTextField { store: root.store; fieldName: "detailValue1"; title: "Valeur 1" }
+                    StoreTextField { store: root.store; fieldName: "detailLabel2"; title: "Libelle 2" }
+                    StoreTextField { store: root.store; fieldName: "detailValue2"; title: "Valeur 2" }
+                    StoreTextField { store: root.store; fieldName: "detailLabel3"; title: "Libelle 3" }
+                    StoreTextField { store: root.store; fieldName: "detailValue3"; title: "Valeur 3" }
+                    StoreTextField { store: root.store; fieldName: "detailLabel4"; title: "Libelle 4" }
+                    StoreTextField { store: root.store; fieldName: "detailValue4"; title: "Valeur 4" }
+                }
+            }
+
+            // 7
+            SectionCard {
+                objectName: "actionCard"
+                Layout.fillWidth: true
+                Layout.leftMargin: 24
+                Layout.rightMargin: 24
+                title: "Action"
+                subtitle: "Bouton et phrase de fin."
+
+                ColumnLayout {
+                    Layout.fillWidth: true
+                    spacing: 14
+                    FieldGrid {
+                        StoreTextField { store: root.store; fieldName: "ctaLabel"; title: "Texte du bouton" }
+                        StoreTextField { store: root.store; fieldName: "ctaURL"; title: "Lien du bouton" }
+                    }
+                    StoreTextEditor { store: root.store; fieldName: "closingNote"; title: "Phrase de fin"; minHeight: 96 }
+                }
+            }
+
+            // 8
+            SectionCard {
+                objectName: "appleMailCard"
+                Layout.fillWidth: true
+                Layout.leftMargin: 24
+                Layout.rightMargin: 24
+                title: "Apple Mail"
+                subtitle: "Connexion native au Mail configure sur ce Mac."
+
+                ColumnLayout {
+                    Layout.fillWidth: true
+                    spacing: 10
+                    RowLayout {
+                        Layout.fillWidth: true
+                        spacing: 10
+                        StatusChip {
+                            objectName: "appleStatusChip"
+                            text: root.store.appleConnectionStatusText
+                            tint: AppTheme.accent
+                        }
+                        MutedText {
+                            objectName: "appleHint"
+                            Layout.fillWidth: true
+                            text: root.store.appleConnectionHintText
+                        }
+                    }
+                    RowLayout {
+                        Layout.fillWidth: true
+                        spacing: 10
+                        ToolbarButton {
+                            objectName: "openDraftButton"
+                            text: "Ouvrir le brouillon"
+                            primary: true
+                            onClicked: root.store.openAppleMailDraft()
+                        }
+                        Item { Layout.fillWidth: true }
+                    }
+                }
+            }
+
+            // 9
+            SectionCard {
+                objectName: "identityCard"
+                Layout.fillWidth: true
+                Layout.leftMargin: 24
+                Layout.rightMargin: 24
+                title: "Identite Korvel"
+                subtitle: "Logo, couleurs et signature."
+
+                ColumnLayout {
+                    Layout.fillWidth: true
+                    spacing: 16
+                    FieldGrid {
+                        StoreTextField { store: root.store; fieldName: "logoURL"; title: "URL du logo email" }
+                        StoreColorField { store: root.store; fieldName: "accentPrimary"; title: "Couleur principale" }
+                        StoreColorField { store: root.store; fieldName: "accentSecondary"; title: "Couleur secondaire" }
+                        StoreTextField { store: root.store; fieldName: "titleFont"; title: "Police titres" }
+                        StoreTextField { store: root.store; fieldName: "bodyFont"; title: "Police texte" }
+                        StoreTextField { store: root.store; fieldName: "businessName"; title: "Nom de l'atelier" }
+                        StoreTextField { store: root.store; fieldName: "businessTagline"; title: "Sous-titre / activite" }
+                        StoreTextField { store: root.store; fieldName: "senderName"; title: "Nom expediteur" }
+                        StoreTextField { store: root.store; fieldName: "senderRole"; title: "Role" }
+                        StoreTextField { store: root.store; fieldName: "senderPhone"; title: "Telephone" }
+                        StoreTextField { store: root.store; fieldName: "senderEmail"; title: "Email pro" }
+                    }
+                    StoreTextEditor { store: root.store; fieldName: "footerNote"; title: "Note de pied de mail"; minHeight: 84 }
+                }
+            }
+
+            Item { Layout.preferredHeight: 24 - cards.spacing }
+        }
+    }
+}

@@ -1,0 +1,755 @@
+import QtQuick
+import QtTest
+import Velino
+import VelinoTest
+
+// The real window of the application shell with its real store, its settings in a
+// temporary folder (XDG_CONFIG_HOME, set by the test program) wiped before each test.
+// Keys are sent to that window, not to the test's own.
+Item {
+    id: scene
+    width: 200
+    height: 200
+
+    // Answers the store's warnings of one window the way a user would: a click on "OK"
+    // once the alert is on screen. The texts answered are kept in order.
+    Component {
+        id: alertAnswererComponent
+        Connections {
+            id: answerer
+            property var window
+            property var answered: []
+            property int unanswered: 0
+
+            function onAlertChanged() {
+                if (target.alertVisible)
+                    clickTimer.restart()
+            }
+
+            property Timer clickTimer: Timer {
+                interval: 30
+                onTriggered: {
+                    const dialogs = answerer.target
+                    if (!dialogs.alertVisible)
+                        return
+                    const popup = answerer.window.warningAlert
+                    if (!popup.opened) {
+                        restart()
+                        return
+                    }
+                    const text = dialogs.alertText
+                    const count = dialogs.pendingAlertCount
+                    testCase.mouseClick(testCase.findNamed(popup.contentItem, "alertOkButton"))
+                    if (dialogs.pendingAlertCount === count) {
+                        // The click missed: answer anyway so that the test does not hang.
+                        answerer.unanswered += 1
+                        dialogs.dismissAlert()
+                    }
+                    answerer.answered = answerer.answered.concat([text])
+                }
+            }
+        }
+    }
+
+    // Runs the test's script once the export save panel of a window is on screen.
+    Component {
+        id: savePanelAnswererComponent
+        Connections {
+            id: panelAnswerer
+            property var window
+            property var script: null
+            property int runs: 0
+
+            function onIsOpenChanged() {
+                if (target.isOpen)
+                    scriptTimer.restart()
+            }
+
+            property Timer scriptTimer: Timer {
+                interval: 30
+                onTriggered: {
+                    if (!panelAnswerer.target.isOpen)
+                        return
+                    if (!panelAnswerer.window.exportPanel.opened) {
+                        restart()
+                        return
+                    }
+                    panelAnswerer.runs += 1
+                    if (panelAnswerer.script)
+                        panelAnswerer.script(panelAnswerer.target, panelAnswerer.window)
+                    // Whatever the script did, the panel does not stay open.
+                    if (panelAnswerer.target.isOpen)
+                        panelAnswerer.target.cancel()
+                }
+            }
+        }
+    }
+
+    // When the store published each new HTML, in milliseconds since the epoch.
+    Component {
+        id: htmlClockComponent
+        Connections {
+            property var times: []
+            function onGeneratedHTMLChanged() { times = times.concat([Date.now()]) }
+        }
+    }
+
+    TestCase {
+        id: testCase
+        name: "MainWindow"
+        when: windowShown
+
+        // A closed local port: a push fails at once, and nothing leaves the machine.
+        readonly property string serviceHost: "127.0.0.1:9"
+        readonly property string defaultSubject: "Votre devis Korvel est pret"
+
+        property var opened: []
+
+        function initTestCase() {
+            TestSupport.setEnvironment("VELINO_SERVICE_HOST", serviceHost)
+        }
+
+        function cleanupTestCase() {
+            TestSupport.unsetEnvironment("VELINO_SERVICE_HOST")
+        }
+
+        function init() {
+            verify(TestSupport.resetSettings(), "settings wiped")
+        }
+
+        function cleanup() {
+            for (const w of opened) {
+                if (w)
+                    w.close()
+            }
+            opened = []
+            wait(0)
+        }
+
+        function findNamed(item, name) {
+            if (!item)
+                return null
+            if (item.objectName === name)
+                return item
+            const children = item.children
+            for (let i = 0; i < children.length; ++i) {
+                const found = findNamed(children[i], name)
+                if (found)
+                    return found
+            }
+            return null
+        }
+
+        function named(root, name) {
+            const item = findNamed(root, name)
+            verify(item, "item " + name)
+            return item
+        }
+
+        // The items of the main content by objectName, found in one walk of the tree; an
+        // item created or destroyed since (a saved-preset row) is looked up again.
+        function el(t, name) {
+            if (!t.index) {
+                t.index = {}
+                const walk = (item) => {
+                    if (item.objectName && t.index[item.objectName] === undefined)
+                        t.index[item.objectName] = item
+                    for (let i = 0; i < item.children.length; ++i)
+                        walk(item.children[i])
+                }
+                walk(t.main)
+            }
+            let item = t.index[name]
+            if (!item || item.objectName !== name || !item.parent) {
+                item = named(t.main, name)
+                t.index[name] = item
+            }
+            return item
+        }
+
+        function openWindow() {
+            const w = AppShell.openWindow()
+            verify(w)
+            opened.push(w)
+            w.requestActivate()
+            tryVerify(() => w.visible && w.active, 5000)
+            const alerts = createTemporaryObject(alertAnswererComponent, testCase,
+                                                 { target: w.controller.dialogs, window: w })
+            const panel = createTemporaryObject(savePanelAnswererComponent, testCase,
+                                                { target: w.controller.dialogs.savePanel, window: w })
+            return { window: w, alerts: alerts, panel: panel }
+        }
+
+        function passwordField(w) {
+            return named(findNamed(w.contentItem, "lockLoader").item, "passwordField")
+        }
+
+        function unlock(t) {
+            const field = passwordField(t.window)
+            tryVerify(() => field.activeFocus, 3000, "password field focused")
+            TestSupport.typeText(t.window, "Falcon77!")
+            TestSupport.keyClick(t.window, Qt.Key_Return)
+            tryVerify(() => t.window.lockState.isUnlocked)
+            const main = findNamed(t.window.contentItem, "mainLoader").item
+            verify(main)
+            compare(main.objectName, "mainContent")
+            t.main = main
+            t.controller = t.window.controller
+            t.store = t.window.controller.store
+            return t
+        }
+
+        function openUnlocked() {
+            return unlock(openWindow())
+        }
+
+        // The text control of a form field, focused, with the cursor at its end.
+        function focusField(t, fieldName) {
+            const wrapper = el(t, "field." + fieldName)
+            const control = wrapper.field !== undefined ? wrapper.field : wrapper.editor
+            verify(control, "control of " + fieldName)
+            control.forceActiveFocus()
+            tryVerify(() => control.activeFocus, 2000, fieldName + " focused")
+            control.cursorPosition = control.length
+            return control
+        }
+
+        function clearField(t, fieldName) {
+            const control = focusField(t, fieldName)
+            control.selectAll()
+            TestSupport.keyClick(t.window, Qt.Key_Backspace)
+            compare(control.text, "")
+            return control
+        }
+
+        function typeInto(t, name, text) {
+            const wrapper = el(t, name)
+            const control = wrapper.field
+            control.forceActiveFocus()
+            tryVerify(() => control.activeFocus, 2000)
+            control.cursorPosition = control.length
+            TestSupport.typeText(t.window, text)
+            return control
+        }
+
+        // Scrolls the form column so that `item` is on screen, where a click can reach it.
+        function reveal(t, item) {
+            const flick = t.main.composerPane.scrollView.contentItem
+            const y = item.mapToItem(flick.contentItem, 0, 0).y
+            flick.contentY = Math.max(0, Math.min(y - 120, flick.contentHeight - flick.height))
+            waitForRendering(t.main)
+            const top = item.mapToItem(t.main, 0, 0).y
+            verify(top >= 0 && top + item.height <= t.main.height, item.objectName + " on screen")
+            return item
+        }
+
+        function waitForDebounce(t, before) {
+            tryVerify(() => t.store.generatedHTML !== before, 3000, "regenerated after the debounce")
+        }
+
+        // ---- Lock screen ---------------------------------------------------------------
+
+        function test_wrongPasswordsAreRefused() {
+            const t = openWindow()
+            const w = t.window
+            const field = passwordField(w)
+            const error = named(findNamed(w.contentItem, "lockLoader").item, "lockError")
+            tryVerify(() => field.activeFocus, 3000)
+            for (const attempt of [" Falcon77!", "falcon77!", "Falcon77! ", "Falcon77", ""]) {
+                TestSupport.typeText(w, attempt)
+                compare(field.text, attempt)
+                TestSupport.keyClick(w, Qt.Key_Return)
+                compare(w.lockState.isUnlocked, false, "refused: '" + attempt + "'")
+                compare(field.text, "", "field emptied after '" + attempt + "'")
+                compare(error.text, "Mot de passe incorrect.")
+                verify(findNamed(w.contentItem, "lockLoader").active)
+                verify(!findNamed(w.contentItem, "mainLoader").active)
+            }
+            // The button refuses the same way.
+            TestSupport.typeText(w, "falcon77!")
+            mouseClick(named(findNamed(w.contentItem, "lockLoader").item, "unlockButton"))
+            compare(w.lockState.isUnlocked, false)
+            compare(field.text, "")
+            compare(error.text, "Mot de passe incorrect.")
+        }
+
+        function test_returnUnlocksAfterARefusal() {
+            const t = openWindow()
+            const w = t.window
+            const field = passwordField(w)
+            tryVerify(() => field.activeFocus, 3000)
+            TestSupport.typeText(w, "falcon77!")
+            TestSupport.keyClick(w, Qt.Key_Return)
+            compare(w.lockState.errorText, "Mot de passe incorrect.")
+            TestSupport.typeText(w, "Falcon77!")
+            TestSupport.keyClick(w, Qt.Key_Return)
+            compare(w.lockState.isUnlocked, true)
+            compare(w.lockState.errorText, "")
+            compare(w.lockState.password, "")
+            verify(findNamed(w.contentItem, "mainLoader").active)
+            verify(!findNamed(w.contentItem, "lockLoader").active)
+        }
+
+        function test_buttonUnlocks() {
+            const t = openWindow()
+            const w = t.window
+            const field = passwordField(w)
+            tryVerify(() => field.activeFocus, 3000)
+            TestSupport.typeText(w, "Falcon77!")
+            mouseClick(named(findNamed(w.contentItem, "lockLoader").item, "unlockButton"))
+            compare(w.lockState.isUnlocked, true)
+            verify(named(findNamed(w.contentItem, "mainLoader").item, "headerBand"))
+        }
+
+        // ---- Layout and texts ----------------------------------------------------------
+
+        function test_headerAndCards() {
+            const t = openUnlocked()
+            const m = t.main
+            compare(el(t, "appTitle").text, "Velino")
+            compare(el(t, "appSubtitle").text, "Studio mail client")
+            compare(el(t, "headerLogo").size, 68)
+            compare(el(t, "headerLogo").cornerRadius, 20)
+
+            const chips = [["formatChip", "currentFormatStatus", AppTheme.accent],
+                           ["saveChip", "saveStatus", AppTheme.accentSoft],
+                           ["actionChip", "lastAction", AppTheme.cyan]]
+            for (const [name, property, tint] of chips) {
+                const chip = el(t, name)
+                compare(chip.text, t.store[property], name)
+                verify(chip.text.length > 0)
+                compare(chip.tint, tint, name + " tint")
+            }
+            compare(el(t, "actionChip").text, "Application prete.")
+
+            const buttons = [["newButton", "Nouveau", false], ["standalonePreviewButton", "Apercu externe", false],
+                             ["exportButton", "Exporter", false], ["openInMailButton", "Ouvrir dans Mail", true],
+                             ["copySubjectButton", "Copier objet", false], ["copyTextButton", "Copier texte", false],
+                             ["copyMailButton", "Copier mail", true], ["openDraftButton", "Ouvrir le brouillon", true]]
+            for (const [name, label, primary] of buttons) {
+                const button = el(t, name)
+                compare(button.text, label)
+                compare(button.primary, primary, label + " style")
+                verify(button.enabled, label + " enabled")
+            }
+
+            const cards = [
+                ["presetCard", "Type de message", "Choisis une base puis ajuste ton contenu."],
+                ["customPresetCard", "Presets perso", "Enregistre tes versions preferees et recharge-les quand tu veux."],
+                ["recipientCard", "Destinataire", "Objet et coordonnees du client."],
+                ["syncCard", "Synchronisation iPhone", "Relie cette app a l'interface privee 127.0.0.1:9/velino.html."],
+                ["messageCard", "Message", "Titre, introduction et contenu."],
+                ["detailsCard", "Recapitulatif", "Les details visibles dans le mail."],
+                ["actionCard", "Action", "Bouton et phrase de fin."],
+                ["appleMailCard", "Apple Mail", "Connexion native au Mail configure sur ce Mac."],
+                ["identityCard", "Identite Korvel", "Logo, couleurs et signature."],
+            ]
+            let previousY = -1
+            for (const [name, title, subtitle] of cards) {
+                const card = el(t, name)
+                compare(named(card, "sectionTitle").text, title)
+                compare(named(card, "sectionSubtitle").text, subtitle)
+                const y = card.mapToItem(m, 0, 0).y
+                verify(y > previousY, title + " comes after the card before it")
+                previousY = y
+            }
+
+            compare(el(t, "webInterfaceLink").text, "Ouvrir VELINO Mobile")
+            compare(String(el(t, "webInterfaceLink").url), "https://127.0.0.1:9/velino.html")
+            compare(el(t, "syncStatusLine").text, t.store.syncStatus)
+            compare(el(t, "appleStatusChip").text, "Apple Mail actif")
+            compare(el(t, "appleHint").text,
+                    "Ouvre un brouillon HTML natif dans Apple Mail avec le compte configure sur ce Mac.")
+            compare(el(t, "previewTitle").text, "Previsualisation")
+            compare(el(t, "previewSubtitle").text, "Mail client Korvel")
+
+            const summaries = [["summary.state", "ETAT", t.store.currentFormatStatus, "Version actuelle"],
+                               ["summary.recipient", "DESTINATAIRE", "Mme Lambert", "client@example.com"],
+                               ["summary.details", "BLOC INFOS", "4", "ligne(s) affichee(s)"],
+                               ["summary.apple", "APPLE", "Mail.app",
+                                "Ouvre un brouillon HTML natif dans Apple Mail avec le compte configure sur ce Mac."]]
+            let previousX = -1
+            for (const [name, title, value, caption] of summaries) {
+                const card = el(t, name)
+                compare(named(card, "summaryTitle").text, title)
+                compare(named(card, "summaryValue").text, value)
+                compare(named(card, "summaryCaption").text, caption)
+                const x = card.mapToItem(m, 0, 0).x
+                verify(x > previousX)
+                previousX = x
+            }
+
+            // Both panes at least at their minimum widths in the minimum window.
+            verify(m.composerPane.width >= 540, "form column " + m.composerPane.width)
+            verify(m.previewPane.width >= 620, "preview column " + m.previewPane.width)
+            verify(m.composerPane.x + m.composerPane.width <= m.previewPane.x)
+        }
+
+        function test_fieldsFlowTwoPerRow() {
+            const t = openUnlocked()
+            const pairs = [["recipientName", "recipientEmail"], ["subject", "preheader"],
+                           ["detailLabel1", "detailValue1"], ["detailLabel4", "detailValue4"],
+                           ["ctaLabel", "ctaURL"], ["logoURL", "accentPrimary"],
+                           ["accentSecondary", "titleFont"], ["senderRole", "senderPhone"]]
+            for (const [left, right] of pairs) {
+                const a = el(t, "field." + left)
+                const b = el(t, "field." + right)
+                const pa = a.mapToItem(t.main, 0, 0)
+                const pb = b.mapToItem(t.main, 0, 0)
+                compare(pa.y, pb.y, left + " and " + right + " on one row")
+                verify(pb.x > pa.x + a.width, right + " right of " + left)
+                fuzzyCompare(a.width, b.width, 1)
+                fuzzyCompare(pb.x - (pa.x + a.width), 14, 1)
+            }
+            // Eleven identity fields: the last one sits alone in the left column.
+            const logo = el(t, "field.logoURL").mapToItem(t.main, 0, 0)
+            const role = el(t, "field.senderRole").mapToItem(t.main, 0, 0)
+            const email = el(t, "field.senderEmail")
+            const last = email.mapToItem(t.main, 0, 0)
+            compare(last.x, logo.x)
+            verify(last.y > role.y)
+            fuzzyCompare(email.width, el(t, "field.logoURL").width, 1)
+        }
+
+        // ---- Editing -------------------------------------------------------------------
+
+        function test_everyFieldUpdatesTheRecordAndThePreview() {
+            const t = openUnlocked()
+            const preview = el(t, "htmlPreview")
+            const fields = [
+                "recipientName", "recipientEmail", "subject", "preheader",
+                "mailTitle", "mailIntro", "mailBody", "highlight",
+                "detailLabel1", "detailValue1", "detailLabel2", "detailValue2",
+                "detailLabel3", "detailValue3", "detailLabel4", "detailValue4",
+                "ctaLabel", "ctaURL", "closingNote",
+                "logoURL", "accentPrimary", "accentSecondary", "titleFont", "bodyFont",
+                "businessName", "businessTagline", "senderName", "senderRole",
+                "senderPhone", "senderEmail", "footerNote",
+            ]
+            compare(fields.length, 31)
+            // Exactly one control per field of the record.
+            for (const name of fields)
+                el(t, "field." + name)
+            let controls = 0
+            const count = (item) => {
+                if (String(item.objectName).startsWith("field."))
+                    ++controls
+                for (let i = 0; i < item.children.length; ++i)
+                    count(item.children[i])
+            }
+            count(t.main)
+            compare(controls, 31)
+
+            const colours = { accentPrimary: "#123456", accentSecondary: "#abcdef" }
+            const clock = createTemporaryObject(htmlClockComponent, testCase, { target: t.store })
+            for (const name of fields) {
+                if (name === "recipientEmail") {
+                    // The address is shown in the e-mail only when no name is given.
+                    const before = t.store.generatedHTML
+                    clearField(t, "recipientName")
+                    waitForDebounce(t, before)
+                }
+                const control = focusField(t, name)
+                const loads = preview.loader.loadCount
+                let typed
+                if (colours[name] !== undefined) {
+                    control.selectAll()
+                    typed = colours[name]
+                } else {
+                    typed = "Zq7"
+                }
+                const expected = colours[name] !== undefined ? typed : t.store.data[name] + typed
+                // All but the last key, then the last one alone: the debounce counts from it.
+                TestSupport.typeText(t.window, typed.slice(0, -1))
+                const before = t.store.generatedHTML
+                clock.times = []
+                const lastKey = Date.now()
+                TestSupport.typeText(t.window, typed.slice(-1))
+                compare(t.store.data[name], expected, name + " written to the record")
+                compare(control.text, expected)
+                waitForDebounce(t, before)
+                const regeneratedAfter = clock.times[clock.times.length - 1] - lastKey
+                // A coarse timer may fire up to 5 % early.
+                verify(regeneratedAfter >= 170, name + ": regenerated " + regeneratedAfter + " ms after the last key")
+                if (colours[name] !== undefined)
+                    verify(t.store.generatedHTML.indexOf(colours[name]) >= 0, name + " in the e-mail")
+                tryVerify(() => preview.loader.loadCount > loads, 2000, name + ": preview reloaded")
+                compare(preview.html, t.store.generatedHTML)
+            }
+        }
+
+        function test_previewShowsTheGeneratedMail() {
+            const t = openUnlocked()
+            const preview = el(t, "htmlPreview")
+            compare(preview.html, t.store.generatedHTML)
+            compare(preview.serviceHost, serviceHost)
+            tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000)
+            tryCompare(preview.webView, "title", t.store.generatedSubject, 10000)
+            typeInto(t, "field.subject", " demain")
+            tryCompare(preview.webView, "title", defaultSubject + " demain", 10000)
+        }
+
+        function test_blocInfosShowsZeroWithoutDetails() {
+            const t = openUnlocked()
+            const card = el(t, "summary.details")
+            compare(named(card, "summaryValue").text, "4")
+            for (let i = 1; i <= 4; ++i) {
+                clearField(t, "detailLabel" + i)
+                clearField(t, "detailValue" + i)
+            }
+            tryCompare(t.store, "currentDetailsCount", 0, 3000)
+            compare(named(card, "summaryValue").text, "0")
+            compare(named(card, "summaryCaption").text, "ligne(s) affichee(s)")
+        }
+
+        // ---- Presets -------------------------------------------------------------------
+
+        function tiles(t) {
+            return ["devis", "pret", "rdv", "relance"].map(id => el(t, "presetTile." + id))
+        }
+
+        function activeTiles(t) {
+            return tiles(t).filter(tile => tile.isActive).map(tile => tile.objectName)
+        }
+
+        function test_presetTilesFollowTheStore() {
+            const t = openUnlocked()
+            compare(tiles(t).map(tile => tile.text), ["Devis", "Appareil pret", "Rendez-vous", "Relance"])
+            compare(activeTiles(t), ["presetTile.devis"])
+
+            mouseClick(el(t, "presetTile.pret"))
+            compare(t.store.activePreset, "pret")
+            compare(activeTiles(t), ["presetTile.pret"])
+            compare(el(t, "field.subject").field.text, t.store.data.subject)
+            verify(t.store.data.subject !== defaultSubject)
+            compare(el(t, "actionChip").text, "Appareil pret charge.")
+
+            // A loaded saved preset: no tile is highlighted, though its source is "pret".
+            typeInto(t, "presetNameField", "Retrait rapide")
+            mouseClick(el(t, "saveAsNewButton"))
+            compare(t.store.customPresets.length, 1)
+            verify(t.store.activeCustomPresetID.length > 0)
+            compare(t.store.activePreset, "pret")
+            compare(activeTiles(t), [])
+
+            // Choosing a tile clears the saved preset's highlight.
+            mouseClick(el(t, "presetTile.rdv"))
+            compare(activeTiles(t), ["presetTile.rdv"])
+            compare(t.store.activeCustomPresetID, "")
+            const row = el(t, "customPresetRow." + t.store.customPresets[0].id)
+            compare(row.isActive, false)
+
+            // Loading the saved preset again: its row lights up, the tiles go dark.
+            mouseClick(named(row, "loadButton"))
+            compare(activeTiles(t), [])
+            const reloaded = el(t, "customPresetRow." + t.store.customPresets[0].id)
+            compare(reloaded.isActive, true)
+            compare(t.store.data.subject, el(t, "field.subject").field.text)
+        }
+
+        function test_saveAsNewNeedsAName() {
+            const t = openUnlocked()
+            const button = el(t, "saveAsNewButton")
+            compare(button.text, "Enregistrer comme nouveau")
+            compare(t.store.customPresetDraftName, "")
+            compare(button.enabled, false)
+            typeInto(t, "presetNameField", "   ")
+            compare(t.store.customPresetDraftName, "   ")
+            compare(button.enabled, false, "blank name")
+            typeInto(t, "presetNameField", "Client fidele")
+            compare(button.enabled, true)
+        }
+
+        function test_savedPresetList() {
+            const t = openUnlocked()
+            const update = el(t, "updateLoadedButton")
+            const line = el(t, "loadedPresetLine")
+            const empty = el(t, "emptyPresetState")
+            compare(update.text, "Mettre a jour le charge")
+            compare(update.enabled, false)
+            compare(line.text, "Aucun preset perso charge pour l'instant.")
+            verify(empty.visible)
+            compare(named(empty, "emptyText").text,
+                    "Enregistre un preset perso pour rappeler un mail entier, ses champs et sa signature en un clic.")
+            compare(el(t, "customPresetList").visible, false)
+
+            typeInto(t, "presetNameField", "Ecran iPhone")
+            mouseClick(el(t, "saveAsNewButton"))
+            compare(t.store.customPresets.length, 1)
+            const entry = t.store.customPresets[0]
+            const row = el(t, "customPresetRow." + entry.id)
+            verify(row.visible)
+            compare(row.isActive, true)
+            compare(row.name, "Ecran iPhone")
+            verify(named(row, "activeChip").visible)
+            compare(named(row, "activeChip").text, "Charge")
+            compare(named(row, "presetSource").text, "Devis · " + entry.subjectLine)
+            verify(named(row, "loadButton").primary)
+            compare(empty.visible, false)
+            verify(el(t, "customPresetList").visible)
+            compare(update.enabled, true)
+            compare(line.text, "Preset charge : Ecran iPhone")
+
+            // Update through the button: the preset takes the current content.
+            typeInto(t, "field.subject", " (mis a jour)")
+            mouseClick(update)
+            compare(t.store.customPresets[0].subjectLine, defaultSubject + " (mis a jour)")
+
+            // Deleting asks nothing and brings the empty state back.
+            const current = el(t, "customPresetRow." + t.store.customPresets[0].id)
+            mouseClick(named(current, "removeButton"))
+            compare(t.store.customPresets.length, 0)
+            tryVerify(() => empty.visible)
+            compare(el(t, "customPresetList").visible, false)
+            compare(update.enabled, false)
+            compare(line.text, "Aucun preset perso charge pour l'instant.")
+        }
+
+        // ---- Reset ---------------------------------------------------------------------
+
+        function test_resetAsksFirst() {
+            const t = openUnlocked()
+            const w = t.window
+            typeInto(t, "field.subject", " modifie")
+            const edited = defaultSubject + " modifie"
+            compare(t.store.data.subject, edited)
+
+            mouseClick(el(t, "newButton"))
+            compare(t.controller.showResetAlert, true)
+            tryVerify(() => w.resetAlert.opened)
+            compare(named(w.resetAlert.contentItem, "alertTitle").text, "Revenir au template Korvel de base ?")
+            compare(named(w.resetAlert.contentItem, "alertMessage").text,
+                    "Le contenu actuel sera remplace par le modele natif par defaut.")
+            mouseClick(named(w.resetAlert.contentItem, "resetCancelButton"))
+            compare(t.controller.showResetAlert, false)
+            tryVerify(() => !w.resetAlert.visible)
+            compare(t.store.data.subject, edited, "Annuler keeps the content")
+            compare(el(t, "field.subject").field.text, edited)
+
+            mouseClick(el(t, "presetTile.relance"))
+            mouseClick(el(t, "newButton"))
+            tryVerify(() => w.resetAlert.opened)
+            const confirm = named(w.resetAlert.contentItem, "resetConfirmButton")
+            compare(confirm.text, "Reinitialiser")
+            mouseClick(confirm)
+            compare(t.controller.showResetAlert, false)
+            tryVerify(() => !w.resetAlert.visible)
+            compare(t.store.data.subject, defaultSubject)
+            compare(el(t, "field.subject").field.text, defaultSubject)
+            compare(el(t, "field.mailTitle").field.text, "Votre devis est pret")
+            compare(activeTiles(t), ["presetTile.devis"])
+            compare(t.store.lastAction, "Nouveau message.")
+        }
+
+        function test_escapeCancelsTheReset() {
+            const t = openUnlocked()
+            typeInto(t, "field.subject", "!")
+            mouseClick(el(t, "newButton"))
+            tryVerify(() => t.window.resetAlert.opened)
+            TestSupport.keyClick(t.window, Qt.Key_Escape)
+            compare(t.controller.showResetAlert, false)
+            compare(t.store.data.subject, defaultSubject + "!")
+        }
+
+        // ---- Sync ----------------------------------------------------------------------
+
+        function test_syncButtonsAreDisabledWhileSyncing() {
+            const t = openUnlocked()
+            const push = el(t, "pushButton")
+            const pull = el(t, "pullButton")
+            compare(push.text, "Envoyer vers l'iPhone")
+            compare(pull.text, "Recuperer depuis l'iPhone")
+            verify(push.primary && !pull.primary)
+            typeInto(t, "syncCodeField", "ABCD-EFGH-IJKL-MNOP")
+            compare(t.store.syncCode, "ABCD-EFGH-IJKL-MNOP")
+            verify(push.enabled && pull.enabled)
+            reveal(t, push)
+
+            for (const button of [push, pull]) {
+                const answeredBefore = t.alerts.answered.length
+                mouseClick(button)
+                // The request is under way: nothing has answered yet.
+                compare(t.store.isSyncing, true, button.text)
+                compare(push.enabled, false)
+                compare(pull.enabled, false)
+                tryCompare(t.store, "isSyncing", false, 15000)
+                verify(push.enabled && pull.enabled, "enabled again")
+                // The refused connection is reported in the status line and in an alert.
+                tryVerify(() => t.alerts.answered.length === answeredBefore + 1, 5000)
+                compare(el(t, "syncStatusLine").text, t.alerts.answered[answeredBefore])
+            }
+            compare(t.alerts.unanswered, 0)
+        }
+
+        function test_shortSyncCodeIsRefusedWithAnAlert() {
+            const t = openUnlocked()
+            typeInto(t, "syncCodeField", "abc")
+            mouseClick(reveal(t, el(t, "pushButton")))
+            // The alert was shown and answered while the push waited for it.
+            compare(t.alerts.answered,
+                    ["Le code prive doit contenir au moins 16 caracteres. Genere-le depuis l'interface iPhone."])
+            compare(t.alerts.unanswered, 0)
+            compare(t.store.isSyncing, false)
+            compare(t.store.syncCode, "ABC")
+            compare(el(t, "syncCodeField").field.text, "ABC")
+            compare(el(t, "syncStatusLine").text, t.alerts.answered[0])
+            verify(!t.controller.dialogs.alertVisible)
+            verify(!t.window.warningAlert.visible)
+        }
+
+        // ---- Export --------------------------------------------------------------------
+
+        function test_exportThroughTheSavePanel() {
+            const t = openUnlocked()
+            const folder = TestSupport.makeTemporaryFolder()
+            let seen = null
+            t.panel.script = (panel, w) => {
+                seen = { title: panel.title, fileName: panel.fileName,
+                         shownTitle: findNamed(w.exportPanel.contentItem, "savePanelTitle").text }
+                panel.openFolder(folder)
+                // A new folder, made from the panel.
+                mouseClick(findNamed(w.exportPanel.contentItem, "savePanelNewFolder"))
+                const nameField = findNamed(w.exportPanel.contentItem, "savePanelFolderName").field
+                tryVerify(() => nameField.activeFocus)
+                nameField.selectAll()
+                TestSupport.typeText(w, "Clients")
+                seen.typedFolderName = nameField.text
+                mouseClick(findNamed(w.exportPanel.contentItem, "savePanelCreateFolder"))
+                seen.folderAfterCreate = panel.folder
+                seen.chosenPath = panel.chosenPath
+                // The folder name row closes: let the panel lay out again before clicking.
+                wait(50)
+                mouseClick(findNamed(w.exportPanel.contentItem, "savePanelSave"))
+                seen.openAfterSave = panel.isOpen
+            }
+            mouseClick(el(t, "exportButton"))
+            compare(t.panel.runs, 1)
+            verify(seen)
+            compare(seen.title, "Exporter le mail HTML")
+            compare(seen.shownTitle, "Exporter le mail HTML")
+            compare(seen.fileName, "votre-devis-korvel-est-pret.html")
+            compare(seen.typedFolderName, "Clients")
+            compare(seen.folderAfterCreate, folder + "/Clients")
+            const path = folder + "/Clients/votre-devis-korvel-est-pret.html"
+            compare(seen.chosenPath, path)
+            compare(seen.openAfterSave, false, "Enregistrer answers the panel")
+            compare(t.store.lastAction, "HTML exporte vers votre-devis-korvel-est-pret.html.")
+            verify(TestSupport.fileExists(path), path)
+            compare(TestSupport.readTextFile(path), t.store.generatedHTML)
+            compare(t.store.lastAction, "HTML exporte vers votre-devis-korvel-est-pret.html.")
+            compare(el(t, "actionChip").text, t.store.lastAction)
+        }
+
+        function test_cancelledExportChangesNothing() {
+            const t = openUnlocked()
+            const before = t.store.lastAction
+            t.panel.script = (panel, w) => {
+                mouseClick(findNamed(w.exportPanel.contentItem, "savePanelCancel"))
+            }
+            mouseClick(el(t, "exportButton"))
+            compare(t.panel.runs, 1)
+            compare(t.store.lastAction, before)
+            verify(!t.controller.dialogs.isModal)
+        }
+    }
+}
