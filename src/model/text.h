@@ -16,7 +16,13 @@ inline bool isTrimmable(char32_t c) {
 }
 
 // Removes trimmable code points at both ends; inner characters are untouched.
-QStringView trimmedView(QStringView s);
+QStringView trimmedViewSlow(QStringView s);
+inline QStringView trimmedView(QStringView s) {
+    // Most texts start and end with a visible character: nothing to remove.
+    if (s.isEmpty() || (!isTrimmable(s.front().unicode()) && !isTrimmable(s.back().unicode())))
+        return s;
+    return trimmedViewSlow(s);
+}
 QString trimmed(const QString &s);
 
 // Empty after trimming.
