@@ -172,7 +172,9 @@ Item {
             tryCompare(preview.webView, "title", "Petit", 20000)
             verify(!preview.loader.lastLoadUsedFile)
             preview.html = largeHtml("B")
+            // The title arrives before the end of a large page: wait for the whole load.
             tryCompare(preview.webView, "title", "Gros B", 20000)
+            tryVerify(() => !preview.webView.loading, 20000, "large page loaded")
             compare(evaluate(preview.webView, "document.getElementById('t').textContent"),
                     "Fin du mail é B")
         }
