@@ -1,4 +1,5 @@
 #include "launch.h"
+#include "scene_graph_backend.h"
 
 #include <QGuiApplication>
 #include <QIcon>
@@ -10,6 +11,7 @@ Q_IMPORT_QML_PLUGIN(VelinoPlugin)
 int main(int argc, char *argv[]) {
     // The web engine shares OpenGL contexts with Qt Quick: set up before the application.
     QtWebEngineQuick::initialize();
+    velino::ui::chooseSceneGraphBackend();
     QGuiApplication app(argc, argv);
     QGuiApplication::setOrganizationName(QStringLiteral("Korvel"));
     QGuiApplication::setApplicationName(QStringLiteral("Velino"));

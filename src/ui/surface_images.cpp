@@ -1,8 +1,12 @@
 #include "surface_images.h"
 
+#include "ui_helpers.h"
+
+#include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
 #include <QQmlEngine>
+#include <QQmlListReference>
 
 #include <algorithm>
 #include <vector>
@@ -99,6 +103,41 @@ QImage cornerCapImage(int radius, const QColor &color) {
     return image;
 }
 
+QImage diagonalGradientImage(const QList<GradientStopValue> &stops) {
+    // A linear gradient survives stretching: the smoothing between pixels is linear too.
+    constexpr int kSide = 256;
+    QImage image(kSide, kSide, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QLinearGradient gradient(0, 0, kSide, kSide);
+    for (const GradientStopValue &stop : stops)
+        gradient.setColorAt(std::clamp(stop.position, qreal(0), qreal(1)), stop.color);
+    QPainter painter(&image);
+    painter.fillRect(image.rect(), gradient);
+    return image;
+}
+
+QImage roundedResourceImage(const QString &name, int radiusPermille, const QSize &size) {
+    if (name.isEmpty() || name.contains(u'/'))
+        return QImage();
+    QImage source(QString::fromUtf16(kImageResourcePrefix) + name + QStringLiteral(".png"));
+    if (source.isNull())
+        return QImage();
+    if (size.isValid() && !size.isEmpty())
+        source = source.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    QImage image(source.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    const qreal side = std::min(image.width(), image.height());
+    const qreal radius = side * std::clamp(radiusPermille, 0, 500) / 1000.0;
+    QPainterPath shape;
+    shape.addRoundedRect(QRectF(image.rect()), radius, radius);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(source);
+    painter.drawPath(shape);
+    return image;
+}
+
 QUrl shadowImageUrl(int cornerRadius, int blur, const QColor &color) {
     return QUrl(QStringLiteral("image://%1/shadow/%2/%3/%4")
                     .arg(QLatin1StringView(SurfaceImageProvider::kName))
@@ -112,6 +151,23 @@ QUrl cornerCapImageUrl(int radius, const QColor &color) {
                     .arg(QLatin1StringView(SurfaceImageProvider::kName))
                     .arg(radius)
                     .arg(colorKey(color)));
+}
+
+QUrl diagonalGradientImageUrl(const QList<GradientStopValue> &stops) {
+    QStringList parts;
+    for (const GradientStopValue &stop : stops)
+        parts.append(QString::number(stop.position, 'g', 4) + u':' + colorKey(stop.color));
+    return QUrl(QStringLiteral("image://%1/diagonal/%2")
+                    .arg(QLatin1StringView(SurfaceImageProvider::kName), parts.join(u',')));
+}
+
+QUrl roundedImageUrl(const QString &name, int radiusPermille) {
+    if (imageResourceUrl(name).isEmpty())
+        return QUrl();
+    return QUrl(QStringLiteral("image://%1/rounded/%2/%3")
+                    .arg(QLatin1StringView(SurfaceImageProvider::kName))
+                    .arg(radiusPermille)
+                    .arg(name));
 }
 
 SurfaceImages *SurfaceImages::create(QQmlEngine *qmlEngine, QJSEngine *) {
@@ -129,9 +185,42 @@ QUrl SurfaceImages::cornerCap(qreal radius, const QColor &color) const {
     return cornerCapImageUrl(qRound(radius), color);
 }
 
+QUrl SurfaceImages::diagonalGradient(QObject *gradient) const {
+    const QQmlListReference stopList(gradient, "stops");
+    if (!stopList.isValid())
+        return QUrl();
+    QList<GradientStopValue> stops;
+    for (qsizetype i = 0; i < stopList.count(); ++i) {
+        const QObject *stop = stopList.at(i);
+        if (stop)
+            stops.append(
+                {stop->property("position").toReal(), stop->property("color").value<QColor>()});
+    }
+    return diagonalGradientImageUrl(stops);
+}
+
+QUrl SurfaceImages::roundedImage(const QString &resourceName, qreal radiusShare) const {
+    return roundedImageUrl(resourceName, qRound(std::clamp(radiusShare, 0.0, 0.5) * 1000));
+}
+
 SurfaceImageProvider::SurfaceImageProvider() : QQuickImageProvider(QQuickImageProvider::Image) {}
 
-QImage SurfaceImageProvider::requestImage(const QString &id, QSize *size, const QSize &) {
+namespace {
+
+QList<GradientStopValue> parseStops(const QString &text) {
+    QList<GradientStopValue> stops;
+    for (const QString &part : text.split(u',', Qt::SkipEmptyParts)) {
+        const qsizetype colon = part.indexOf(u':');
+        if (colon > 0)
+            stops.append({part.left(colon).toDouble(), QColor(u'#' + part.mid(colon + 1))});
+    }
+    return stops;
+}
+
+} // namespace
+
+QImage SurfaceImageProvider::requestImage(const QString &id, QSize *size,
+                                          const QSize &requestedSize) {
     const QStringList parts = id.split(u'/');
     QImage image;
     if (parts.size() == 4 && parts[0] == QStringLiteral("shadow")) {
@@ -139,6 +228,10 @@ QImage SurfaceImageProvider::requestImage(const QString &id, QSize *size, const 
             shadowImage(parts[1].toInt(), parts[2].toInt(), QColor(QStringLiteral("#") + parts[3]));
     } else if (parts.size() == 3 && parts[0] == QStringLiteral("corner")) {
         image = cornerCapImage(parts[1].toInt(), QColor(QStringLiteral("#") + parts[2]));
+    } else if (parts.size() == 2 && parts[0] == QStringLiteral("diagonal")) {
+        image = diagonalGradientImage(parseStops(parts[1]));
+    } else if (parts.size() == 3 && parts[0] == QStringLiteral("rounded")) {
+        image = roundedResourceImage(parts[2], parts[1].toInt(), requestedSize);
     }
     if (size)
         *size = image.size();

@@ -22,6 +22,11 @@ namespace velino::ui {
 //                         one-pixel middle, to be stretched with borders of B + R
 //   corner/R/AARRGGBB     a top-left corner cap: the colour outside a quarter circle of
 //                         radius R, for rounding the corners of a view that cannot clip
+//   diagonal/P:AARRGGBB,...   a square of a gradient running from the top-left to the
+//                         bottom-right corner through the stops P (0 to 1), to be stretched
+//                         over a rectangle
+//   rounded/F/NAME        the application image NAME (ui_helpers.h) with its corners cut
+//                         round, of radius F thousandths of its side, at the requested size
 class SurfaceImageProvider : public QQuickImageProvider {
 public:
     static constexpr char kName[] = "velino-surface";
@@ -34,9 +39,19 @@ public:
 // `blur` pixels on each side before blurring.
 QImage shadowImage(int cornerRadius, int blur, const QColor &color);
 QImage cornerCapImage(int radius, const QColor &color);
+struct GradientStopValue {
+    qreal position = 0;
+    QColor color;
+};
+QImage diagonalGradientImage(const QList<GradientStopValue> &stops);
+// Null when the image cannot be read.
+QImage roundedResourceImage(const QString &name, int radiusPermille, const QSize &size);
 
 QUrl shadowImageUrl(int cornerRadius, int blur, const QColor &color);
 QUrl cornerCapImageUrl(int radius, const QColor &color);
+QUrl diagonalGradientImageUrl(const QList<GradientStopValue> &stops);
+// Empty when there is no such application image.
+QUrl roundedImageUrl(const QString &name, int radiusPermille);
 
 // The addresses of these images for QML. Creating the singleton gives its engine the
 // image provider, so any engine that uses the module can draw surfaces.
@@ -51,6 +66,10 @@ public:
     // Sizes are rounded to whole pixels.
     Q_INVOKABLE QUrl shadow(qreal cornerRadius, qreal blur, const QColor &color) const;
     Q_INVOKABLE QUrl cornerCap(qreal radius, const QColor &color) const;
+    // `gradient`: a QML Gradient; an empty address for anything else.
+    Q_INVOKABLE QUrl diagonalGradient(QObject *gradient) const;
+    // The corner radius as a share of the side (0 to 0.5).
+    Q_INVOKABLE QUrl roundedImage(const QString &resourceName, qreal radiusShare) const;
 
 private:
     SurfaceImages() = default;

@@ -1,3 +1,5 @@
+#include "scene_graph_backend.h"
+
 #include <QDir>
 #include <QFile>
 #include <QQmlEngine>
@@ -95,9 +97,10 @@ private:
 
 int main(int argc, char **argv) {
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(configHome()->path()));
-    // As in the program: the web engine is set up before the application object, which
-    // quick_test_main creates.
+    // As in the program: the web engine and the renderer are set up before the application
+    // object, which quick_test_main creates.
     QtWebEngineQuick::initialize();
+    velino::ui::chooseSceneGraphBackend();
     Setup setup;
     return quick_test_main_with_setup(argc, argv, "velino_qml", nullptr, &setup);
 }

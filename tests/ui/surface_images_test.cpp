@@ -48,3 +48,42 @@ TEST(SurfaceImages, ProviderAnswersItsAddresses) {
               QSize(22, 22));
     EXPECT_TRUE(provider.requestImage(QStringLiteral("unknown/1"), &size, QSize()).isNull());
 }
+
+TEST(SurfaceImages, DiagonalGradientRunsFromTheTopLeftToTheBottomRightCorner) {
+    const QColor dark(5, 8, 15);
+    const QColor light(8, 13, 26);
+    const QImage image = diagonalGradientImage({{0.0, dark}, {0.5, light}, {1.0, dark}});
+    ASSERT_FALSE(image.isNull());
+    const int last = image.width() - 1;
+    EXPECT_EQ(QColor(image.pixel(0, 0)), dark);
+    EXPECT_EQ(QColor(image.pixel(last, last)), dark);
+    // The middle stop lies on the other diagonal, where both corners meet.
+    EXPECT_EQ(QColor(image.pixel(last, 0)), light);
+    EXPECT_EQ(QColor(image.pixel(0, last)), light);
+
+    SurfaceImageProvider provider;
+    QSize size;
+    const QUrl url = diagonalGradientImageUrl({{0.0, dark}, {1.0, QColor(0, 0, 0, 128)}});
+    EXPECT_EQ(url.toString(),
+              QStringLiteral("image://velino-surface/diagonal/0:ff05080f,1:80000000"));
+    const QImage served = provider.requestImage(url.toString().section(u'/', 3), &size, QSize());
+    EXPECT_EQ(QColor(served.pixel(0, 0)), dark);
+    EXPECT_EQ(qAlpha(served.pixel(last, last)), 128);
+}
+
+TEST(SurfaceImages, RoundedImageCutsTheCornersOfTheApplicationImage) {
+    const QImage image = roundedResourceImage(QStringLiteral("VelinoLogo"), 290, QSize(124, 124));
+    ASSERT_EQ(image.size(), QSize(124, 124));
+    EXPECT_EQ(qAlpha(image.pixel(0, 0)), 0);
+    EXPECT_EQ(qAlpha(image.pixel(123, 123)), 0);
+    EXPECT_EQ(qAlpha(image.pixel(62, 62)), 255);
+    EXPECT_EQ(qAlpha(image.pixel(62, 1)), 255);
+    // Within the radius (36 px) but inside the arc: kept.
+    EXPECT_EQ(qAlpha(image.pixel(20, 20)), 255);
+
+    EXPECT_TRUE(roundedResourceImage(QStringLiteral("NoSuchImage"), 290, QSize()).isNull());
+    EXPECT_TRUE(roundedResourceImage(QStringLiteral("../VelinoLogo"), 290, QSize()).isNull());
+    EXPECT_EQ(roundedImageUrl(QStringLiteral("VelinoLogo"), 290).toString(),
+              QStringLiteral("image://velino-surface/rounded/290/VelinoLogo"));
+    EXPECT_TRUE(roundedImageUrl(QStringLiteral("NoSuchImage"), 290).isEmpty());
+}

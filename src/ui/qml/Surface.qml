@@ -1,5 +1,4 @@
 import QtQuick
-import Qt5Compat.GraphicalEffects
 import Velino
 
 // A rounded rectangle filled with a colour or an AppTheme gradient (from the top-leading
@@ -59,15 +58,14 @@ Item {
         smooth: true
     }
 
-    // Square corners: the exact diagonal gradient.
-    LinearGradient {
+    // Square corners: the diagonal gradient, an image stretched over the surface.
+    Image {
         objectName: "diagonalFill"
         anchors.fill: parent
         visible: root.hasGradient && !root.roundedGradient
-        start: Qt.point(0, 0)
-        end: Qt.point(width, height)
-        gradient: root.hasGradient ? root.gradient : null
-        cached: true
+        source: visible ? SurfaceImages.diagonalGradient(root.gradient) : ""
+        smooth: true
+        cache: true
     }
 
     Rectangle {
