@@ -17,6 +17,7 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <memory>
 
 namespace velino::ui {
 
@@ -47,7 +48,7 @@ LaunchOptions parseOptions(const QGuiApplication &app) {
                                    QStringLiteral("MS"), QStringLiteral("1500"));
     const QCommandLineOption preset(
         QStringLiteral("preset"),
-        QStringLiteral("Apply the built-in preset KIND (devis, pret, rdv, relance) at start."),
+        QStringLiteral("Apply the built-in preset KIND (devis, pret, rdv, relance) once unlocked."),
         QStringLiteral("KIND"));
     const QCommandLineOption measure(
         QStringLiteral("measure"),
@@ -78,13 +79,28 @@ void attemptUnlock(QQuickWindow *window, const QString &password) {
     lock->unlock();
 }
 
-bool applyPreset(QQuickWindow *window, const QString &id) {
+// The preset is applied (and so saved) only once the window is unlocked: nothing of the
+// saved state changes before the password has been typed.
+bool applyPresetOnUnlock(QQuickWindow *window, const QString &id) {
     auto *controller = window->findChild<WindowController *>();
-    if (!controller || !presetKindFromId(id)) {
+    auto *lock = window->findChild<LockState *>();
+    if (!controller || !lock || !presetKindFromId(id)) {
         std::fprintf(stderr, "velino: unknown preset %s\n", qUtf8Printable(id));
         return false;
     }
-    controller->store()->applyPresetById(id);
+    auto apply = [controller, id] { controller->store()->applyPresetById(id); };
+    if (lock->isUnlocked()) {
+        apply();
+        return true;
+    }
+    auto connection = std::make_shared<QMetaObject::Connection>();
+    *connection = QObject::connect(lock, &LockState::isUnlockedChanged, controller,
+                                   [lock, apply, connection] {
+                                       if (!lock->isUnlocked())
+                                           return;
+                                       QObject::disconnect(*connection);
+                                       apply();
+                                   });
     return true;
 }
 
@@ -129,7 +145,7 @@ int runApplication(QGuiApplication &app) {
     if (!window)
         return 1;
 
-    if (!options.presetId.isEmpty() && !applyPreset(window, options.presetId))
+    if (!options.presetId.isEmpty() && !applyPresetOnUnlock(window, options.presetId))
         return 2;
     if (options.measure)
         new MeasureScenario(window, window);

@@ -8,7 +8,8 @@ namespace velino::ui {
 // engine and the first window; then the event loop. Returns the exit status.
 //
 //   --password TEXT     makes one unlock attempt with TEXT as soon as the window is up
-//   --preset KIND       applies the built-in preset KIND at start, as its tile would
+//   --preset KIND       applies the built-in preset KIND once the window is unlocked, as
+//                       its tile would
 //   --screenshot FILE   saves the window as a PNG once it has settled (the live preview
 //                       loaded, when unlocked), then quits
 //   --screenshot-delay MS   wait before the screenshot (default 1500)
