@@ -97,38 +97,35 @@ TEST_F(OutputTest, CopyHtmlPassesTheConvertersRepresentationsThrough) {
     auto converter = std::make_shared<ScriptedRichText>();
     richText = converter;
     const auto store = makeOutputStore();
-
-    converter->answer = RichTextConversion{QByteArray("{\\rtf1 essai}"), "Texte rendu"};
-    store->copyHTML();
-    ASSERT_EQ(converter->inputs.size(), 1);
-    EXPECT_EQ(converter->inputs.last(), store->generatedHTML().toUtf8());
-    EXPECT_EQ(clipboardContent().html(), store->generatedHTML());
-    EXPECT_EQ(clipboardContent().data(kRtfType), "{\\rtf1 essai}");
-    EXPECT_EQ(clipboardContent().text(), "Texte rendu");
-
-    // The RTF could not be written: only that representation is missing.
-    converter->answer = RichTextConversion{std::nullopt, "Sans RTF"};
-    store->copyHTML();
-    EXPECT_EQ(clipboardContent().html(), store->generatedHTML());
-    EXPECT_FALSE(clipboardContent().hasFormat(kRtfType));
-    EXPECT_EQ(clipboardContent().text(), "Sans RTF");
-    EXPECT_EQ(store->lastAction(), "Mail copie pour Apple Mail.");
-}
-
-TEST_F(OutputTest, FailedHtmlImportLeavesTheDocumentAndTheTextVersion) {
-    auto converter = std::make_shared<ScriptedRichText>(); // answers nothing
-    richText = converter;
-    const auto store = makeOutputStore();
     store->setDataField("mailBody", "Le diagnostic est termine.");
-    store->copyHTML();
-    ASSERT_FALSE(converter->inputs.isEmpty());
-    EXPECT_EQ(converter->inputs.last(), store->generatedHTML().toUtf8());
-    EXPECT_TRUE(store->generatedHTML().contains("Le diagnostic est termine."));
-    EXPECT_EQ(clipboardContent().html(), store->generatedHTML());
-    EXPECT_FALSE(clipboardContent().hasFormat(kRtfType));
-    EXPECT_EQ(clipboardContent().text(), store->generatedText());
-    EXPECT_EQ(store->lastAction(), "Mail copie pour Apple Mail.");
-    EXPECT_EQ(log->count("clipboard"), 1);
+    struct Case {
+        std::optional<RichTextConversion> answer;
+        std::optional<QByteArray> rtf;
+        QString text; // empty: the text version
+    };
+    const Case cases[] = {
+        {RichTextConversion{QByteArray("{\\rtf1 essai}"), "Texte rendu"}, "{\\rtf1 essai}",
+         "Texte rendu"},
+        // The RTF could not be written: only that representation is missing.
+        {RichTextConversion{std::nullopt, "Sans RTF"}, std::nullopt, "Sans RTF"},
+        // The HTML could not be imported: the document and the text version are left.
+        {std::nullopt, std::nullopt, {}},
+    };
+    for (const Case &c : cases) {
+        converter->answer = c.answer;
+        store->copyHTML();
+        EXPECT_EQ(converter->inputs.last(), store->generatedHTML().toUtf8());
+        EXPECT_TRUE(store->generatedHTML().contains("Le diagnostic est termine."));
+        EXPECT_EQ(clipboardContent().html(), store->generatedHTML());
+        EXPECT_EQ(clipboardContent().hasFormat(kRtfType), c.rtf.has_value());
+        if (c.rtf) {
+            EXPECT_EQ(clipboardContent().data(kRtfType), *c.rtf);
+        }
+        EXPECT_EQ(clipboardContent().text(), c.text.isEmpty() ? store->generatedText() : c.text);
+        EXPECT_EQ(store->lastAction(), "Mail copie pour Apple Mail.");
+    }
+    EXPECT_EQ(converter->inputs.size(), 3);
+    EXPECT_EQ(log->count("clipboard"), 3);
 }
 
 TEST_F(OutputTest, BlankAndHostileRecordsAreCopiedLikeAnyOther) {

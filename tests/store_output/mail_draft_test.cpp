@@ -1,5 +1,7 @@
 #include "output_fixture.h"
 
+#include "mail_draft_script.h"
+
 using namespace velino;
 using velino::test::OutputTest;
 
@@ -10,15 +12,6 @@ const QString kFallbackAlert = QStringLiteral(
     "ouvert avec l'objet et le destinataire, et le contenu complet a ete copie dans le "
     "presse-papiers.");
 const QString kFallbackAction = QStringLiteral("Mail ouvert en mode secours.");
-
-DraftFailure failureOf(bool notPrepared, std::optional<QString> message,
-                       std::optional<int> number) {
-    DraftFailure failure;
-    failure.notPrepared = notPrepared;
-    failure.message = std::move(message);
-    failure.number = number;
-    return failure;
-}
 
 } // namespace
 
@@ -46,7 +39,8 @@ protected:
 };
 
 TEST_F(MailDraftTest, DraftCreatedInTheMailApplication) {
-    const auto store = storeWith(" client@example.com \n", "atelier@korvel.example");
+    const auto store =
+        storeWith(" client@example.com \n", QString::fromUtf16(u"\u00A0atelier@korvel.example "));
     putOtherTextOnClipboard();
     store->openAppleMailDraft();
 
@@ -59,96 +53,80 @@ TEST_F(MailDraftTest, DraftCreatedInTheMailApplication) {
     EXPECT_EQ(draft.recipient, "client@example.com");
     EXPECT_EQ(draft.sender, "atelier@korvel.example");
     EXPECT_EQ(draft.html, store->generatedHTML());
+    EXPECT_EQ(draft.script, mailDraftScript("Devis pret", "client@example.com",
+                                            "atelier@korvel.example", store->generatedHTML()));
     EXPECT_EQ(clipboardContent().text(), "autre contenu");
     EXPECT_TRUE(opener->opened.isEmpty());
     EXPECT_TRUE(shownAlerts->shown.isEmpty());
 }
 
-TEST_F(MailDraftTest, MissingRecipientCopiesThenOpensALinkWithoutAddress) {
-    const auto store = storeWith("   ", "");
-    store->openAppleMailDraft();
-
-    // The mail application is not even looked for.
-    EXPECT_EQ(*log, QStringList({"clipboard", "openUrl: mailto:?subject=Devis%20pret",
-                                 "lastAction: " + kFallbackAction, "alert: " + kFallbackAlert}));
-    EXPECT_EQ(store->lastAction(), kFallbackAction);
-    expectRichCopyOf(*store);
-}
-
-TEST_F(MailDraftTest, RefusedFallbackShowsTheBridgesMessageAndKeepsTheLastAction) {
-    opener->accepts = false;
-    const QList<std::pair<QString, QString>> cases = {
-        {"", "Renseigne l'email du client avant l'envoi."},
-        {"client@example.com", "Renseigne l'email expediteur avant l'envoi."}};
-    for (const auto &[recipient, message] : cases) {
-        const auto store = storeWith(recipient, " ");
-        store->openAppleMailDraft();
-        const QString link = recipient.isEmpty()
-                                 ? QStringLiteral("mailto:?subject=Devis%20pret")
-                                 : QStringLiteral("mailto:client@example.com?subject=Devis%20pret");
-        EXPECT_EQ(*log, QStringList({"clipboard", "openUrl: " + link, "alert: " + message}));
-        EXPECT_EQ(store->lastAction(), "Application prete.");
-        expectRichCopyOf(*store);
-    }
-}
-
-TEST_F(MailDraftTest, NoMailApplicationEndsInTheFallback) {
-    mailApp->installed = false;
-    const auto store = storeWith("client@example.com", "atelier@korvel.example");
-    store->openAppleMailDraft();
-    EXPECT_EQ(*log, QStringList({"findApplication", "clipboard",
-                                 "openUrl: mailto:client@example.com?subject=Devis%20pret",
-                                 "lastAction: " + kFallbackAction, "alert: " + kFallbackAlert}));
-    expectRichCopyOf(*store);
-
-    opener->accepts = false;
-    log->clear();
-    store->copySubject();
-    store->openAppleMailDraft();
-    EXPECT_EQ(shownAlerts->shown.last(), "Apple Mail est introuvable sur ce Mac.");
-    EXPECT_EQ(store->lastAction(), "Objet copie.");
-    EXPECT_TRUE(mailApp->drafts.isEmpty());
-}
-
-TEST_F(MailDraftTest, MailApplicationFailuresEndInTheFallbackOrTheirOwnMessage) {
+// Whatever stops the draft, the content is copied and a plain new mail is opened; when even
+// that link is refused, the reason is shown instead and the last action stays.
+TEST_F(MailDraftTest, EveryFailureEndsInTheFallbackOrItsOwnMessage) {
+    const QString blank = QString::fromUtf16(u" \t\u00A0\n");
     const QString permission = QStringLiteral(
         "Apple Mail n'a pas pu creer le brouillon automatiquement. Verifie l'autorisation "
         "Automation de Velino dans Reglages Systeme > Confidentialite et securite.");
+    const QStringList draftRun{"findApplication", "launchApplication", "runDraft"};
     struct Case {
-        DraftFailure failure;
+        const char *what;
+        QString recipient;
+        QString sender;
+        bool installed;
+        std::optional<DraftFailure> failure;
+        QStringList before; // the calls before the copy
         QString message;
     };
-    QList<Case> cases;
-    cases.append({failureOf(false, QStringLiteral("  Mail a refuse le brouillon.\n"), 1743),
-                  QStringLiteral("Mail a refuse le brouillon.")});
-    cases.append({failureOf(false, QStringLiteral(" "), 42), permission});
-    cases.append({failureOf(false, std::nullopt, std::nullopt), permission});
-    cases.append({failureOf(true, QStringLiteral("ignore"), 7),
-                  QStringLiteral("Impossible de preparer le pont Apple Mail dans cette app.")});
+    const Case cases[] = {
+        // The mail application is not even looked for.
+        {"no recipient", blank, blank, true, {}, {}, "Renseigne l'email du client avant l'envoi."},
+        {"no sender",
+         "client@example.com",
+         blank,
+         true,
+         {},
+         {},
+         "Renseigne l'email expediteur avant l'envoi."},
+        {"no mail application",
+         "client@example.com",
+         "atelier@korvel.example",
+         false,
+         {},
+         {"findApplication"},
+         "Apple Mail est introuvable sur ce Mac."},
+        {"refused with a message", "client@example.com", "atelier@korvel.example", true,
+         DraftFailure{false, "  Mail a refuse le brouillon.\n", 1743}, draftRun,
+         "Mail a refuse le brouillon."},
+        {"blank message", "client@example.com", "atelier@korvel.example", true,
+         DraftFailure{false, " ", 42}, draftRun, permission},
+        {"no message", "client@example.com", "atelier@korvel.example", true,
+         DraftFailure{false, {}, {}}, draftRun, permission},
+        {"not prepared", "client@example.com", "atelier@korvel.example", true,
+         DraftFailure{true, "ignore", 7}, draftRun,
+         "Impossible de preparer le pont Apple Mail dans cette app."},
+    };
     for (const Case &c : cases) {
+        mailApp->installed = c.installed;
         mailApp->failure = c.failure;
-        const std::string label = c.message.toStdString();
-
-        opener->accepts = true;
-        auto store = storeWith("client@example.com", "atelier@korvel.example");
-        store->openAppleMailDraft();
-        EXPECT_EQ(*log,
-                  QStringList({"findApplication", "launchApplication", "runDraft", "clipboard",
-                               "openUrl: mailto:client@example.com?subject=Devis%20pret",
-                               "lastAction: " + kFallbackAction, "alert: " + kFallbackAlert}))
-            << label;
-        expectRichCopyOf(*store);
-
-        opener->accepts = false;
-        store = storeWith("client@example.com", "atelier@korvel.example");
-        store->openAppleMailDraft();
-        EXPECT_EQ(
-            log->mid(3),
-            QStringList({"clipboard", "openUrl: mailto:client@example.com?subject=Devis%20pret",
-                         "alert: " + c.message}))
-            << label;
-        EXPECT_EQ(store->lastAction(), "Application prete.") << label;
+        const QString link =
+            c.recipient == blank
+                ? QStringLiteral("openUrl: mailto:?subject=Devis%20pret")
+                : QStringLiteral("openUrl: mailto:client@example.com?subject=Devis%20pret");
+        for (const bool opens : {true, false}) {
+            opener->accepts = opens;
+            const auto store = storeWith(c.recipient, c.sender);
+            store->openAppleMailDraft();
+            const QStringList after =
+                opens ? QStringList{"lastAction: " + kFallbackAction, "alert: " + kFallbackAlert}
+                      : QStringList{"alert: " + c.message};
+            EXPECT_EQ(*log, (c.before + QStringList{"clipboard", link} + after))
+                << c.what << (opens ? "" : ", link refused");
+            EXPECT_EQ(store->lastAction(), opens ? kFallbackAction : "Application prete.")
+                << c.what;
+            expectRichCopyOf(*store);
+        }
     }
+    EXPECT_EQ(mailApp->drafts.size(), 8);
 }
 
 TEST_F(MailDraftTest, FallbackCopyFollowsTheImportFailureRule) {

@@ -22,62 +22,54 @@ using EventLog = std::shared_ptr<QStringList>;
 // The real clipboard, with each item handed to it noted in the log.
 class LoggedClipboard final : public Clipboard {
 public:
-    explicit LoggedClipboard(EventLog log) : log_(std::move(log)) {}
+    explicit LoggedClipboard(EventLog log) : log(std::move(log)) {}
     void setItem(const ClipboardItem &item) override {
-        log_->append(QStringLiteral("clipboard"));
-        real_.setItem(item);
+        log->append(QStringLiteral("clipboard"));
+        real.setItem(item);
     }
-
-private:
-    EventLog log_;
-    QtClipboard real_;
+    EventLog log;
+    QtClipboard real;
 };
 
 // Answers with the prepared location, or cancels when there is none.
 class FakeSaveDialog final : public SaveDialog {
 public:
-    explicit FakeSaveDialog(EventLog log) : log_(std::move(log)) {}
+    explicit FakeSaveDialog(EventLog log) : log(std::move(log)) {}
     std::optional<QString> askSaveLocation(const QString &title,
                                            const QString &suggestedName) override {
-        log_->append(QStringLiteral("saveDialog"));
+        log->append(QStringLiteral("saveDialog"));
         titles.append(title);
         suggestedNames.append(suggestedName);
         return answer;
     }
+    EventLog log;
     std::optional<QString> answer;
     QStringList titles;
     QStringList suggestedNames;
-
-private:
-    EventLog log_;
 };
 
 class LoggedAlerts final : public AlertPresenter {
 public:
-    explicit LoggedAlerts(EventLog log) : log_(std::move(log)) {}
+    explicit LoggedAlerts(EventLog log) : log(std::move(log)) {}
     void showWarning(const QString &informativeText) override {
-        log_->append(QStringLiteral("alert: ") + informativeText);
+        log->append(QStringLiteral("alert: ") + informativeText);
         shown.append(informativeText);
     }
+    EventLog log;
     QStringList shown;
-
-private:
-    EventLog log_;
 };
 
 class FakeUrlOpener final : public UrlOpener {
 public:
-    explicit FakeUrlOpener(EventLog log) : log_(std::move(log)) {}
+    explicit FakeUrlOpener(EventLog log) : log(std::move(log)) {}
     bool openUrl(const QUrl &url) override {
-        log_->append(QStringLiteral("openUrl: ") + QString::fromUtf8(url.toEncoded()));
+        log->append(QStringLiteral("openUrl: ") + QString::fromUtf8(url.toEncoded()));
         opened.append(url);
         return accepts;
     }
+    EventLog log;
     bool accepts = true;
     QList<QUrl> opened;
-
-private:
-    EventLog log_;
 };
 
 // What the mail application does, as the test prepares it, and what it was asked.
@@ -90,21 +82,19 @@ struct MailAppScript {
 class FakeMailApp final : public MailAppExecutor {
 public:
     FakeMailApp(std::shared_ptr<MailAppScript> script, EventLog log)
-        : script_(std::move(script)), log_(std::move(log)) {}
+        : script(std::move(script)), log(std::move(log)) {}
     bool findApplication() override {
-        log_->append(QStringLiteral("findApplication"));
-        return script_->installed;
+        log->append(QStringLiteral("findApplication"));
+        return script->installed;
     }
-    void launchApplication() override { log_->append(QStringLiteral("launchApplication")); }
+    void launchApplication() override { log->append(QStringLiteral("launchApplication")); }
     std::optional<DraftFailure> runDraft(const MailDraft &draft) override {
-        log_->append(QStringLiteral("runDraft"));
-        script_->drafts.append(draft);
-        return script_->failure;
+        log->append(QStringLiteral("runDraft"));
+        script->drafts.append(draft);
+        return script->failure;
     }
-
-private:
-    std::shared_ptr<MailAppScript> script_;
-    EventLog log_;
+    std::shared_ptr<MailAppScript> script;
+    EventLog log;
 };
 
 // A converter with a prepared answer (nothing: the HTML cannot be imported); it keeps the

@@ -1,6 +1,8 @@
 #include "identifiers.h"
 #include "store_sync_fixture.h"
 
+#include <functional>
+
 using namespace velino;
 using namespace velino::test;
 
@@ -35,7 +37,7 @@ TEST_F(StoreSyncTest, PullReplacesOnlyThePresetAndTheContentThenSaves) {
     const QJsonObject otherPreset = phonePreset("2026-05-01T09:00:00Z", "2026-05-02T09:00:00Z");
     payload[u"customPresets"] = QJsonArray{otherPreset};
     payload[u"activeCustomPresetID"] = otherPreset[u"id"];
-    answerWith(TestHttpAnswer::json(200, downloadBody(true, "2026-06-05T08:15:00Z", payload)));
+    answerJson(compact(downloadAnswer(payload)));
 
     QSignalSpy saves(store.get(), &ComposerStore::saveStatusChanged);
     QSignalSpy regenerations(store.get(), &ComposerStore::generatedHTMLChanged);
@@ -110,8 +112,6 @@ TEST_F(StoreSyncTest, PullAppliesEveryWellFormedSnapshot) {
              p[u"version"] = 7;
              p[u"futur"] = QJsonObject{{"a", 1}};
          }},
-        {"snapshot time with fractional seconds", "pret", PresetKind::Pret,
-         "2026-06-05T08:15:00.500Z", "2026-06-05T08:15:00.500Z", [](QJsonObject &) {}},
     };
     int n = 0;
     for (const Case &c : cases) {
@@ -119,7 +119,7 @@ TEST_F(StoreSyncTest, PullAppliesEveryWellFormedSnapshot) {
             defaultWith(u"recipientName", QStringLiteral("Client %1").arg(++n));
         QJsonObject payload = phonePayload(c.preset, data);
         c.adjust(payload);
-        answerWith(TestHttpAnswer::json(200, downloadBody(c.ok, c.snapshotTime, payload)));
+        answerJson(compact(downloadAnswer(payload, c.snapshotTime, c.ok)));
         store->pullFromWeb();
         ASSERT_TRUE(waitForIdle(*store)) << c.what;
         EXPECT_EQ(store->syncStatus(), prefix + c.shown) << c.what;
@@ -131,79 +131,110 @@ TEST_F(StoreSyncTest, PullAppliesEveryWellFormedSnapshot) {
     EXPECT_TRUE(alerts->shown.isEmpty()) << alerts->shown.join(u'|').toStdString();
 }
 
-TEST_F(StoreSyncTest, PullAppliesNothingFromASnapshotThatDoesNotDecode) {
-    const auto store = makeSyncStore();
-    store->setDataField("recipientName", "Client du poste");
-    wait(ComposerStore::kDebounceMilliseconds + 100);
-    const MailComposerData before = store->data();
-    const QByteArray savedBefore = savedBytes();
-    const QString lastAction = store->lastAction();
-    const MailComposerData phoneData = defaultWith(u"recipientName", "Lea Martin");
+namespace {
 
+using Edit = std::function<void(QJsonObject &)>;
+
+// The same edit, made to the payload inside a download answer.
+Edit inPayload(const Edit &edit) {
+    return [edit](QJsonObject &answer) {
+        QJsonObject snapshot = answer[u"snapshot"].toObject();
+        QJsonObject payload = snapshot[u"payload"].toObject();
+        edit(payload);
+        snapshot[u"payload"] = payload;
+        answer[u"snapshot"] = snapshot;
+    };
+}
+
+// One saved preset in the payload, with the given timestamp texts.
+Edit withPresetTimes(const QString &createdAt, const QString &updatedAt) {
+    return inPayload([=](QJsonObject &p) {
+        p[u"customPresets"] = QJsonArray{phonePreset(createdAt, updatedAt)};
+    });
+}
+
+QString badDate(const char *key, const char *text) {
+    return QStringLiteral("date invalide pour la cle snapshot.payload.customPresets[0].%1 : "
+                          "\"%2\" (forme aaaa-mm-jjThh:mm:ssZ attendue)")
+        .arg(QLatin1String(key), QLatin1String(text));
+}
+
+QString wrongType(const char *key, const char *expected) {
+    return QStringLiteral("type incorrect pour la cle %1 : %2")
+        .arg(QLatin1String(key), QLatin1String(expected));
+}
+
+} // namespace
+
+TEST_F(StoreSyncTest, PullAppliesNothingFromASnapshotThatDoesNotDecode) {
+    const auto store = makeSettledStore(syncServices());
+    const QJsonObject good =
+        downloadAnswer(phonePayload("relance", defaultWith(u"recipientName", "Lea Martin")));
     struct Case {
-        const char *what;
-        std::function<void(QJsonObject &payload)> adjust;
+        Edit edit;
+        QString shown;
     };
     const Case cases[] = {
-        {"preset times with fractional seconds",
-         [](QJsonObject &p) {
-             p[u"customPresets"] =
-                 QJsonArray{phonePreset("2026-05-01T09:00:00.250Z", "2026-05-01T09:00:00Z")};
-         }},
-        {"preset time without a zone",
-         [](QJsonObject &p) {
-             p[u"customPresets"] =
-                 QJsonArray{phonePreset("2026-05-01T09:00:00Z", "2026-05-01T09:00:00")};
-         }},
-        {"no draft name", [](QJsonObject &p) { p.remove("customPresetDraftName"); }},
-        {"no preset list", [](QJsonObject &p) { p.remove("customPresets"); }},
-        {"null source", [](QJsonObject &p) { p[u"source"] = QJsonValue::Null; }},
-        {"unknown preset", [](QJsonObject &p) { p[u"activePreset"] = "promo"; }},
-        {"content missing a field",
-         [](QJsonObject &p) {
+        {withPresetTimes("2026-05-01T09:00:00.250Z", "2026-05-01T09:00:00Z"),
+         badDate("createdAt", "2026-05-01T09:00:00.250Z")},
+        {withPresetTimes("2026-05-01T09:00:00Z", "2026-05-01T09:00:00"),
+         badDate("updatedAt", "2026-05-01T09:00:00")},
+        {withPresetTimes("2026-06-05", "2026-05-01T09:00:00Z"), badDate("createdAt", "2026-06-05")},
+        {withPresetTimes("788918400", "2026-05-01T09:00:00Z"), badDate("createdAt", "788918400")},
+        {inPayload([](QJsonObject &p) { p.remove("customPresetDraftName"); }),
+         "cle manquante : snapshot.payload.customPresetDraftName"},
+        {inPayload([](QJsonObject &p) { p.remove("customPresets"); }),
+         "cle manquante : snapshot.payload.customPresets"},
+        {inPayload([](QJsonObject &p) { p[u"source"] = QJsonValue::Null; }),
+         "valeur null pour la cle snapshot.payload.source"},
+        {inPayload([](QJsonObject &p) { p[u"schema"] = QJsonValue::Null; }),
+         "valeur null pour la cle snapshot.payload.schema"},
+        {inPayload([](QJsonObject &p) { p[u"activePreset"] = "promo"; }),
+         "preset inconnu pour la cle snapshot.payload.activePreset : \"promo\""},
+        {inPayload([](QJsonObject &p) {
              QJsonObject data = p[u"data"].toObject();
              data.remove("footerNote");
              p[u"data"] = data;
-         }},
-        {"version as text", [](QJsonObject &p) { p[u"version"] = "1"; }},
-        {"active saved preset not a UUID",
-         [](QJsonObject &p) { p[u"activeCustomPresetID"] = "pas-un-uuid"; }},
+         }),
+         "cle manquante : snapshot.payload.data.footerNote"},
+        {inPayload([](QJsonObject &p) { p[u"version"] = "1"; }),
+         wrongType("snapshot.payload.version", "nombre entier attendu, texte trouve")},
+        {inPayload([](QJsonObject &p) { p[u"version"] = 1.5; }),
+         wrongType("snapshot.payload.version", "nombre entier attendu")},
+        {inPayload([](QJsonObject &p) { p[u"customPresets"] = QJsonArray{"x"}; }),
+         wrongType("snapshot.payload.customPresets[0]", "objet attendu, texte trouve")},
+        {inPayload([](QJsonObject &p) { p[u"source"] = 2; }),
+         wrongType("snapshot.payload.source", "texte attendu, nombre trouve")},
+        {inPayload([](QJsonObject &p) { p[u"activeCustomPresetID"] = "pas-un-uuid"; }),
+         "UUID invalide pour la cle snapshot.payload.activeCustomPresetID : \"pas-un-uuid\""},
+        {inPayload([](QJsonObject &p) { p[u"activeCustomPresetID"] = true; }),
+         wrongType("snapshot.payload.activeCustomPresetID", "texte attendu, booleen trouve")},
+        // The snapshot and the answer around it are just as strict.
+        {[](QJsonObject &a) { a.remove("ok"); }, "cle manquante : ok"},
+        {[](QJsonObject &a) { a[u"ok"] = "true"; },
+         wrongType("ok", "booleen attendu, texte trouve")},
+        {[](QJsonObject &a) { a.remove("snapshot"); }, "cle manquante : snapshot"},
+        {[](QJsonObject &a) { a[u"snapshot"] = QJsonValue::Null; },
+         "valeur null pour la cle snapshot"},
+        {[](QJsonObject &a) {
+             a[u"snapshot"] =
+                 QJsonObject{{"updatedAt", 12}, {"payload", a.value(u"snapshot")[u"payload"]}};
+         },
+         wrongType("snapshot.updatedAt", "texte attendu, nombre trouve")},
     };
     for (const Case &c : cases) {
-        QJsonObject payload = phonePayload("relance", phoneData);
-        c.adjust(payload);
-        answerWith(TestHttpAnswer::json(200, downloadBody(true, "2026-06-05T08:15:00Z", payload)));
-        const qsizetype alertsBefore = alerts->shown.size();
-        store->pullFromWeb();
-        ASSERT_TRUE(waitForIdle(*store)) << c.what;
-        ASSERT_EQ(alerts->shown.size(), alertsBefore + 1) << c.what;
-        EXPECT_EQ(store->syncStatus(), alerts->shown.last()) << c.what;
-        EXPECT_FALSE(store->syncStatus().isEmpty()) << c.what;
-        EXPECT_FALSE(store->syncStatus().startsWith("Brouillon")) << c.what;
-        EXPECT_EQ(store->lastAction(), lastAction) << c.what;
-        EXPECT_EQ(store->activePreset(), PresetKind::Devis) << c.what;
-        EXPECT_TRUE(store->data() == before) << c.what;
-        EXPECT_EQ(savedBytes(), savedBefore) << c.what;
+        QJsonObject answer = good;
+        c.edit(answer);
+        answerJson(compact(answer));
+        EXPECT_EQ(failureOf(*store, pull, c.shown.toStdString()), c.shown);
     }
 
-    // The snapshot and the answer around it are just as strict.
-    const QByteArray wholeAnswers[] = {
-        R"({"snapshot":{"updatedAt":"2026-06-05T08:15:00Z","payload":{}}})",
-        R"({"ok":true})",
-        R"({"ok":"true","snapshot":null})",
-        R"({"ok":true,"snapshot":{"updatedAt":12,"payload":{}}})",
-        R"([1,2,3])",
-        "",
-    };
-    for (const QByteArray &answer : wholeAnswers) {
-        answerWith(TestHttpAnswer::json(200, answer));
-        store->pullFromWeb();
-        ASSERT_TRUE(waitForIdle(*store)) << answer.toStdString();
-        EXPECT_EQ(store->syncStatus(), alerts->shown.last()) << answer.toStdString();
-        EXPECT_FALSE(store->syncStatus().startsWith("Brouillon")) << answer.toStdString();
-        EXPECT_TRUE(store->data() == before) << answer.toStdString();
-        EXPECT_EQ(savedBytes(), savedBefore) << answer.toStdString();
+    answerJson("[1,2,3]");
+    EXPECT_EQ(failureOf(*store, pull, "array"), "JSON invalide : un objet est attendu");
+    for (const QByteArray &body : {QByteArray(), QByteArray("{\"ok\":tr\xff}")}) {
+        answerJson(body);
+        const QString shown = failureOf(*store, pull, body.toStdString());
+        EXPECT_TRUE(shown.startsWith("JSON invalide")) << shown.toStdString();
     }
-    EXPECT_EQ(alerts->shown.size(), std::size(cases) + std::size(wholeAnswers));
-    EXPECT_EQ(store->lastAction(), lastAction);
+    EXPECT_EQ(alerts->shown.size(), std::size(cases) + 3);
 }

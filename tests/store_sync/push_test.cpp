@@ -16,6 +16,7 @@ TEST_F(StoreSyncTest, PushSendsTheStateAsItWasWhenTheButtonWasPressed) {
     store->setDataField("recipientName", "Lea Martin");
     const MailComposerData pressed = store->data();
     const QString lastAction = store->lastAction();
+    clock->advance(0.75); // the fraction of a second is not sent
 
     std::optional<bool> syncingDuringRequest;
     server->setHandler([&](const TestHttpRequest &) {
@@ -24,7 +25,7 @@ TEST_F(StoreSyncTest, PushSendsTheStateAsItWasWhenTheButtonWasPressed) {
         store->setDataField("subject", "Modifie pendant l'envoi");
         store->setActivePreset(PresetKind::Rdv);
         clock->advance(3600);
-        return TestHttpAnswer::json(200, uploadBody("2026-06-05T08:15:00Z"));
+        return TestHttpAnswer::json(200, uploadBody(kAnswerTime));
     });
     QList<bool> syncing;
     QObject::connect(store.get(), &ComposerStore::isSyncingChanged,
@@ -57,6 +58,8 @@ TEST_F(StoreSyncTest, PushSendsTheStateAsItWasWhenTheButtonWasPressed) {
     EXPECT_EQ(request.target, "/api/velino-sync");
     EXPECT_EQ(request.header("Content-Type"), "application/json");
     EXPECT_EQ(request.header("Accept"), "application/json");
+    EXPECT_FALSE(request.body.contains('\n') || request.body.contains("\": "))
+        << request.body.toStdString();
 
     const QJsonObject upload = bodyObject(request);
     EXPECT_EQ(upload.keys(), QStringList({"code", "payload"})) << request.body.toStdString();
@@ -92,7 +95,7 @@ TEST_F(StoreSyncTest, PushShowsTheAnswerTimeInTheUsersZoneOrTheTextAsItCame) {
         QString shown;
     };
     const Case cases[] = {
-        {uploadBody("2026-06-05T08:15:00Z"), "10:15"},
+        {uploadBody(kAnswerTime), "10:15"},
         // Winter time, and the next day in Paris.
         {uploadBody("2026-01-15T23:30:00Z"), "00:30"},
         {uploadBody("2026-06-05T08:15:00+02:00"), "08:15"},
@@ -104,7 +107,7 @@ TEST_F(StoreSyncTest, PushShowsTheAnswerTimeInTheUsersZoneOrTheTextAsItCame) {
         {R"({"extra":[1,2],"updatedAt":"2026-06-05T18:05:00Z","ok":true})", "20:05"},
     };
     for (const Case &c : cases) {
-        answerWith(TestHttpAnswer::json(200, c.answer));
+        answerJson(c.answer);
         store->pushToWeb();
         ASSERT_TRUE(waitForIdle(*store)) << c.answer.toStdString();
         EXPECT_EQ(store->syncStatus(), prefix + c.shown) << c.answer.toStdString();

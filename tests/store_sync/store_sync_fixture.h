@@ -9,6 +9,7 @@
 #include <QSignalSpy>
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -16,17 +17,15 @@ namespace velino::test {
 
 inline constexpr std::chrono::seconds kSyncWait{15};
 inline constexpr auto kSyncCode = "AB12-CD34EF56GH78";
+inline constexpr auto kAnswerTime = "2026-06-05T08:15:00Z"; // 10:15 in Paris
 
 // A store talking to a real HTTPS server on 127.0.0.1, whose certificate comes from an
 // authority made for this run and trusted through the store's services only.
 class StoreSyncTest : public StoreTest {
 protected:
     static void SetUpTestSuite() {
-        if (identity_)
-            return;
-        QString error;
-        identity_ = TestTlsIdentity::generate(&error);
-        identityError_ = error;
+        if (!identity_)
+            identity_ = TestTlsIdentity::generate(&identityError_);
     }
 
     void SetUp() override {
@@ -44,9 +43,23 @@ protected:
         return s;
     }
 
-    std::unique_ptr<ComposerStore> makeSyncStore() {
-        auto store = std::make_unique<ComposerStore>(syncServices());
+    std::unique_ptr<ComposerStore> makeSyncStore(const StoreServices &services) {
+        auto store = std::make_unique<ComposerStore>(services);
         store->setSyncCode(QString::fromLatin1(kSyncCode));
+        return store;
+    }
+    std::unique_ptr<ComposerStore> makeSyncStore() { return makeSyncStore(syncServices()); }
+
+    // A store with content of its own, saved: its next save writes the same bytes.
+    std::unique_ptr<ComposerStore> makeSettledStore(const StoreServices &services) {
+        auto store = makeSyncStore(services);
+        store->setActivePreset(PresetKind::Rdv);
+        store->setDataField("recipientName", "Client du poste");
+        EXPECT_TRUE(waitUntil(
+            [&] {
+                return savedDocument()[u"data"][u"recipientName"].toString() == "Client du poste";
+            },
+            kSyncWait));
         return store;
     }
 
@@ -55,9 +68,36 @@ protected:
         return waitUntil([&] { return !store.isSyncing(); }, kSyncWait);
     }
 
+    // Runs a push or pull to its end and returns the text shown, after checking that the
+    // answer came later, that the text is shown alike in the status and the alert and that
+    // nothing else moved.
+    QString failureOf(ComposerStore &store, void (ComposerStore::*operation)(),
+                      const std::string &what) {
+        const PresetKind preset = store.activePreset();
+        const MailComposerData data = store.data();
+        const QString lastAction = store.lastAction();
+        const QByteArray saved = savedBytes();
+        const qsizetype alertsBefore = alerts->shown.size();
+        (store.*operation)();
+        EXPECT_TRUE(store.isSyncing()) << what;
+        EXPECT_TRUE(waitForIdle(store)) << what;
+        EXPECT_EQ(alerts->shown.size(), alertsBefore + 1) << what;
+        if (alerts->shown.size() != alertsBefore + 1)
+            return QStringLiteral("(no alert)");
+        EXPECT_EQ(store.syncStatus(), alerts->shown.last()) << what;
+        EXPECT_EQ(store.lastAction(), lastAction) << what;
+        EXPECT_EQ(store.activePreset(), preset) << what;
+        EXPECT_TRUE(store.data() == data) << what;
+        EXPECT_EQ(savedBytes(), saved) << what;
+        return store.syncStatus();
+    }
+    static constexpr auto push = &ComposerStore::pushToWeb;
+    static constexpr auto pull = &ComposerStore::pullFromWeb;
+
     void answerWith(const TestHttpAnswer &answer) {
         server->setHandler([answer](const TestHttpRequest &) { return answer; });
     }
+    void answerJson(const QByteArray &body) { answerWith(TestHttpAnswer::json(200, body)); }
 
     // The JSON object of a request body, or an empty object when it is not one.
     static QJsonObject bodyObject(const TestHttpRequest &request) {
@@ -78,17 +118,20 @@ protected:
         };
     }
 
-    static QByteArray downloadBody(const QJsonValue &ok, const QString &snapshotUpdatedAt,
-                                   const QJsonObject &payload) {
-        const QJsonObject answer{
+    static QJsonObject downloadAnswer(const QJsonObject &payload,
+                                      const QString &snapshotUpdatedAt = kAnswerTime,
+                                      const QJsonValue &ok = true) {
+        return QJsonObject{
             {"ok", ok},
             {"snapshot", QJsonObject{{"updatedAt", snapshotUpdatedAt}, {"payload", payload}}}};
-        return QJsonDocument(answer).toJson(QJsonDocument::Compact);
+    }
+
+    static QByteArray compact(const QJsonObject &object) {
+        return QJsonDocument(object).toJson(QJsonDocument::Compact);
     }
 
     static QByteArray uploadBody(const QString &updatedAt) {
-        return QJsonDocument(QJsonObject{{"ok", true}, {"updatedAt", updatedAt}})
-            .toJson(QJsonDocument::Compact);
+        return compact(QJsonObject{{"ok", true}, {"updatedAt", updatedAt}});
     }
 
     std::unique_ptr<HttpsTestServer> server;

@@ -1,10 +1,9 @@
 #include "store_sync_fixture.h"
+#include "sync_transport.h"
 
 #include <QEventLoop>
 #include <QPointer>
 #include <QTimer>
-
-#include <functional>
 
 using namespace velino;
 using namespace velino::test;
@@ -12,66 +11,21 @@ using namespace std::chrono_literals;
 
 namespace {
 
-const QByteArray kTooLarge = "{\"error\":\"" + QByteArray(9 * 1024 * 1024, 'x') + "\"}";
+const QString kTooLargeText = "Reponse de synchronisation trop volumineuse (plus de 8 Mo).";
+const QString kTimedOutText = "Delai de synchronisation depasse : le serveur ne repond pas.";
 
-// What must hold after any failed push or pull.
-struct StateBefore {
-    PresetKind activePreset;
-    MailComposerData data;
-    QString lastAction;
-    QByteArray saved;
-    qsizetype alerts;
-};
+// A JSON body padded with spaces to the given size.
+QByteArray paddedTo(QByteArray body, qint64 size) {
+    return body + QByteArray(size - body.size(), ' ');
+}
 
 } // namespace
 
-class StoreSyncFailureTest : public StoreSyncTest {
-protected:
-    // A store with content of its own, settled: its next save writes the same bytes.
-    std::unique_ptr<ComposerStore> makeSettledStore(const StoreServices &services) {
-        auto store = std::make_unique<ComposerStore>(services);
-        store->setSyncCode(QString::fromLatin1(kSyncCode));
-        store->setActivePreset(PresetKind::Rdv);
-        store->setDataField("recipientName", "Client du poste");
-        wait(ComposerStore::kDebounceMilliseconds + 100);
-        return store;
-    }
-
-    StateBefore stateOf(const ComposerStore &store) const {
-        return {store.activePreset(), store.data(), store.lastAction(), savedBytes(),
-                alerts->shown.size()};
-    }
-
-    // Runs the operation to its end and returns the text shown, after checking that it
-    // is shown alike in the status and the alert and that nothing else moved.
-    QString failureOf(ComposerStore &store, const std::function<void()> &operation,
-                      const std::string &what) {
-        const StateBefore before = stateOf(store);
-        operation();
-        EXPECT_TRUE(store.isSyncing()) << what;
-        EXPECT_TRUE(waitForIdle(store)) << what;
-        EXPECT_FALSE(store.isSyncing()) << what;
-        EXPECT_EQ(alerts->shown.size(), before.alerts + 1) << what;
-        if (alerts->shown.size() != before.alerts + 1)
-            return QStringLiteral("(no alert)");
-        EXPECT_EQ(store.syncStatus(), alerts->shown.last()) << what;
-        EXPECT_EQ(store.lastAction(), before.lastAction) << what;
-        EXPECT_EQ(store.activePreset(), before.activePreset) << what;
-        EXPECT_TRUE(store.data() == before.data) << what;
-        EXPECT_EQ(savedBytes(), before.saved) << what;
-        return store.syncStatus();
-    }
-
-    std::function<void()> push(ComposerStore &store) {
-        return [&store] { store.pushToWeb(); };
-    }
-    std::function<void()> pull(ComposerStore &store) {
-        return [&store] { store.pullFromWeb(); };
-    }
-};
+using StoreSyncFailureTest = StoreSyncTest;
 
 TEST_F(StoreSyncFailureTest, RefusedAndUnreadableAnswersAreShownAsTheyCame) {
     const auto store = makeSettledStore(syncServices());
+    const QByteArray tooLarge = "{\"error\":\"" + QByteArray(9 * 1024 * 1024, 'x') + "\"}";
     struct Case {
         const char *what;
         TestHttpAnswer answer;
@@ -87,25 +41,55 @@ TEST_F(StoreSyncFailureTest, RefusedAndUnreadableAnswersAreShownAsTheyCame) {
         {"500 with an error of the wrong type", TestHttpAnswer::json(500, R"({"error":42})"),
          "Synchronisation impossible."},
         {"answer over 8 MiB, length declared",
-         TestHttpAnswer{200, "application/json", kTooLarge, true, false},
-         "Reponse de synchronisation trop volumineuse (plus de 8 Mo)."},
+         TestHttpAnswer{200, "application/json", tooLarge, true, false}, kTooLargeText},
         {"answer over 8 MiB, length not declared",
-         TestHttpAnswer{200, "application/json", kTooLarge, false, false},
-         "Reponse de synchronisation trop volumineuse (plus de 8 Mo)."},
+         TestHttpAnswer{200, "application/json", tooLarge, false, false}, kTooLargeText},
     };
     for (const Case &c : cases) {
         answerWith(c.answer);
-        EXPECT_EQ(failureOf(*store, push(*store), std::string("push, ") + c.what), c.shown);
-        EXPECT_EQ(failureOf(*store, pull(*store), std::string("pull, ") + c.what), c.shown);
+        EXPECT_EQ(failureOf(*store, push, std::string("push, ") + c.what), c.shown);
+        EXPECT_EQ(failureOf(*store, pull, std::string("pull, ") + c.what), c.shown);
     }
 
     // A 2xx answer that is not JSON fails with the decoder's own description.
     answerWith(TestHttpAnswer{200, "text/html", "<html>Bienvenue</html>", true, false});
-    for (const auto &operation : {push(*store), pull(*store)}) {
+    for (const auto operation : {push, pull}) {
         const QString shown = failureOf(*store, operation, "2xx not JSON");
-        EXPECT_TRUE(shown.startsWith("JSON invalide")) << shown.toStdString();
+        EXPECT_TRUE(shown.startsWith("JSON invalide a l'octet")) << shown.toStdString();
     }
     EXPECT_EQ(server->requests().size(), 2 * std::size(cases) + 2);
+}
+
+TEST_F(StoreSyncFailureTest, UploadAnswersAreReadStrictly) {
+    const auto store = makeSettledStore(syncServices());
+    const std::pair<QByteArray, QString> cases[] = {
+        {R"({"updatedAt":"x"})", "cle manquante : ok"},
+        {R"({"ok":1,"updatedAt":"x"})",
+         "type incorrect pour la cle ok : booleen attendu, nombre trouve"},
+        {R"({"ok":true,"updatedAt":null})", "valeur null pour la cle updatedAt"},
+        {R"({"ok":true})", "cle manquante : updatedAt"},
+    };
+    for (const auto &[answer, shown] : cases) {
+        answerJson(answer);
+        EXPECT_EQ(failureOf(*store, push, answer.toStdString()), shown);
+    }
+}
+
+TEST_F(StoreSyncFailureTest, AnswersUpToEightMebibytesAreRead) {
+    const auto store = makeSettledStore(syncServices());
+    const qint64 limit = SyncTransport::kMaxAnswerBytes;
+    const QByteArray snapshot =
+        compact(downloadAnswer(phonePayload("relance", defaultWith(u"recipientName", "Lea"))));
+
+    answerWith(
+        TestHttpAnswer{200, "application/json", paddedTo(snapshot, limit + 1), false, false});
+    EXPECT_EQ(failureOf(*store, pull, "one byte over"), kTooLargeText);
+
+    answerWith(TestHttpAnswer{200, "application/json", paddedTo(snapshot, limit), false, false});
+    store->pullFromWeb();
+    ASSERT_TRUE(waitForIdle(*store));
+    EXPECT_EQ(store->data().recipientName, "Lea");
+    EXPECT_EQ(alerts->shown.size(), 1);
 }
 
 TEST_F(StoreSyncFailureTest, AServerThatNeverAnswersIsGivenUp) {
@@ -113,26 +97,30 @@ TEST_F(StoreSyncFailureTest, AServerThatNeverAnswersIsGivenUp) {
     // Short enough to give up quickly, long enough for a handshake on a busy machine.
     transferTimeout = 1500ms;
     const auto store = makeSettledStore(syncServices());
-    for (const auto &operation : {push(*store), pull(*store)}) {
-        QElapsedTimer elapsed;
-        elapsed.start();
-        EXPECT_EQ(failureOf(*store, operation, "silent server"),
-                  "Delai de synchronisation depasse : le serveur ne repond pas.");
-        EXPECT_GE(elapsed.elapsed(), 1400);
-    }
+    for (const auto operation : {push, pull})
+        EXPECT_EQ(failureOf(*store, operation, "silent server"), kTimedOutText);
     EXPECT_EQ(server->requests().size(), 2);
 }
 
-TEST_F(StoreSyncFailureTest, ARefusedConnectionShowsThePlatformDescription) {
+TEST_F(StoreSyncFailureTest, UnreachableOrUnusableAddressesFail) {
     StoreServices services = syncServices();
     services.syncEndpoint.setPort(closedLocalPort());
-    const auto store = makeSettledStore(services);
-    for (const auto &operation : {push(*store), pull(*store)}) {
-        const QString shown = failureOf(*store, operation, "refused connection");
+    const auto refused = makeSettledStore(services);
+    for (const auto operation : {push, pull}) {
+        const QString shown = failureOf(*refused, operation, "refused connection");
         EXPECT_FALSE(shown.isEmpty());
         EXPECT_FALSE(shown.startsWith("Envoi") || shown.startsWith("Recuperation"))
             << shown.toStdString();
     }
+
+    services.syncEndpoint = QUrl();
+    EXPECT_EQ(failureOf(*makeSettledStore(services), pull, "no address"),
+              "Adresse de synchronisation invalide.");
+    // An answer, but not an HTTP one.
+    services.syncEndpoint = QUrl("data:application/json,%7B%22ok%22%3Atrue%7D");
+    EXPECT_EQ(failureOf(*makeSettledStore(services), pull, "data: address"),
+              "Reponse de synchronisation invalide.");
+    EXPECT_TRUE(server->requests().isEmpty());
 }
 
 TEST_F(StoreSyncFailureTest, AnUntrustedCertificateIsRefusedAndNothingIsApplied) {
@@ -142,28 +130,23 @@ TEST_F(StoreSyncFailureTest, AnUntrustedCertificateIsRefusedAndNothingIsApplied)
     HttpsTestServer impostor(*stranger);
     ASSERT_TRUE(impostor.listen());
     const QByteArray snapshot =
-        downloadBody(true, "2026-06-05T08:15:00Z",
-                     phonePayload("relance", defaultWith(u"recipientName", "Intrus")));
+        compact(downloadAnswer(phonePayload("relance", defaultWith(u"recipientName", "Intrus"))));
     impostor.setHandler([&](const TestHttpRequest &request) {
-        return TestHttpAnswer::json(
-            200, request.method == "PUT" ? uploadBody("2026-06-05T08:15:00Z") : snapshot);
+        return TestHttpAnswer::json(200,
+                                    request.method == "PUT" ? uploadBody(kAnswerTime) : snapshot);
     });
 
     StoreServices services = syncServices();
     services.syncEndpoint = impostor.url("/api/velino-sync");
     const auto store = makeSettledStore(services);
-    for (const auto &operation : {push(*store), pull(*store)}) {
-        const QString shown = failureOf(*store, operation, "untrusted certificate");
-        EXPECT_FALSE(shown.isEmpty());
-    }
+    for (const auto operation : {push, pull})
+        EXPECT_FALSE(failureOf(*store, operation, "untrusted certificate").isEmpty());
     EXPECT_TRUE(impostor.requests().isEmpty());
     EXPECT_EQ(store->data().recipientName, "Client du poste");
 
     // The same server is reached once its authority is trusted.
     services.extraSyncCaCertificates.append(stranger->caCertificate);
-    services.syncTransferTimeout = kSyncWait;
-    const auto trusting = std::make_unique<ComposerStore>(services);
-    trusting->setSyncCode(QString::fromLatin1(kSyncCode));
+    const auto trusting = makeSyncStore(services);
     trusting->pullFromWeb();
     ASSERT_TRUE(waitForIdle(*trusting));
     EXPECT_EQ(trusting->data().recipientName, "Intrus");
@@ -171,31 +154,26 @@ TEST_F(StoreSyncFailureTest, AnUntrustedCertificateIsRefusedAndNothingIsApplied)
 }
 
 TEST_F(StoreSyncFailureTest, AStoreDestroyedDuringARequestIsNeverCalledBack) {
-    server->setHandler([](const TestHttpRequest &) { return TestHttpAnswer::never(); });
-    // Each request would time out within the wait below if it were still alive.
+    answerWith(TestHttpAnswer::never());
     transferTimeout = 1s;
-    for (const bool pushing : {true, false}) {
+    // Destroyed while the server holds the push, while it holds the pull, and before the
+    // request has even left: each request would otherwise time out and alert.
+    for (const auto operation : {push, pull}) {
         auto store = makeSettledStore(syncServices());
         const qsizetype requestsBefore = server->requests().size();
-        pushing ? store->pushToWeb() : store->pullFromWeb();
+        (store.get()->*operation)();
         ASSERT_TRUE(
             waitUntil([&] { return server->requests().size() > requestsBefore; }, kSyncWait));
-        const QByteArray saved = savedBytes();
-        store.reset();
-        wait(1500);
-        EXPECT_TRUE(alerts->shown.isEmpty()) << alerts->shown.join(u'|').toStdString();
-        EXPECT_EQ(savedBytes(), saved);
     }
+    makeSettledStore(syncServices())->pushToWeb();
+    const QByteArray saved = savedBytes();
 
-    // Destroyed before the request has even left.
-    server->setHandler([](const TestHttpRequest &) {
-        return TestHttpAnswer::json(200, uploadBody("2026-06-05T08:15:00Z"));
-    });
-    auto store = makeSettledStore(syncServices());
-    store->pushToWeb();
-    store.reset();
-    wait(300);
-    EXPECT_TRUE(alerts->shown.isEmpty()) << alerts->shown.join(u'|').toStdString();
+    // A store started after all of them, with the same timeout, gives up last.
+    const auto witness = makeSyncStore();
+    witness->pullFromWeb();
+    ASSERT_TRUE(waitForIdle(*witness));
+    EXPECT_EQ(alerts->shown, QStringList{kTimedOutText});
+    EXPECT_EQ(savedBytes(), saved);
 }
 
 namespace {
@@ -214,10 +192,12 @@ public:
         QTimer::singleShot(100, &modal, &QEventLoop::quit);
         modal.exec();
         storeGoneBeforeReturn = store.isNull();
+        returned = true;
     }
     QPointer<ComposerStore> store;
     QStringList shown;
     bool storeGoneBeforeReturn = false;
+    bool returned = false;
 };
 
 } // namespace
@@ -227,12 +207,10 @@ TEST_F(StoreSyncFailureTest, AStoreDestroyedWhileItsFailureIsShownStaysUntouched
     const auto closing = std::make_shared<WindowClosingAlerts>();
     StoreServices services = syncServices();
     services.alerts = closing;
-    auto *store = new ComposerStore(services);
+    ComposerStore *store = makeSyncStore(services).release();
     closing->store = store;
-    store->setSyncCode(QString::fromLatin1(kSyncCode));
     store->pullFromWeb();
-    ASSERT_TRUE(waitUntil([&] { return closing->store.isNull(); }, kSyncWait));
-    wait(100);
+    ASSERT_TRUE(waitUntil([&] { return closing->returned; }, kSyncWait));
     EXPECT_EQ(closing->shown, QStringList{"Code inconnu"});
     EXPECT_TRUE(closing->storeGoneBeforeReturn);
 }

@@ -43,104 +43,60 @@ bool runOpenssl(const QString &program, const QStringList &arguments, const QStr
     return true;
 }
 
-QByteArray reasonPhrase(int status) {
-    switch (status) {
-    case 200:
-        return "OK";
-    case 400:
-        return "Bad Request";
-    case 404:
-        return "Not Found";
-    case 500:
-        return "Internal Server Error";
-    default:
-        return "Status";
-    }
-}
-
 } // namespace
 
 std::optional<TestTlsIdentity> TestTlsIdentity::generate(QString *error) {
-    const QString openssl = QStandardPaths::findExecutable(QStringLiteral("openssl"));
+    const QString openssl = QStandardPaths::findExecutable("openssl");
     if (openssl.isEmpty()) {
-        *error = QStringLiteral("the openssl command is not installed");
+        *error = "the openssl command is not installed";
         return std::nullopt;
     }
     QTemporaryDir folder;
     if (!folder.isValid()) {
-        *error = QStringLiteral("no temporary folder: ") + folder.errorString();
+        *error = "no temporary folder: " + folder.errorString();
         return std::nullopt;
     }
-    const QByteArray tag = QByteArray::number(QRandomGenerator::global()->generate64(), 16);
-    const QByteArray caConfig = "[req]\n"
-                                "distinguished_name = dn\n"
-                                "prompt = no\n"
-                                "x509_extensions = v3_ca\n"
-                                "[dn]\n"
-                                "CN = Velino Test CA " +
-                                tag +
-                                "\n"
-                                "[v3_ca]\n"
-                                "basicConstraints = critical, CA:TRUE\n"
-                                "keyUsage = critical, keyCertSign, cRLSign\n"
-                                "subjectKeyIdentifier = hash\n";
-    const QByteArray serverConfig = "[req]\n"
-                                    "distinguished_name = dn\n"
-                                    "prompt = no\n"
-                                    "[dn]\n"
-                                    "CN = 127.0.0.1\n"
-                                    "[v3_server]\n"
-                                    "basicConstraints = critical, CA:FALSE\n"
-                                    "keyUsage = critical, digitalSignature, keyEncipherment\n"
-                                    "extendedKeyUsage = serverAuth\n"
-                                    "subjectAltName = IP:127.0.0.1\n"
-                                    "subjectKeyIdentifier = hash\n"
-                                    "authorityKeyIdentifier = keyid\n";
     const QString dir = folder.path();
-    if (!writeFile(dir + QStringLiteral("/ca.cnf"), caConfig) ||
-        !writeFile(dir + QStringLiteral("/server.cnf"), serverConfig)) {
-        *error = QStringLiteral("cannot write the openssl configuration");
+    const QByteArray tag = QByteArray::number(QRandomGenerator::global()->generate64(), 16);
+    if (!writeFile(dir + "/ca.cnf", "[req]\ndistinguished_name = dn\nprompt = no\n"
+                                    "x509_extensions = v3_ca\n[dn]\nCN = Velino Test CA " +
+                                        tag +
+                                        "\n[v3_ca]\nbasicConstraints = critical, CA:TRUE\n"
+                                        "keyUsage = critical, keyCertSign, cRLSign\n"
+                                        "subjectKeyIdentifier = hash\n") ||
+        !writeFile(dir + "/server.cnf",
+                   "[req]\ndistinguished_name = dn\nprompt = no\n[dn]\nCN = 127.0.0.1\n"
+                   "[v3_server]\nbasicConstraints = critical, CA:FALSE\n"
+                   "keyUsage = critical, digitalSignature, keyEncipherment\n"
+                   "extendedKeyUsage = serverAuth\nsubjectAltName = IP:127.0.0.1\n"
+                   "subjectKeyIdentifier = hash\nauthorityKeyIdentifier = keyid\n")) {
+        *error = "cannot write the openssl configuration";
         return std::nullopt;
     }
-    const QStringList ecKey{
-        QStringLiteral("-newkey"), QStringLiteral("ec"), QStringLiteral("-pkeyopt"),
-        QStringLiteral("ec_paramgen_curve:prime256v1"), QStringLiteral("-nodes")};
-    const QString serial =
-        QStringLiteral("0x") + QString::number(QRandomGenerator::global()->generate64(), 16);
-    if (!runOpenssl(openssl,
-                    QStringList{QStringLiteral("req"), QStringLiteral("-x509"),
-                                QStringLiteral("-config"), QStringLiteral("ca.cnf")} +
-                        ecKey +
-                        QStringList{QStringLiteral("-keyout"), QStringLiteral("ca.key"),
-                                    QStringLiteral("-out"), QStringLiteral("ca.crt"),
-                                    QStringLiteral("-days"), QStringLiteral("2")},
-                    dir, error) ||
-        !runOpenssl(openssl,
-                    QStringList{QStringLiteral("req"), QStringLiteral("-new"),
-                                QStringLiteral("-config"), QStringLiteral("server.cnf")} +
-                        ecKey +
-                        QStringList{QStringLiteral("-keyout"), QStringLiteral("server.key"),
-                                    QStringLiteral("-out"), QStringLiteral("server.csr")},
-                    dir, error) ||
-        !runOpenssl(
-            openssl,
-            QStringList{
-                QStringLiteral("x509"), QStringLiteral("-req"), QStringLiteral("-in"),
-                QStringLiteral("server.csr"), QStringLiteral("-CA"), QStringLiteral("ca.crt"),
-                QStringLiteral("-CAkey"), QStringLiteral("ca.key"), QStringLiteral("-set_serial"),
-                serial, QStringLiteral("-days"), QStringLiteral("2"), QStringLiteral("-extfile"),
-                QStringLiteral("server.cnf"), QStringLiteral("-extensions"),
-                QStringLiteral("v3_server"), QStringLiteral("-out"), QStringLiteral("server.crt")},
-            dir, error))
-        return std::nullopt;
+    const QStringList ecKey{"-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1", "-nodes"};
+    const QString serial = "0x" + QString::number(QRandomGenerator::global()->generate64(), 16);
+    const QList<QStringList> steps{
+        QStringList{"req", "-x509", "-config", "ca.cnf", "-keyout", "ca.key", "-out", "ca.crt",
+                    "-days", "2"} +
+            ecKey,
+        QStringList{"req", "-new", "-config", "server.cnf", "-keyout", "server.key", "-out",
+                    "server.csr"} +
+            ecKey,
+        {"x509", "-req", "-in", "server.csr", "-CA", "ca.crt", "-CAkey", "ca.key", "-set_serial",
+         serial, "-days", "2", "-extfile", "server.cnf", "-extensions", "v3_server", "-out",
+         "server.crt"},
+    };
+    for (const QStringList &arguments : steps)
+        if (!runOpenssl(openssl, arguments, dir, error))
+            return std::nullopt;
 
     TestTlsIdentity identity;
-    identity.caCertificate = QSslCertificate(readFile(dir + QStringLiteral("/ca.crt")));
-    identity.serverCertificate = QSslCertificate(readFile(dir + QStringLiteral("/server.crt")));
-    identity.serverKey = QSslKey(readFile(dir + QStringLiteral("/server.key")), QSsl::Ec);
+    identity.caCertificate = QSslCertificate(readFile(dir + "/ca.crt"));
+    identity.serverCertificate = QSslCertificate(readFile(dir + "/server.crt"));
+    identity.serverKey = QSslKey(readFile(dir + "/server.key"), QSsl::Ec);
     if (identity.caCertificate.isNull() || identity.serverCertificate.isNull() ||
         identity.serverKey.isNull()) {
-        *error = QStringLiteral("the generated certificates or key cannot be read");
+        *error = "the generated certificates or key cannot be read";
         return std::nullopt;
     }
     return identity;
@@ -171,12 +127,8 @@ bool HttpsTestServer::listen() {
     return server_->listen(QHostAddress::LocalHost, 0);
 }
 
-quint16 HttpsTestServer::port() const {
-    return server_->serverPort();
-}
-
 QUrl HttpsTestServer::url(const QString &path) const {
-    return QUrl(QStringLiteral("https://127.0.0.1:%1%2").arg(port()).arg(path));
+    return QUrl(QStringLiteral("https://127.0.0.1:%1%2").arg(server_->serverPort()).arg(path));
 }
 
 void HttpsTestServer::accept() {
@@ -239,8 +191,8 @@ void HttpsTestServer::answer(QSslSocket *socket, const TestHttpRequest &request)
     const TestHttpAnswer reply = handler_ ? handler_(request) : TestHttpAnswer::json(404, {});
     if (reply.silent)
         return;
-    QByteArray head =
-        "HTTP/1.1 " + QByteArray::number(reply.status) + ' ' + reasonPhrase(reply.status) + "\r\n";
+    // The reason phrase is optional in meaning; clients read the status code.
+    QByteArray head = "HTTP/1.1 " + QByteArray::number(reply.status) + " Status\r\n";
     if (!reply.contentType.isEmpty())
         head += "Content-Type: " + reply.contentType + "\r\n";
     if (reply.declareLength)

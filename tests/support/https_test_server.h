@@ -50,9 +50,9 @@ struct TestHttpAnswer {
     bool silent = false;
 
     static TestHttpAnswer json(int status, const QByteArray &body) {
-        return TestHttpAnswer{status, "application/json", body, true, false};
+        return {status, "application/json", body};
     }
-    static TestHttpAnswer never() { return TestHttpAnswer{200, {}, {}, true, true}; }
+    static TestHttpAnswer never() { return {200, {}, {}, true, true}; }
 };
 
 // An HTTPS/1.1 server on 127.0.0.1 running on the calling thread's event loop. Each
@@ -68,8 +68,7 @@ public:
 
     // Listens on a free port of 127.0.0.1.
     bool listen();
-    quint16 port() const;
-    // https://127.0.0.1:PORT followed by path (which may carry a query).
+    // https://127.0.0.1:PORT followed by path.
     QUrl url(const QString &path) const;
 
     // Answers 404 with an empty body until a handler is set.

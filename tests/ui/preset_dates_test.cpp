@@ -32,16 +32,13 @@ TEST(PresetUpdatedLabel, UsesTheGivenTimeZone) {
     EXPECT_EQ(presetUpdatedLabel(july, kParis), QStringLiteral("01 août · 01:30"));
 }
 
-TEST(PresetUpdatedLabel, TwentyFourHourClockAndZeroPadding) {
+TEST(PresetUpdatedLabel, TwentyFourHourClockZeroPaddingAndNothingForAnInvalidDate) {
     EXPECT_EQ(presetUpdatedLabel(parisTime(2024, 1, 1, 0, 0), kParis),
               QStringLiteral("01 janv. · 00:00"));
     EXPECT_EQ(presetUpdatedLabel(parisTime(2024, 12, 31, 23, 59), kParis),
               QStringLiteral("31 déc. · 23:59"));
     EXPECT_EQ(presetUpdatedLabel(parisTime(2024, 2, 9, 9, 5), kParis),
               QStringLiteral("09 févr. · 09:05"));
-}
-
-TEST(PresetUpdatedLabel, InvalidDateGivesNothing) {
     EXPECT_EQ(presetUpdatedLabel(QDateTime(), kParis), QString());
 }
 

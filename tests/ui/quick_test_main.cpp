@@ -29,14 +29,11 @@ QTemporaryDir *configHome() {
 // scratch folders and the environment the program reads.
 class TestSupport : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QString configHome READ configHomePath CONSTANT)
 
 public:
-    QString configHomePath() const { return configHome()->path(); }
-
     // Removes every saved setting, so that the next window starts from the defaults.
     Q_INVOKABLE bool resetSettings() const {
-        QDir dir(configHomePath() + QStringLiteral("/Korvel"));
+        QDir dir(configHome()->path() + QStringLiteral("/Korvel"));
         return !dir.exists() || dir.removeRecursively();
     }
 
@@ -62,6 +59,9 @@ public:
         return QString::fromUtf8(file.readAll());
     }
     Q_INVOKABLE bool fileExists(const QString &path) const { return QFile::exists(path); }
+    Q_INVOKABLE bool removeFolder(const QString &path) const {
+        return QDir(path).removeRecursively();
+    }
 
     // Types `text` (Latin-1) into whichever item of `window` has the keyboard focus.
     Q_INVOKABLE void typeText(QQuickWindow *window, const QString &text) const {

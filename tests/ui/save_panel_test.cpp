@@ -54,7 +54,7 @@ TEST_F(SavePanelTest, ListsFoldersFirstThenHtmlFilesOnly) {
                            QStringLiteral("Ancien.HTM"), QStringLiteral("devis.html")}));
 }
 
-TEST_F(SavePanelTest, ChosenPathEndsInHtml) {
+TEST_F(SavePanelTest, ChosenPathEndsInHtmlAndNeedsAFileName) {
     panel.openFolder(dir.path());
     panel.setFileName(QStringLiteral("votre-devis"));
     EXPECT_TRUE(panel.canSave());
@@ -66,10 +66,7 @@ TEST_F(SavePanelTest, ChosenPathEndsInHtml) {
     // "mail.html.txt" is not an HTML name: the suffix is added.
     panel.setFileName(QStringLiteral("mail.html.txt"));
     EXPECT_EQ(panel.chosenPath(), path(QStringLiteral("mail.html.txt.html")));
-}
 
-TEST_F(SavePanelTest, RefusesNamesThatAreNoFileName) {
-    panel.openFolder(dir.path());
     for (const QString &name : {QString(), QStringLiteral("   "), QStringLiteral("a/b.html"),
                                 QStringLiteral("."), QStringLiteral("..")}) {
         panel.setFileName(name);
@@ -103,9 +100,13 @@ TEST_F(SavePanelTest, CreatesAndOpensAFolder) {
     EXPECT_EQ(panel.errorText(), QStringLiteral("Nom de dossier invalide."));
     EXPECT_FALSE(panel.createFolder(QStringLiteral("  ")));
     EXPECT_EQ(panel.errorText(), QStringLiteral("Nom de dossier invalide."));
-    // Opening a folder clears the error.
+    // Opening a folder clears the error; opening anything else is ignored.
     panel.openFolder(dir.path());
     EXPECT_TRUE(panel.errorText().isEmpty());
+    touch(path(QStringLiteral("devis.html")));
+    panel.openFolder(path(QStringLiteral("devis.html")));
+    panel.openFolder(path(QStringLiteral("absent")));
+    EXPECT_EQ(panel.folder(), QDir::cleanPath(dir.path()));
 }
 
 TEST_F(SavePanelTest, ActivatingARowOpensAFolderOrTakesAFileName) {
@@ -120,14 +121,6 @@ TEST_F(SavePanelTest, ActivatingARowOpensAFolderOrTakesAFileName) {
     EXPECT_TRUE(panel.canGoUp());
     panel.activate(5); // out of range: nothing
     EXPECT_EQ(panel.folder(), path(QStringLiteral("Archives")));
-}
-
-TEST_F(SavePanelTest, OpeningSomethingElseThanAFolderIsIgnored) {
-    touch(path(QStringLiteral("devis.html")));
-    panel.openFolder(dir.path());
-    panel.openFolder(path(QStringLiteral("devis.html")));
-    panel.openFolder(path(QStringLiteral("absent")));
-    EXPECT_EQ(panel.folder(), QDir::cleanPath(dir.path()));
 }
 
 TEST_F(SavePanelTest, RunWaitsForSave) {

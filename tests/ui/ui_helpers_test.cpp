@@ -8,7 +8,7 @@
 
 using velino::ui::UiHelpers;
 
-TEST(UiHelpers, LogoResourceIsASquarePng) {
+TEST(UiHelpers, ImageUrlFindsTheLogoAndNothingElse) {
     UiHelpers helpers;
     const QUrl url = helpers.imageUrl(QStringLiteral("VelinoLogo"));
     ASSERT_EQ(url.scheme(), QStringLiteral("qrc"));
@@ -16,10 +16,7 @@ TEST(UiHelpers, LogoResourceIsASquarePng) {
     ASSERT_FALSE(image.isNull());
     EXPECT_EQ(image.width(), 512);
     EXPECT_EQ(image.height(), 512);
-}
 
-TEST(UiHelpers, MissingImageResourceGivesAnEmptyUrl) {
-    UiHelpers helpers;
     EXPECT_TRUE(helpers.imageUrl(QStringLiteral("NoSuchLogo")).isEmpty());
     EXPECT_TRUE(helpers.imageUrl(QString()).isEmpty());
     EXPECT_TRUE(helpers.imageUrl(QStringLiteral("../velino/VelinoLogo")).isEmpty());
@@ -41,11 +38,6 @@ TEST(UiHelpers, FontFamilyIsInstalled) {
     if (QFontDatabase::families().contains(QStringLiteral("Inter"))) {
         EXPECT_EQ(family, QStringLiteral("Inter"));
     }
-}
-
-TEST(UiHelpers, DefaultServiceHost) {
-    UiHelpers helpers;
-    EXPECT_EQ(helpers.serviceHost(), QStringLiteral("korvel.example"));
 }
 
 TEST(UiHelpers, ShortcutTextOfStandardKeysAndSequences) {

@@ -50,40 +50,13 @@ Item {
             return root
         }
 
-        function test_selectAllActsOnTheFocusedField() {
+        function test_selectAllActsOnTheFocusedFieldOrEditor() {
             const t = make()
             t.second.forceActiveFocus()
             compare(t.commands.target, t.second)
             verify(t.commands.selectAll())
             compare(t.second.selectedText, "second")
             compare(t.first.selectedText, "")
-        }
-
-        function test_copyAndPasteGoThroughTheClipboard() {
-            const t = make()
-            t.first.forceActiveFocus()
-            t.first.select(0, 7)
-            verify(t.commands.copy())
-            t.second.forceActiveFocus()
-            t.second.selectAll()
-            verify(t.commands.paste())
-            compare(t.second.text, "premier")
-        }
-
-        function test_cutRemovesTheSelection() {
-            const t = make()
-            t.first.forceActiveFocus()
-            t.first.select(7, 13)
-            verify(t.commands.cut())
-            compare(t.first.text, "premier")
-            t.second.forceActiveFocus()
-            t.second.cursorPosition = t.second.length
-            verify(t.commands.paste())
-            compare(t.second.text, "second champ")
-        }
-
-        function test_multiLineEditorToo() {
-            const t = make()
             t.editor.forceActiveFocus()
             verify(t.commands.selectAll())
             compare(t.editor.selectedText, t.editor.text)

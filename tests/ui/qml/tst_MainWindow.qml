@@ -19,6 +19,8 @@ Item {
             id: answerer
             property var window
             property var answered: []
+            // What each alert showed when it was answered.
+            property var shown: []
             property int unanswered: 0
 
             function onAlertChanged() {
@@ -39,7 +41,13 @@ Item {
                     }
                     const text = dialogs.alertText
                     const count = dialogs.pendingAlertCount
-                    testCase.mouseClick(testCase.findNamed(popup.contentItem, "alertOkButton"))
+                    const ok = testCase.findNamed(popup.contentItem, "alertOkButton")
+                    answerer.shown = answerer.shown.concat([{
+                        title: testCase.findNamed(popup.contentItem, "alertTitle").text,
+                        message: testCase.findNamed(popup.contentItem, "alertMessage").text,
+                        buttons: ok.parent.children.length, button: ok.text,
+                        modal: popup.modal && dialogs.isModal }])
+                    testCase.mouseClick(ok)
                     if (dialogs.pendingAlertCount === count) {
                         // The click missed: answer anyway so that the test does not hang.
                         answerer.unanswered += 1
@@ -127,13 +135,10 @@ Item {
         }
 
         function findNamed(item, name) {
-            if (!item)
-                return null
-            if (item.objectName === name)
-                return item
-            const children = item.children
-            for (let i = 0; i < children.length; ++i) {
-                const found = findNamed(children[i], name)
+            if (!item || item.objectName === name)
+                return item || null
+            for (let i = 0; i < item.children.length; ++i) {
+                const found = findNamed(item.children[i], name)
                 if (found)
                     return found
             }
@@ -180,8 +185,12 @@ Item {
             return { window: w, alerts: alerts, panel: panel }
         }
 
+        function lockItem(w, name) {
+            return named(findNamed(w.contentItem, "lockLoader").item, name)
+        }
+
         function passwordField(w) {
-            return named(findNamed(w.contentItem, "lockLoader").item, "passwordField")
+            return lockItem(w, "passwordField")
         }
 
         function unlock(t) {
@@ -203,19 +212,20 @@ Item {
             return unlock(openWindow())
         }
 
-        // The text control of a form field, focused, with the cursor at its end.
-        function focusField(t, fieldName) {
-            const wrapper = el(t, "field." + fieldName)
+        // The text control of `name` (a form field's: "field." + its name), focused, with the
+        // cursor at its end.
+        function focusControl(t, name) {
+            const wrapper = el(t, name)
             const control = wrapper.field !== undefined ? wrapper.field : wrapper.editor
-            verify(control, "control of " + fieldName)
+            verify(control, "control of " + name)
             control.forceActiveFocus()
-            tryVerify(() => control.activeFocus, 2000, fieldName + " focused")
+            tryVerify(() => control.activeFocus, 2000, name + " focused")
             control.cursorPosition = control.length
             return control
         }
 
         function clearField(t, fieldName) {
-            const control = focusField(t, fieldName)
+            const control = focusControl(t, "field." + fieldName)
             control.selectAll()
             TestSupport.keyClick(t.window, Qt.Key_Backspace)
             compare(control.text, "")
@@ -223,11 +233,7 @@ Item {
         }
 
         function typeInto(t, name, text) {
-            const wrapper = el(t, name)
-            const control = wrapper.field
-            control.forceActiveFocus()
-            tryVerify(() => control.activeFocus, 2000)
-            control.cursorPosition = control.length
+            const control = focusControl(t, name)
             TestSupport.typeText(t.window, text)
             return control
         }
@@ -249,56 +255,157 @@ Item {
 
         // ---- Lock screen ---------------------------------------------------------------
 
-        function test_wrongPasswordsAreRefused() {
-            const t = openWindow()
-            const w = t.window
+        function test_windowStartsLockedAndRefusesWrongPasswords() {
+            const w = openWindow().window
+            compare(w.minimumWidth, 1320)
+            compare(w.minimumHeight, 900)
+            verify(w.width >= 1320 && w.height >= 900)
+            compare(w.lockState.isUnlocked, false)
+            verify(findNamed(w.contentItem, "lockLoader").active)
+            verify(!findNamed(w.contentItem, "mainLoader").active)
             const field = passwordField(w)
-            const error = named(findNamed(w.contentItem, "lockLoader").item, "lockError")
-            tryVerify(() => field.activeFocus, 3000)
+            const error = lockItem(w, "lockError")
+            const card = findNamed(w.contentItem, "lockLoader").item
+            tryVerify(() => field.activeFocus, 3000, "password field focused at start")
+            const centre = card.mapToItem(w.contentItem, card.width / 2, card.height / 2)
+            fuzzyCompare(centre.x, w.contentItem.width / 2, 1)
+            fuzzyCompare(centre.y, w.contentItem.height / 2, 1)
+            compare(field.echoMode, TextInput.Password)
+            compare(field.placeholderText, "Mot de passe")
+            compare(error.text, "")
+            verify(error.height >= 18, "the error line is laid out while empty")
+            const cardHeight = card.height
+            const errorY = error.y
             for (const attempt of [" Falcon77!", "falcon77!", "Falcon77! ", "Falcon77", ""]) {
                 TestSupport.typeText(w, attempt)
                 compare(field.text, attempt)
+                compare(w.lockState.password, attempt, "the field writes the lock state")
+                if (attempt.length > 0)
+                    verify(field.displayText !== attempt, "masked")
                 TestSupport.keyClick(w, Qt.Key_Return)
                 compare(w.lockState.isUnlocked, false, "refused: '" + attempt + "'")
                 compare(field.text, "", "field emptied after '" + attempt + "'")
                 compare(error.text, "Mot de passe incorrect.")
+                verify(error.visible)
+                verify(field.activeFocus, "the user may retype at once")
                 verify(findNamed(w.contentItem, "lockLoader").active)
                 verify(!findNamed(w.contentItem, "mainLoader").active)
             }
+            // The card does not move when the error appears.
+            waitForRendering(card)
+            compare(card.height, cardHeight)
+            compare(error.y, errorY)
             // The button refuses the same way.
             TestSupport.typeText(w, "falcon77!")
-            mouseClick(named(findNamed(w.contentItem, "lockLoader").item, "unlockButton"))
+            mouseClick(lockItem(w, "unlockButton"))
             compare(w.lockState.isUnlocked, false)
             compare(field.text, "")
             compare(error.text, "Mot de passe incorrect.")
         }
 
-        function test_returnUnlocksAfterARefusal() {
-            const t = openWindow()
-            const w = t.window
-            const field = passwordField(w)
-            tryVerify(() => field.activeFocus, 3000)
+        function test_unlocksAfterARefusal_data() {
+            return [{ tag: "Return" }, { tag: "button" }, { tag: "keypad Enter" }]
+        }
+
+        function test_unlocksAfterARefusal(data) {
+            const w = openWindow().window
+            tryVerify(() => passwordField(w).activeFocus, 3000)
             TestSupport.typeText(w, "falcon77!")
             TestSupport.keyClick(w, Qt.Key_Return)
             compare(w.lockState.errorText, "Mot de passe incorrect.")
             TestSupport.typeText(w, "Falcon77!")
-            TestSupport.keyClick(w, Qt.Key_Return)
+            if (data.tag === "button") {
+                const button = lockItem(w, "unlockButton")
+                compare(button.text, "Entrer dans Velino")
+                mouseClick(button)
+            } else {
+                TestSupport.keyClick(w, data.tag === "Return" ? Qt.Key_Return : Qt.Key_Enter)
+            }
             compare(w.lockState.isUnlocked, true)
             compare(w.lockState.errorText, "")
             compare(w.lockState.password, "")
             verify(findNamed(w.contentItem, "mainLoader").active)
             verify(!findNamed(w.contentItem, "lockLoader").active)
+            verify(named(findNamed(w.contentItem, "mainLoader").item, "headerBand"))
         }
 
-        function test_buttonUnlocks() {
-            const t = openWindow()
+        // ---- Windows and menus ---------------------------------------------------------
+
+        function findAction(menuBar, name) {
+            for (let m = 0; m < menuBar.count; ++m) {
+                const menu = menuBar.menuAt(m)
+                for (let i = 0; i < menu.count; ++i) {
+                    const item = menu.itemAt(i)
+                    if (item && item.action && item.action.objectName === name)
+                        return item.action
+                }
+            }
+            return null
+        }
+
+        function test_editMenuActsOnTheFocusedField() {
+            const t = openUnlocked()
             const w = t.window
-            const field = passwordField(w)
-            tryVerify(() => field.activeFocus, 3000)
-            TestSupport.typeText(w, "Falcon77!")
-            mouseClick(named(findNamed(w.contentItem, "lockLoader").item, "unlockButton"))
-            compare(w.lockState.isUnlocked, true)
-            verify(named(findNamed(w.contentItem, "mainLoader").item, "headerBand"))
+            const expected = [
+                ["cutAction", "Couper", StandardKey.Cut],
+                ["copyAction", "Copier", StandardKey.Copy],
+                ["pasteAction", "Coller", StandardKey.Paste],
+                ["selectAllAction", "Tout selectionner", StandardKey.SelectAll],
+            ]
+            const edit = w.menuBar.menuAt(0)
+            compare(edit.count, 4)
+            for (let i = 0; i < expected.length; ++i) {
+                const action = edit.itemAt(i).action
+                compare(action.objectName, expected[i][0])
+                compare(action.text, expected[i][1])
+                compare(action.shortcut, expected[i][2])
+            }
+
+            const trigger = (name) => findAction(w.menuBar, name).trigger()
+            const subject = focusControl(t, "field.subject")
+            trigger("selectAllAction")
+            compare(subject.selectedText, defaultSubject)
+            trigger("copyAction")
+            const preheader = focusControl(t, "field.preheader")
+            const before = preheader.text
+            compare(preheader.selectedText, "")
+            trigger("pasteAction")
+            compare(preheader.text, before + defaultSubject)
+            compare(t.store.data.preheader, before + defaultSubject)
+            focusControl(t, "field.subject")
+            trigger("selectAllAction")
+            trigger("cutAction")
+            compare(subject.text, "")
+            compare(t.store.data.subject, "")
+        }
+
+        function test_newWindowIsIndependentAndStartsLocked() {
+            const first = openWindow().window
+            first.lockState.password = "Falcon77!"
+            first.lockState.unlock()
+            verify(first.lockState.isUnlocked)
+            const count = AppShell.windowCount
+            const action = findAction(first.menuBar, "newWindowAction")
+            compare(action.text, "Nouvelle fenetre")
+            action.trigger()
+            compare(AppShell.windowCount, count + 1)
+            const second = AppShell.windowAt(count)
+            verify(second)
+            opened.push(second)
+            verify(second !== first)
+            verify(second.lockState !== first.lockState)
+            verify(second.controller.store !== first.controller.store)
+            verify(!second.lockState.isUnlocked)
+            verify(first.lockState.isUnlocked)
+            verify(findNamed(second.contentItem, "lockLoader").active)
+        }
+
+        function test_closedWindowsAreReleased() {
+            const count = AppShell.windowCount
+            const w = openWindow().window
+            compare(AppShell.windowCount, count + 1)
+            w.close()
+            tryCompare(AppShell, "windowCount", count)
         }
 
         // ---- Layout and texts ----------------------------------------------------------
@@ -306,62 +413,29 @@ Item {
         function test_headerAndCards() {
             const t = openUnlocked()
             const m = t.main
-            compare(el(t, "appTitle").text, "Velino")
-            compare(el(t, "appSubtitle").text, "Studio mail client")
-            compare(el(t, "headerLogo").size, 68)
-            compare(el(t, "headerLogo").cornerRadius, 20)
-
-            const chips = [["formatChip", "currentFormatStatus", AppTheme.accent],
-                           ["saveChip", "saveStatus", AppTheme.accentSoft],
-                           ["actionChip", "lastAction", AppTheme.cyan]]
-            for (const [name, property, tint] of chips) {
-                const chip = el(t, name)
-                compare(chip.text, t.store[property], name)
-                verify(chip.text.length > 0)
-                compare(chip.tint, tint, name + " tint")
+            for (const [name, property] of [["formatChip", "currentFormatStatus"], ["saveChip", "saveStatus"],
+                                            ["actionChip", "lastAction"]]) {
+                compare(el(t, name).text, t.store[property], name)
+                verify(el(t, name).text.length > 0)
             }
             compare(el(t, "actionChip").text, "Application prete.")
+            for (const name of ["newButton", "standalonePreviewButton", "exportButton", "openInMailButton",
+                                "copySubjectButton", "copyTextButton", "copyMailButton", "openDraftButton"])
+                verify(el(t, name).enabled, name + " enabled")
 
-            const buttons = [["newButton", "Nouveau", false], ["standalonePreviewButton", "Apercu externe", false],
-                             ["exportButton", "Exporter", false], ["openInMailButton", "Ouvrir dans Mail", true],
-                             ["copySubjectButton", "Copier objet", false], ["copyTextButton", "Copier texte", false],
-                             ["copyMailButton", "Copier mail", true], ["openDraftButton", "Ouvrir le brouillon", true]]
-            for (const [name, label, primary] of buttons) {
-                const button = el(t, name)
-                compare(button.text, label)
-                compare(button.primary, primary, label + " style")
-                verify(button.enabled, label + " enabled")
-            }
-
-            const cards = [
-                ["presetCard", "Type de message", "Choisis une base puis ajuste ton contenu."],
-                ["customPresetCard", "Presets perso", "Enregistre tes versions preferees et recharge-les quand tu veux."],
-                ["recipientCard", "Destinataire", "Objet et coordonnees du client."],
-                ["syncCard", "Synchronisation iPhone", "Relie cette app a l'interface privee 127.0.0.1:9/velino.html."],
-                ["messageCard", "Message", "Titre, introduction et contenu."],
-                ["detailsCard", "Recapitulatif", "Les details visibles dans le mail."],
-                ["actionCard", "Action", "Bouton et phrase de fin."],
-                ["appleMailCard", "Apple Mail", "Connexion native au Mail configure sur ce Mac."],
-                ["identityCard", "Identite Korvel", "Logo, couleurs et signature."],
-            ]
+            // The cards of the form column, in this order.
             let previousY = -1
-            for (const [name, title, subtitle] of cards) {
-                const card = el(t, name)
-                compare(named(card, "sectionTitle").text, title)
-                compare(named(card, "sectionSubtitle").text, subtitle)
-                const y = card.mapToItem(m, 0, 0).y
-                verify(y > previousY, title + " comes after the card before it")
+            for (const name of ["presetCard", "customPresetCard", "recipientCard", "syncCard", "messageCard",
+                                "detailsCard", "actionCard", "appleMailCard", "identityCard"]) {
+                const y = el(t, name).mapToItem(m, 0, 0).y
+                verify(y > previousY, name + " comes after the card before it")
                 previousY = y
             }
-
-            compare(el(t, "webInterfaceLink").text, "Ouvrir VELINO Mobile")
+            // The service host shows in the sync card.
+            compare(named(el(t, "syncCard"), "sectionSubtitle").text,
+                    "Relie cette app a l'interface privee 127.0.0.1:9/velino.html.")
             compare(String(el(t, "webInterfaceLink").url), "https://127.0.0.1:9/velino.html")
             compare(el(t, "syncStatusLine").text, t.store.syncStatus)
-            compare(el(t, "appleStatusChip").text, "Apple Mail actif")
-            compare(el(t, "appleHint").text,
-                    "Ouvre un brouillon HTML natif dans Apple Mail avec le compte configure sur ce Mac.")
-            compare(el(t, "previewTitle").text, "Previsualisation")
-            compare(el(t, "previewSubtitle").text, "Mail client Korvel")
 
             const summaries = [["summary.state", "ETAT", t.store.currentFormatStatus, "Version actuelle"],
                                ["summary.recipient", "DESTINATAIRE", "Mme Lambert", "client@example.com"],
@@ -449,7 +523,7 @@ Item {
                     clearField(t, "recipientName")
                     waitForDebounce(t, before)
                 }
-                const control = focusField(t, name)
+                const control = focusControl(t, "field." + name)
                 const loads = preview.loader.loadCount
                 let typed
                 if (colours[name] !== undefined) {
@@ -515,6 +589,7 @@ Item {
         function test_presetTilesFollowTheStore() {
             const t = openUnlocked()
             compare(tiles(t).map(tile => tile.text), ["Devis", "Appareil pret", "Rendez-vous", "Relance"])
+            verify(tiles(t).every(tile => tile.summary.length > 0), "every tile has its summary")
             compare(activeTiles(t), ["presetTile.devis"])
 
             mouseClick(el(t, "presetTile.pret"))
@@ -547,20 +622,7 @@ Item {
             compare(t.store.data.subject, el(t, "field.subject").field.text)
         }
 
-        function test_saveAsNewNeedsAName() {
-            const t = openUnlocked()
-            const button = el(t, "saveAsNewButton")
-            compare(button.text, "Enregistrer comme nouveau")
-            compare(t.store.customPresetDraftName, "")
-            compare(button.enabled, false)
-            typeInto(t, "presetNameField", "   ")
-            compare(t.store.customPresetDraftName, "   ")
-            compare(button.enabled, false, "blank name")
-            typeInto(t, "presetNameField", "Client fidele")
-            compare(button.enabled, true)
-        }
-
-        function test_savedPresetList() {
+        function test_savingAndUpdatingPresets() {
             const t = openUnlocked()
             const update = el(t, "updateLoadedButton")
             const line = el(t, "loadedPresetLine")
@@ -573,8 +635,17 @@ Item {
                     "Enregistre un preset perso pour rappeler un mail entier, ses champs et sa signature en un clic.")
             compare(el(t, "customPresetList").visible, false)
 
-            typeInto(t, "presetNameField", "Ecran iPhone")
-            mouseClick(el(t, "saveAsNewButton"))
+            const save = el(t, "saveAsNewButton")
+            compare(save.text, "Enregistrer comme nouveau")
+            compare(t.store.customPresetDraftName, "")
+            compare(save.enabled, false)
+            const nameField = typeInto(t, "presetNameField", "   ")
+            compare(t.store.customPresetDraftName, "   ")
+            compare(save.enabled, false, "blank name")
+            nameField.selectAll()
+            TestSupport.typeText(t.window, "Ecran iPhone")
+            compare(save.enabled, true)
+            mouseClick(save)
             compare(t.store.customPresets.length, 1)
             const entry = t.store.customPresets[0]
             const row = el(t, "customPresetRow." + entry.id)
@@ -614,6 +685,14 @@ Item {
             const edited = defaultSubject + " modifie"
             compare(t.store.data.subject, edited)
 
+            // Escape cancels, as Annuler does.
+            mouseClick(el(t, "newButton"))
+            tryVerify(() => w.resetAlert.opened)
+            TestSupport.keyClick(w, Qt.Key_Escape)
+            compare(t.controller.showResetAlert, false)
+            tryVerify(() => !w.resetAlert.visible)
+            compare(t.store.data.subject, edited)
+
             mouseClick(el(t, "newButton"))
             compare(t.controller.showResetAlert, true)
             tryVerify(() => w.resetAlert.opened)
@@ -639,16 +718,6 @@ Item {
             compare(el(t, "field.mailTitle").field.text, "Votre devis est pret")
             compare(activeTiles(t), ["presetTile.devis"])
             compare(t.store.lastAction, "Nouveau message.")
-        }
-
-        function test_escapeCancelsTheReset() {
-            const t = openUnlocked()
-            typeInto(t, "field.subject", "!")
-            mouseClick(el(t, "newButton"))
-            tryVerify(() => t.window.resetAlert.opened)
-            TestSupport.keyClick(t.window, Qt.Key_Escape)
-            compare(t.controller.showResetAlert, false)
-            compare(t.store.data.subject, defaultSubject + "!")
         }
 
         // ---- Sync ----------------------------------------------------------------------
@@ -689,6 +758,8 @@ Item {
             compare(t.alerts.answered,
                     ["Le code prive doit contenir au moins 16 caracteres. Genere-le depuis l'interface iPhone."])
             compare(t.alerts.unanswered, 0)
+            compare(JSON.stringify(t.alerts.shown), JSON.stringify([{ title: "Velino", message: t.alerts.answered[0],
+                                                                      buttons: 1, button: "OK", modal: true }]))
             compare(t.store.isSyncing, false)
             compare(t.store.syncCode, "ABC")
             compare(el(t, "syncCodeField").field.text, "ABC")
@@ -701,29 +772,52 @@ Item {
 
         function test_exportThroughTheSavePanel() {
             const t = openUnlocked()
+            const panelItem = (w, name) => findNamed(w.exportPanel.contentItem, name)
+            // Annuler changes nothing.
+            const before = t.store.lastAction
+            t.panel.script = (panel, w) => mouseClick(panelItem(w, "savePanelCancel"))
+            mouseClick(el(t, "exportButton"))
+            compare(t.panel.runs, 1)
+            compare(t.store.lastAction, before)
+            verify(!t.controller.dialogs.isModal)
+
+            // The folder disappears before the file is written: the window's alert says so.
+            const gone = TestSupport.makeTemporaryFolder()
+            t.panel.script = (panel, w) => {
+                panel.openFolder(gone)
+                verify(TestSupport.removeFolder(gone))
+                panel.save()
+            }
+            mouseClick(el(t, "exportButton"))
+            compare(t.panel.runs, 2)
+            tryVerify(() => t.alerts.answered.length === 1, 5000)
+            compare(t.alerts.answered, ["Impossible d'exporter le mail HTML."])
+            compare(t.store.lastAction, before)
+            verify(!t.controller.dialogs.isModal)
+
+            // Saved in a new folder made from the panel.
             const folder = TestSupport.makeTemporaryFolder()
             let seen = null
             t.panel.script = (panel, w) => {
                 seen = { title: panel.title, fileName: panel.fileName,
-                         shownTitle: findNamed(w.exportPanel.contentItem, "savePanelTitle").text }
+                         shownTitle: panelItem(w, "savePanelTitle").text }
                 panel.openFolder(folder)
-                // A new folder, made from the panel.
-                mouseClick(findNamed(w.exportPanel.contentItem, "savePanelNewFolder"))
-                const nameField = findNamed(w.exportPanel.contentItem, "savePanelFolderName").field
+                mouseClick(panelItem(w, "savePanelNewFolder"))
+                const nameField = panelItem(w, "savePanelFolderName").field
                 tryVerify(() => nameField.activeFocus)
                 nameField.selectAll()
                 TestSupport.typeText(w, "Clients")
                 seen.typedFolderName = nameField.text
-                mouseClick(findNamed(w.exportPanel.contentItem, "savePanelCreateFolder"))
+                mouseClick(panelItem(w, "savePanelCreateFolder"))
                 seen.folderAfterCreate = panel.folder
                 seen.chosenPath = panel.chosenPath
                 // The folder name row closes: let the panel lay out again before clicking.
                 wait(50)
-                mouseClick(findNamed(w.exportPanel.contentItem, "savePanelSave"))
+                mouseClick(panelItem(w, "savePanelSave"))
                 seen.openAfterSave = panel.isOpen
             }
             mouseClick(el(t, "exportButton"))
-            compare(t.panel.runs, 1)
+            compare(t.panel.runs, 3)
             verify(seen)
             compare(seen.title, "Exporter le mail HTML")
             compare(seen.shownTitle, "Exporter le mail HTML")
@@ -736,20 +830,7 @@ Item {
             compare(t.store.lastAction, "HTML exporte vers votre-devis-korvel-est-pret.html.")
             verify(TestSupport.fileExists(path), path)
             compare(TestSupport.readTextFile(path), t.store.generatedHTML)
-            compare(t.store.lastAction, "HTML exporte vers votre-devis-korvel-est-pret.html.")
             compare(el(t, "actionChip").text, t.store.lastAction)
-        }
-
-        function test_cancelledExportChangesNothing() {
-            const t = openUnlocked()
-            const before = t.store.lastAction
-            t.panel.script = (panel, w) => {
-                mouseClick(findNamed(w.exportPanel.contentItem, "savePanelCancel"))
-            }
-            mouseClick(el(t, "exportButton"))
-            compare(t.panel.runs, 1)
-            compare(t.store.lastAction, before)
-            verify(!t.controller.dialogs.isModal)
         }
     }
 }
