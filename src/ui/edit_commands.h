@@ -11,8 +11,9 @@ namespace velino::ui {
 // The edit menu's four commands, sent to whichever text field or editor of the window
 // has the keyboard focus, like a first responder. Opening a menu moves the focus into a
 // popup for a moment: items inside popups and the menu bar are passed over, so a command
-// chosen with the mouse still reaches the field that had the focus before. When the
-// focused item is not a text control the command does nothing.
+// chosen with the mouse still reaches the field that had the focus before. Inside the
+// e-mail preview the command goes to the web view (copying or selecting the page's text).
+// When the focused item is neither the command does nothing.
 class EditCommands : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -27,7 +28,7 @@ public:
     // The item the commands act on now, or null.
     QQuickItem *target() const;
 
-    // Each returns whether a text control performed the command.
+    // Each returns whether a text control or the web view performed the command.
     Q_INVOKABLE bool cut();
     Q_INVOKABLE bool copy();
     Q_INVOKABLE bool paste();
@@ -37,6 +38,8 @@ public:
     static bool isTransient(const QQuickItem *item);
     // Whether the item is a text control that has the method "name()".
     static bool canPerform(const QQuickItem *item, const char *signature);
+    // The web view the item belongs to (itself or an ancestor), or null.
+    static QQuickItem *enclosingWebView(QQuickItem *item);
 
 Q_SIGNALS:
     void windowChanged();
@@ -44,7 +47,7 @@ Q_SIGNALS:
 
 private:
     void onActiveFocusItemChanged();
-    bool perform(const char *name, const char *signature);
+    bool perform(const char *name, const char *signature, const char *webAction);
 
     QPointer<QQuickWindow> m_window;
     QMetaObject::Connection m_focusConnection;

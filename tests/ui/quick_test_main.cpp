@@ -1,7 +1,9 @@
 #include "scene_graph_backend.h"
 
+#include <QClipboard>
 #include <QDir>
 #include <QFile>
+#include <QGuiApplication>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -59,6 +61,11 @@ public:
         return QString::fromUtf8(file.readAll());
     }
     Q_INVOKABLE bool fileExists(const QString &path) const { return QFile::exists(path); }
+
+    Q_INVOKABLE QString clipboardText() const { return QGuiApplication::clipboard()->text(); }
+    Q_INVOKABLE void setClipboardText(const QString &text) const {
+        QGuiApplication::clipboard()->setText(text);
+    }
     Q_INVOKABLE bool removeFolder(const QString &path) const {
         return QDir(path).removeRecursively();
     }

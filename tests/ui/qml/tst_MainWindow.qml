@@ -563,6 +563,26 @@ Item {
             tryCompare(preview.webView, "title", defaultSubject + " demain", 10000)
         }
 
+        function test_editMenuSelectsAndCopiesInThePreview() {
+            const t = openUnlocked()
+            const preview = el(t, "htmlPreview")
+            tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000)
+            preview.webView.forceActiveFocus()
+            const selection = () => {
+                let value = null
+                preview.webView.runJavaScript("window.getSelection().toString()",
+                                              (result) => { value = result })
+                tryVerify(() => value !== null, 5000)
+                return value
+            }
+            compare(selection(), "")
+            verify(t.window.editCommands.selectAll())
+            tryVerify(() => selection().indexOf("Votre devis est pret") >= 0, 5000)
+            TestSupport.setClipboardText("")
+            verify(t.window.editCommands.copy())
+            tryVerify(() => TestSupport.clipboardText().indexOf("Votre devis est pret") >= 0, 5000)
+        }
+
         function test_blocInfosShowsZeroWithoutDetails() {
             const t = openUnlocked()
             const card = el(t, "summary.details")
