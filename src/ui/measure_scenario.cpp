@@ -1,6 +1,8 @@
 #include "measure_scenario.h"
 
+#include "composer_store.h"
 #include "lock_state.h"
+#include "window_controller.h"
 #include "window_probe.h"
 
 #include <QDateTime>
@@ -87,6 +89,9 @@ void MeasureScenario::unlock() {
     connect(m_view, SIGNAL(loadingChanged(QWebEngineLoadingInfo)), this,
             SLOT(onViewLoadingChanged()));
     connect(m_loader, SIGNAL(loadRequested()), this, SLOT(onLoadRequested()));
+    if (auto *controller = m_window->findChild<WindowController *>())
+        connect(controller->store(), &ComposerStore::generatedHTMLChanged, this,
+                &MeasureScenario::onHtmlRegenerated);
     onViewLoadingChanged();
 }
 
@@ -96,8 +101,8 @@ void MeasureScenario::onViewLoadingChanged() {
     if (m_step == Step::FirstLoad && m_loader->property("hasShownPage").toBool()) {
         m_step = Step::FirstPreviewFrame;
         m_window->update();
-    } else if (m_step == Step::Reload &&
-               m_loader->property("loadCount").toInt() > m_loadsAtLastKey) {
+    } else if (m_step == Step::Reload && m_loadsAtRegeneration >= 0 &&
+               m_loader->property("loadCount").toInt() > m_loadsAtRegeneration) {
         report("preview-loaded");
         m_step = Step::ReloadFrame;
         m_window->update();
@@ -105,8 +110,15 @@ void MeasureScenario::onViewLoadingChanged() {
 }
 
 void MeasureScenario::onLoadRequested() {
-    if (m_step == Step::Reload)
+    if (m_step == Step::Reload && m_loadsAtRegeneration >= 0)
         report("preview-reload-requested");
+}
+
+void MeasureScenario::onHtmlRegenerated() {
+    if (m_step != Step::Reload || m_loadsAtRegeneration >= 0 || !m_loader)
+        return;
+    m_loadsAtRegeneration = m_loader->property("loadCount").toInt();
+    report("regenerated");
 }
 
 void MeasureScenario::typeNextKey() {
@@ -119,7 +131,6 @@ void MeasureScenario::typeNextKey() {
     QKeyEvent release(QEvent::KeyRelease, key, Qt::ShiftModifier, QString(QLatin1Char(c)));
     if (--m_keysLeft == 0) {
         m_keyTimer.stop();
-        m_loadsAtLastKey = m_loader ? m_loader->property("loadCount").toInt() : 0;
         m_step = Step::Reload;
         report("last-key");
     }

@@ -15,7 +15,9 @@ namespace velino::ui {
 // submitted), main-painted (first frame of the main content, the preview still loading),
 // preview-painted (first frame after the preview's first page has loaded),
 // last-key (the last of eight keys typed into "Objet du mail", 50 ms apart),
-// preview-reload-requested (the regenerated e-mail handed to the web view),
+// regenerated (the store published the new e-mail, after its debounce),
+// preview-reload-requested (the regenerated e-mail handed to the web view; the reloads
+// that every keystroke causes before, still with the old e-mail, do not count),
 // preview-loaded (the web view finished loading it), preview-repainted (the first frame
 // after that), done.
 // The program keeps running afterwards, so that its memory can be read; its settings are
@@ -30,6 +32,7 @@ private Q_SLOTS:
     void onFrameSwapped();
     void onViewLoadingChanged();
     void onLoadRequested();
+    void onHtmlRegenerated();
 
 private:
     enum class Step {
@@ -54,7 +57,8 @@ private:
     Step m_step = Step::LockFrame;
     bool m_mainPainted = false;
     int m_keysLeft = 8;
-    int m_loadsAtLastKey = 0;
+    // Loads requested before the regenerated e-mail was published; -1 until then.
+    int m_loadsAtRegeneration = -1;
     QTimer m_keyTimer;
 };
 

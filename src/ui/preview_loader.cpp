@@ -143,7 +143,7 @@ void HtmlPreviewLoader::setView(QObject *view) {
         }
     }
     Q_EMIT viewChanged();
-    load();
+    scheduleLoad();
 }
 
 void HtmlPreviewLoader::setHtml(const QString &html) {
@@ -151,7 +151,7 @@ void HtmlPreviewLoader::setHtml(const QString &html) {
     m_html = html;
     if (changed)
         Q_EMIT htmlChanged();
-    load();
+    scheduleLoad();
 }
 
 void HtmlPreviewLoader::setServiceHost(const QString &host) {
@@ -159,17 +159,51 @@ void HtmlPreviewLoader::setServiceHost(const QString &host) {
         return;
     m_serviceHost = host;
     Q_EMIT serviceHostChanged();
-    load();
+    scheduleLoad();
+}
+
+void HtmlPreviewLoader::setChangeSource(QObject *source) {
+    if (m_changeSource == source)
+        return;
+    for (const QMetaObject::Connection &connection : std::as_const(m_changeConnections))
+        disconnect(connection);
+    m_changeConnections.clear();
+    m_changeSource = source;
+    if (source) {
+        const QMetaObject *meta = source->metaObject();
+        const QMetaMethod slot =
+            staticMetaObject.method(staticMetaObject.indexOfSlot("scheduleLoad()"));
+        QList<int> signalIndexes;
+        for (int i = meta->propertyOffset(); i < meta->propertyCount(); ++i) {
+            const QMetaProperty property = meta->property(i);
+            if (property.hasNotifySignal() &&
+                !signalIndexes.contains(property.notifySignalIndex())) {
+                signalIndexes.append(property.notifySignalIndex());
+                m_changeConnections.append(connect(source, property.notifySignal(), this, slot));
+            }
+        }
+    }
+    Q_EMIT changeSourceChanged();
+    scheduleLoad();
+}
+
+void HtmlPreviewLoader::scheduleLoad() {
+    if (m_loadScheduled)
+        return;
+    m_loadScheduled = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_loadScheduled = false;
+            load();
+        },
+        Qt::QueuedConnection);
 }
 
 QUrl HtmlPreviewLoader::fileUrl() const {
     if (!m_lastLoadUsedFile || !m_file)
         return QUrl();
     return QUrl::fromLocalFile(m_file->fileName());
-}
-
-void HtmlPreviewLoader::reload() {
-    load();
 }
 
 int HtmlPreviewLoader::dataUrlLengthOf(const QString &html) const {
@@ -182,7 +216,7 @@ void HtmlPreviewLoader::classBegin() {
 
 void HtmlPreviewLoader::componentComplete() {
     m_complete = true;
-    load();
+    scheduleLoad();
 }
 
 void HtmlPreviewLoader::load() {

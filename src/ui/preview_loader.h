@@ -42,7 +42,9 @@ QByteArray previewFileContents(const QByteArray &utf8, const QUrl &baseUrl);
 
 // Loads the preview's HTML into a web view (a WebEngineView, or anything with the same
 // loadHtml(string, url) method and `url` and `loading` properties). Every assignment of
-// `html`, also with the same text, reloads the page, as does a change of the host.
+// `html`, also with the same text, reloads the page, as does a change of the host and any
+// change announced by `changeSource` (the store: status texts included). Loads are made
+// once per event-loop turn, after the changes of that turn, like a view re-evaluated.
 class HtmlPreviewLoader : public QObject, public QQmlParserStatus {
     Q_OBJECT
     QML_NAMED_ELEMENT(PreviewLoader)
@@ -50,6 +52,8 @@ class HtmlPreviewLoader : public QObject, public QQmlParserStatus {
     Q_PROPERTY(QObject *view READ view WRITE setView NOTIFY viewChanged)
     Q_PROPERTY(QString html READ html WRITE setHtml NOTIFY htmlChanged)
     Q_PROPERTY(QString serviceHost READ serviceHost WRITE setServiceHost NOTIFY serviceHostChanged)
+    Q_PROPERTY(
+        QObject *changeSource READ changeSource WRITE setChangeSource NOTIFY changeSourceChanged)
     Q_PROPERTY(QUrl baseUrl READ baseUrl NOTIFY serviceHostChanged)
     Q_PROPERTY(int loadCount READ loadCount NOTIFY loadRequested)
     Q_PROPERTY(bool lastLoadUsedFile READ lastLoadUsedFile NOTIFY loadRequested)
@@ -69,6 +73,8 @@ public:
     QString serviceHost() const { return m_serviceHost; }
     void setServiceHost(const QString &host);
     QUrl baseUrl() const { return previewBaseUrl(m_serviceHost); }
+    QObject *changeSource() const { return m_changeSource; }
+    void setChangeSource(QObject *source);
 
     int loadCount() const { return m_loadCount; }
     bool lastLoadUsedFile() const { return m_lastLoadUsedFile; }
@@ -78,8 +84,6 @@ public:
     // True once the view has finished a first load: until then it stays hidden, so that
     // nothing (no white page) is drawn before the e-mail.
     bool hasShownPage() const { return m_hasShownPage; }
-
-    Q_INVOKABLE void reload();
 
     static int maxDataUrlLength() { return int(kMaxDataUrlLength); }
     // Length of the data: URL loadHtml() would build for this text.
@@ -92,11 +96,13 @@ Q_SIGNALS:
     void viewChanged();
     void htmlChanged();
     void serviceHostChanged();
+    void changeSourceChanged();
     void loadRequested();
     void hasShownPageChanged();
 
 private Q_SLOTS:
     void onViewLoadingChanged();
+    void scheduleLoad();
 
 private:
     void load();
@@ -104,6 +110,9 @@ private:
 
     QPointer<QObject> m_view;
     QMetaObject::Connection m_loadingConnection;
+    QPointer<QObject> m_changeSource;
+    QList<QMetaObject::Connection> m_changeConnections;
+    bool m_loadScheduled = false;
     QString m_html;
     QString m_serviceHost;
     bool m_complete = true;

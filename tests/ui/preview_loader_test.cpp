@@ -1,5 +1,6 @@
 #include "preview_loader.h"
 
+#include <QCoreApplication>
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -30,6 +31,26 @@ public:
 private:
     QUrl m_url;
 };
+
+// Stands in for the store: two published texts, each with its own change signal.
+class FakeSource : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString status MEMBER status NOTIFY statusChanged)
+    Q_PROPERTY(QString html MEMBER html NOTIFY htmlChanged)
+
+public:
+    QString status;
+    QString html;
+
+Q_SIGNALS:
+    void statusChanged();
+    void htmlChanged();
+};
+
+// Runs the loads the loader has scheduled for the end of this event-loop turn.
+void endTurn() {
+    QCoreApplication::sendPostedEvents();
+}
 
 // A document of `length` unreserved characters whose data: URL is prefix + length.
 QString plainDocument(qsizetype length) {
@@ -124,14 +145,17 @@ TEST(HtmlPreviewLoader, OnlyTheLastTwoFilesAreKeptAndNoneAfterASmallDocument) {
     const QString html = largeDocument();
 
     loader.setHtml(html);
+    endTurn();
     const QString first = view.url().toLocalFile();
     loader.setHtml(html);
+    endTurn();
     const QString second = view.url().toLocalFile();
     EXPECT_NE(first, second);
     EXPECT_TRUE(QFile::exists(first));
     EXPECT_TRUE(QFile::exists(second));
 
     loader.setHtml(html);
+    endTurn();
     const QString third = view.url().toLocalFile();
     EXPECT_FALSE(QFile::exists(first));
     EXPECT_TRUE(QFile::exists(second));
@@ -139,6 +163,7 @@ TEST(HtmlPreviewLoader, OnlyTheLastTwoFilesAreKeptAndNoneAfterASmallDocument) {
     EXPECT_EQ(view.urlLoads, urlLoads + 3);
 
     loader.setHtml(QStringLiteral("<p>petit</p>"));
+    endTurn();
     EXPECT_FALSE(loader.lastLoadUsedFile());
     EXPECT_FALSE(QFile::exists(second));
     EXPECT_FALSE(QFile::exists(third));
@@ -151,6 +176,7 @@ TEST(HtmlPreviewLoader, FilesAreRemovedWithTheLoader) {
         HtmlPreviewLoader loader;
         loader.setView(&view);
         loader.setHtml(largeDocument());
+        endTurn();
         path = view.url().toLocalFile();
         ASSERT_TRUE(QFile::exists(path));
     }
@@ -160,6 +186,7 @@ TEST(HtmlPreviewLoader, FilesAreRemovedWithTheLoader) {
 TEST(HtmlPreviewLoader, LoadsOnlyOnceCompleteAndWithAView) {
     HtmlPreviewLoader alone;
     alone.setHtml(QStringLiteral("<p>A</p>"));
+    endTurn();
     EXPECT_EQ(alone.loadCount(), 0);
 
     FakeWebView view;
@@ -168,11 +195,58 @@ TEST(HtmlPreviewLoader, LoadsOnlyOnceCompleteAndWithAView) {
     loader.setView(&view);
     loader.setServiceHost(QStringLiteral("korvel.example"));
     loader.setHtml(QStringLiteral("<p>A</p>"));
+    endTurn();
     EXPECT_EQ(view.htmlLoads, 0);
     EXPECT_EQ(loader.loadCount(), 0);
     loader.componentComplete();
+    endTurn();
     EXPECT_EQ(view.htmlLoads, 1);
     EXPECT_EQ(loader.loadCount(), 1);
+}
+
+TEST(HtmlPreviewLoader, EveryChangeOfTheSourceReloadsOncePerTurn) {
+    FakeWebView view;
+    FakeSource source;
+    HtmlPreviewLoader loader;
+    loader.setView(&view);
+    loader.setHtml(QStringLiteral("<p>A</p>"));
+    loader.setChangeSource(&source);
+    endTurn();
+    EXPECT_EQ(view.htmlLoads, 1);
+
+    // A status text alone reloads the same page.
+    Q_EMIT source.statusChanged();
+    endTurn();
+    EXPECT_EQ(view.htmlLoads, 2);
+
+    // A regeneration: new HTML and several announcements in one turn, one load.
+    Q_EMIT source.htmlChanged();
+    loader.setHtml(QStringLiteral("<p>B</p>"));
+    Q_EMIT source.statusChanged();
+    Q_EMIT source.statusChanged();
+    EXPECT_EQ(view.htmlLoads, 2);
+    endTurn();
+    EXPECT_EQ(view.htmlLoads, 3);
+    EXPECT_EQ(loader.loadCount(), 3);
+
+    // Another source, or none: the old one no longer reloads anything.
+    loader.setChangeSource(nullptr);
+    endTurn();
+    const int loads = view.htmlLoads;
+    Q_EMIT source.statusChanged();
+    endTurn();
+    EXPECT_EQ(view.htmlLoads, loads);
+
+    // A source destroyed while watched leaves the loader working.
+    {
+        FakeSource shortLived;
+        loader.setChangeSource(&shortLived);
+        endTurn();
+    }
+    EXPECT_EQ(loader.changeSource(), nullptr);
+    loader.setHtml(QStringLiteral("<p>C</p>"));
+    endTurn();
+    EXPECT_EQ(view.htmlLoads, loads + 2);
 }
 
 #include "preview_loader_test.moc"

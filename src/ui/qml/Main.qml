@@ -10,10 +10,13 @@ import Velino
 ApplicationWindow {
     id: appWindow
 
+    // The content is at least 1320 x 900; the menu bar, drawn inside the window here,
+    // comes on top of that.
+    readonly property int menuBarHeight: menuBar ? menuBar.implicitHeight : 0
     minimumWidth: 1320
-    minimumHeight: 900
+    minimumHeight: 900 + menuBarHeight
     width: 1320
-    height: 900
+    height: 900 + menuBarHeight
     title: Qt.application.name
     color: AppTheme.backgroundBase
 

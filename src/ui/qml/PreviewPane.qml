@@ -151,6 +151,8 @@ Item {
                 anchors.margins: 14
                 html: root.store.generatedHTML
                 serviceHost: root.controller.serviceHost
+                // The page is reloaded after every change the store publishes.
+                changeSource: root.store
             }
 
             // The web view cannot be clipped to a rounded shape without an offscreen pass

@@ -258,8 +258,9 @@ Item {
         function test_windowStartsLockedAndRefusesWrongPasswords() {
             const w = openWindow().window
             compare(w.minimumWidth, 1320)
-            compare(w.minimumHeight, 900)
-            verify(w.width >= 1320 && w.height >= 900)
+            verify(w.menuBarHeight > 0)
+            compare(w.minimumHeight, 900 + w.menuBarHeight)
+            verify(w.width >= 1320 && w.contentItem.height >= 900, "content " + w.contentItem.height)
             compare(w.lockState.isUnlocked, false)
             verify(findNamed(w.contentItem, "lockLoader").active)
             verify(!findNamed(w.contentItem, "mainLoader").active)
@@ -561,6 +562,12 @@ Item {
             tryCompare(preview.webView, "title", t.store.generatedSubject, 10000)
             typeInto(t, "field.subject", " demain")
             tryCompare(preview.webView, "title", defaultSubject + " demain", 10000)
+            // Any change the store publishes reloads the page, the same HTML included.
+            const html = t.store.generatedHTML
+            const loads = preview.loader.loadCount
+            t.store.customPresetDraftName = "Essai"
+            tryVerify(() => preview.loader.loadCount === loads + 1, 2000)
+            compare(t.store.generatedHTML, html)
         }
 
         function test_editMenuSelectsAndCopiesInThePreview() {
