@@ -17,7 +17,6 @@
 #include <QTimer>
 
 #include <cstdio>
-#include <memory>
 
 namespace velino::ui {
 
@@ -89,18 +88,12 @@ bool applyPresetOnUnlock(QQuickWindow *window, const QString &id) {
         return false;
     }
     auto apply = [controller, id] { controller->store()->applyPresetById(id); };
-    if (lock->isUnlocked()) {
+    // A window is unlocked once and stays so: the first change is the unlock.
+    if (lock->isUnlocked())
         apply();
-        return true;
-    }
-    auto connection = std::make_shared<QMetaObject::Connection>();
-    *connection = QObject::connect(lock, &LockState::isUnlockedChanged, controller,
-                                   [lock, apply, connection] {
-                                       if (!lock->isUnlocked())
-                                           return;
-                                       QObject::disconnect(*connection);
-                                       apply();
-                                   });
+    else
+        QObject::connect(lock, &LockState::isUnlockedChanged, controller, apply,
+                         Qt::SingleShotConnection);
     return true;
 }
 

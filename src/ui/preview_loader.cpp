@@ -250,8 +250,6 @@ void HtmlPreviewLoader::load() {
     m_lastLoadUsedFile = usedFile;
     m_lastLoadWasBlank = plan.route == PreviewPlan::Route::Blank;
     ++m_loadCount;
-    if (!m_hasShownPage)
-        m_awaitingFirstPage = true;
     Q_EMIT loadRequested();
 }
 
@@ -268,9 +266,9 @@ bool HtmlPreviewLoader::writeTemporaryFile(const QByteArray &contents) {
 }
 
 void HtmlPreviewLoader::onViewLoadingChanged() {
-    if (!m_awaitingFirstPage || !m_view || m_view->property("loading").toBool())
+    // Only the end of the first load requested matters.
+    if (m_hasShownPage || m_loadCount == 0 || !m_view || m_view->property("loading").toBool())
         return;
-    m_awaitingFirstPage = false;
     m_hasShownPage = true;
     Q_EMIT hasShownPageChanged();
 }

@@ -119,7 +119,6 @@ private:
     int m_loadCount = 0;
     bool m_lastLoadUsedFile = false;
     bool m_lastLoadWasBlank = false;
-    bool m_awaitingFirstPage = false;
     bool m_hasShownPage = false;
     // The file shown now and the one before it, which a page still loading may read.
     std::unique_ptr<QTemporaryFile> m_file;

@@ -117,9 +117,8 @@ QImage diagonalGradientImage(const QList<GradientStopValue> &stops) {
 }
 
 QImage roundedResourceImage(const QString &name, int radiusPermille, const QSize &size) {
-    if (name.isEmpty() || name.contains(u'/'))
-        return QImage();
-    QImage source(QString::fromUtf16(kImageResourcePrefix) + name + QStringLiteral(".png"));
+    const QString path = imageResourcePath(name);
+    QImage source = path.isEmpty() ? QImage() : QImage(path);
     if (source.isNull())
         return QImage();
     if (size.isValid() && !size.isEmpty())
@@ -162,7 +161,7 @@ QUrl diagonalGradientImageUrl(const QList<GradientStopValue> &stops) {
 }
 
 QUrl roundedImageUrl(const QString &name, int radiusPermille) {
-    if (imageResourceUrl(name).isEmpty())
+    if (imageResourcePath(name).isEmpty())
         return QUrl();
     return QUrl(QStringLiteral("image://%1/rounded/%2/%3")
                     .arg(QLatin1StringView(SurfaceImageProvider::kName))

@@ -22,13 +22,16 @@ QString preferredFontFamily() {
     return family;
 }
 
-QUrl imageResourceUrl(const QString &name) {
+QString imageResourcePath(const QString &name) {
     if (name.isEmpty() || name.contains(u'/'))
-        return QUrl();
+        return QString();
     const QString path = QString::fromUtf16(kImageResourcePrefix) + name + QStringLiteral(".png");
-    if (!QFile::exists(path))
-        return QUrl();
-    return QUrl(QStringLiteral("qrc") + path);
+    return QFile::exists(path) ? path : QString();
+}
+
+QUrl imageResourceUrl(const QString &name) {
+    const QString path = imageResourcePath(name);
+    return path.isEmpty() ? QUrl() : QUrl(QStringLiteral("qrc") + path);
 }
 
 UiHelpers::UiHelpers(QObject *parent) : QObject(parent) {}

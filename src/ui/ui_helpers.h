@@ -16,6 +16,9 @@ inline constexpr char16_t kImageResourcePrefix[] = u":/velino/";
 // Font family of the whole window: Inter when installed, otherwise the default sans-serif.
 QString preferredFontFamily();
 
+// The resource path of the application image `name` (":/velino/NAME.png"), or an empty
+// text when there is no such image.
+QString imageResourcePath(const QString &name);
 // Address of the PNG image resource named `name`, or an empty URL when there is none.
 QUrl imageResourceUrl(const QString &name);
 
