@@ -8,6 +8,7 @@
 #include <QUrl>
 #include <QUuid>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -42,7 +43,8 @@ public:
     virtual QUuid newId() = 0;
 };
 
-// A blocking warning titled "Velino" with one button.
+// A warning titled "Velino" with one button. It is shown modally and the call returns at
+// once: nothing waits for the user to read it.
 class AlertPresenter {
 public:
     virtual ~AlertPresenter() = default;
@@ -66,10 +68,14 @@ public:
 // Modal save dialog restricted to HTML files, folder creation allowed.
 class SaveDialog {
 public:
-    virtual ~SaveDialog() = default;
     // The chosen file path, or nothing when cancelled.
-    virtual std::optional<QString> askSaveLocation(const QString &title,
-                                                   const QString &suggestedName) = 0;
+    using Answer = std::function<void(const std::optional<QString> &path)>;
+
+    virtual ~SaveDialog() = default;
+    // Opens the dialog and returns at once; `answer` is called once the user has chosen,
+    // or never when the dialog goes away unanswered (its window closed).
+    virtual void askSaveLocation(const QString &title, const QString &suggestedName,
+                                 Answer answer) = 0;
 };
 
 class FileSystem {

@@ -180,6 +180,7 @@ protected:
 private:
     // Output actions' helpers.
     void copyRichHTMLToPasteboard();
+    void writeExport(const std::optional<QString> &location, const QString &html);
 
     // Sync helpers.
     std::optional<QString> validatedSyncCode();

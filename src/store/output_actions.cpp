@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QPointer>
 #include <QUrl>
 
 // Output actions: copy, export, standalone preview and the mail-application draft.
@@ -57,11 +58,20 @@ void ComposerStore::copyHTML() {
 void ComposerStore::exportHTML() {
     regenerate();
     persist();
-    const std::optional<QString> location = services_.saveDialog->askSaveLocation(
-        QStringLiteral("Exporter le mail HTML"), suggestedFileName(generatedSubject_));
+    // The dialog is modal: what is written is what was shown and saved when it opened.
+    const QPointer<ComposerStore> self(this);
+    services_.saveDialog->askSaveLocation(
+        QStringLiteral("Exporter le mail HTML"), suggestedFileName(generatedSubject_),
+        [self, html = generatedHTML_](const std::optional<QString> &location) {
+            if (self)
+                self->writeExport(location, html);
+        });
+}
+
+void ComposerStore::writeExport(const std::optional<QString> &location, const QString &html) {
     if (!location || location->isEmpty())
         return; // cancelled: nothing to report
-    if (!services_.files->writeUtf8Atomically(*location, generatedHTML_)) {
+    if (!services_.files->writeUtf8Atomically(*location, html)) {
         services_.alerts->showWarning(QStringLiteral("Impossible d'exporter le mail HTML."));
         return;
     }

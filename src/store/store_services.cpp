@@ -17,8 +17,8 @@ public:
 
 class CancelledSaveDialog final : public SaveDialog {
 public:
-    std::optional<QString> askSaveLocation(const QString &, const QString &) override {
-        return std::nullopt;
+    void askSaveLocation(const QString &, const QString &, Answer answer) override {
+        answer(std::nullopt);
     }
 };
 

@@ -1,6 +1,11 @@
 #include "window_dialogs.h"
 
-#include <QEventLoop>
+#include <QDir>
+#include <QFileInfo>
+#include <QPointer>
+#include <QStandardPaths>
+
+#include <utility>
 
 namespace velino::ui {
 
@@ -23,11 +28,13 @@ class WindowSaveDialog final : public SaveDialog {
 public:
     explicit WindowSaveDialog(WindowDialogs *dialogs) : m_dialogs(dialogs) {}
 
-    std::optional<QString> askSaveLocation(const QString &title,
-                                           const QString &suggestedName) override {
-        if (!m_dialogs)
-            return std::nullopt;
-        return m_dialogs->savePanel()->run(title, suggestedName);
+    void askSaveLocation(const QString &title, const QString &suggestedName,
+                         Answer answer) override {
+        if (!m_dialogs) {
+            answer(std::nullopt);
+            return;
+        }
+        m_dialogs->requestSaveLocation(title, suggestedName, std::move(answer));
     }
 
 private:
@@ -36,61 +43,131 @@ private:
 
 } // namespace
 
-WindowDialogs::WindowDialogs(QObject *parent) : QObject(parent), m_savePanel(new SavePanel(this)) {
-    connect(m_savePanel, &SavePanel::isOpenChanged, this, &WindowDialogs::isModalChanged);
-}
+WindowDialogs::WindowDialogs(QObject *parent) : QObject(parent) {}
 
-WindowDialogs::~WindowDialogs() {
-    for (const PendingAlert &alert : std::as_const(m_alerts)) {
-        if (alert.loop)
-            alert.loop->quit();
-    }
-}
+WindowDialogs::~WindowDialogs() = default;
 
 QString WindowDialogs::alertTitle() const {
     return QStringLiteral("Velino");
 }
 
 QString WindowDialogs::alertText() const {
-    return m_alerts.isEmpty() ? QString() : m_alerts.constLast().text;
+    return m_alerts.isEmpty() ? QString() : m_alerts.constLast();
 }
 
 QString WindowDialogs::alertButtonText() const {
     return QStringLiteral("OK");
 }
 
-void WindowDialogs::showWarning(const QString &informativeText) {
-    QEventLoop loop;
-    const quint64 id = ++m_nextAlertId;
-    const bool wasModal = isModal();
-    m_alerts.append({id, informativeText, &loop});
-    Q_EMIT alertChanged();
-    if (!wasModal)
+void WindowDialogs::notifyModal(bool wasModal) {
+    if (wasModal != isModal())
         Q_EMIT isModalChanged();
-    loop.exec();
-    // Already gone when dismissed; still there when the loop ended for another reason
-    // (the application quitting).
-    removeAlert(id);
+}
+
+void WindowDialogs::showWarning(const QString &informativeText) {
+    const bool wasModal = isModal();
+    m_alerts.append(informativeText);
+    Q_EMIT alertChanged();
+    notifyModal(wasModal);
 }
 
 void WindowDialogs::dismissAlert() {
     if (m_alerts.isEmpty())
         return;
-    const PendingAlert top = m_alerts.constLast();
-    removeAlert(top.id);
-    if (top.loop)
-        top.loop->quit();
+    const bool wasModal = isModal();
+    m_alerts.removeLast();
+    Q_EMIT alertChanged();
+    notifyModal(wasModal);
 }
 
-void WindowDialogs::removeAlert(quint64 id) {
-    const auto it = std::find_if(m_alerts.begin(), m_alerts.end(),
-                                 [id](const PendingAlert &alert) { return alert.id == id; });
-    if (it == m_alerts.end())
+void WindowDialogs::requestSaveLocation(const QString &title, const QString &suggestedName,
+                                        SaveDialog::Answer answer) {
+    if (m_saveAnswer) {
+        answer(std::nullopt);
         return;
-    m_alerts.erase(it);
-    Q_EMIT alertChanged();
-    if (!isModal())
-        Q_EMIT isModalChanged();
+    }
+    const bool wasModal = isModal();
+    m_saveAnswer = std::move(answer);
+    m_saveTitle = title;
+    m_saveFolder = startFolder();
+    m_suggestedName = suggestedName;
+    Q_EMIT saveChanged();
+    notifyModal(wasModal);
+}
+
+QUrl WindowDialogs::suggestedFile() const {
+    if (m_suggestedName.isEmpty())
+        return {};
+    return QUrl::fromLocalFile(QDir(m_saveFolder).filePath(m_suggestedName));
+}
+
+QString WindowDialogs::withHtmlExtension(const QString &path) {
+    if (path.endsWith(QStringLiteral(".html"), Qt::CaseInsensitive) ||
+        path.endsWith(QStringLiteral(".htm"), Qt::CaseInsensitive))
+        return path;
+    return path + QStringLiteral(".html");
+}
+
+void WindowDialogs::chooseSaveFile(const QUrl &file) {
+    if (!m_saveAnswer || !m_replacePath.isEmpty())
+        return;
+    if (!file.isLocalFile()) {
+        finishSave(std::nullopt);
+        return;
+    }
+    const QString path = withHtmlExtension(QDir::cleanPath(file.toLocalFile()));
+    if (QFileInfo::exists(path)) {
+        m_replacePath = path;
+        Q_EMIT saveChanged();
+        return;
+    }
+    finishSave(path);
+}
+
+void WindowDialogs::cancelSave() {
+    if (m_saveAnswer && m_replacePath.isEmpty())
+        finishSave(std::nullopt);
+}
+
+QString WindowDialogs::replaceQuestionText() const {
+    if (m_replacePath.isEmpty())
+        return {};
+    return QStringLiteral("Un fichier nomme \"") + QFileInfo(m_replacePath).fileName() +
+           QStringLiteral("\" existe deja. Le remplacer ?");
+}
+
+void WindowDialogs::confirmReplace() {
+    if (!m_replacePath.isEmpty())
+        finishSave(m_replacePath);
+}
+
+void WindowDialogs::declineReplace() {
+    if (m_replacePath.isEmpty())
+        return;
+    // Back to the file dialog, as a native one does when its question is declined.
+    m_replacePath.clear();
+    Q_EMIT saveChanged();
+}
+
+void WindowDialogs::finishSave(const std::optional<QString> &path) {
+    const bool wasModal = isModal();
+    SaveDialog::Answer answer = std::exchange(m_saveAnswer, nullptr);
+    m_replacePath.clear();
+    if (path)
+        m_lastFolder = QFileInfo(*path).absolutePath();
+    Q_EMIT saveChanged();
+    notifyModal(wasModal);
+    if (answer)
+        answer(path);
+}
+
+QString WindowDialogs::startFolder() const {
+    if (!m_lastFolder.isEmpty() && QFileInfo(m_lastFolder).isDir())
+        return m_lastFolder;
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    if (!documents.isEmpty() && QFileInfo(documents).isDir())
+        return documents;
+    return QDir::homePath();
 }
 
 std::shared_ptr<AlertPresenter> WindowDialogs::alertPresenter() {

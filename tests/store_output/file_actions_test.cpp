@@ -58,6 +58,31 @@ TEST_F(OutputTest, ExportWritesTheDocumentToTheChosenFile) {
     EXPECT_EQ(saveDialog->suggestedNames[1], suggestedFileName(store->generatedSubject()));
 }
 
+// The dialog answers later, from the event loop: the file holds what was shown when it
+// opened, and an answer arriving after the store is gone does nothing.
+TEST_F(OutputTest, ExportAnsweredLaterWritesWhatWasShownWhenAsked) {
+    saveDialog->deferred = true;
+    const QString target = dir.filePath("plus-tard.html");
+    saveDialog->answer = target;
+    auto store = makeOutputStore();
+    store->setDataField("subject", "Objet au moment de l'export");
+    store->exportHTML();
+    const QString shown = store->generatedHTML();
+    EXPECT_FALSE(QFileInfo::exists(target));
+    store->setDataField("subject", "Objet change ensuite");
+    store->copySubject(); // regenerates
+    saveDialog->answerPending();
+    EXPECT_EQ(fileBytes(target), shown.toUtf8());
+    EXPECT_EQ(store->lastAction(), "HTML exporte vers plus-tard.html.");
+
+    const QString orphan = dir.filePath("orphelin.html");
+    saveDialog->answer = orphan;
+    store->exportHTML();
+    store.reset();
+    saveDialog->answerPending();
+    EXPECT_FALSE(QFileInfo::exists(orphan));
+}
+
 TEST_F(OutputTest, CancelledExportChangesNothingBeyondTheSave) {
     const auto store = makeOutputStore();
     store->copySubject();

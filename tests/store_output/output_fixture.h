@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include "../store/store_fixture.h"
 
 #include "mail_app_executor.h"
@@ -31,19 +33,29 @@ public:
     QtClipboard real;
 };
 
-// Answers with the prepared location, or cancels when there is none.
+// Answers with the prepared location, or cancels when there is none; at once, or only
+// when answerPending() is called if `deferred` is set.
 class FakeSaveDialog final : public SaveDialog {
 public:
     explicit FakeSaveDialog(EventLog log) : log(std::move(log)) {}
-    std::optional<QString> askSaveLocation(const QString &title,
-                                           const QString &suggestedName) override {
+    void askSaveLocation(const QString &title, const QString &suggestedName,
+                         Answer answerWith) override {
         log->append(QStringLiteral("saveDialog"));
         titles.append(title);
         suggestedNames.append(suggestedName);
-        return answer;
+        pending = std::move(answerWith);
+        if (!deferred)
+            answerPending();
+    }
+    void answerPending() {
+        Answer take = std::exchange(pending, nullptr);
+        if (take)
+            take(answer);
     }
     EventLog log;
     std::optional<QString> answer;
+    bool deferred = false;
+    Answer pending;
     QStringList titles;
     QStringList suggestedNames;
 };

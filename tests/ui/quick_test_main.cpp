@@ -42,6 +42,7 @@ public:
     Q_INVOKABLE void setEnvironment(const QString &name, const QString &value) const {
         qputenv(name.toLocal8Bit().constData(), value.toLocal8Bit());
     }
+    Q_INVOKABLE QString homeAtStart() const { return m_home; }
     Q_INVOKABLE void unsetEnvironment(const QString &name) const {
         qunsetenv(name.toLocal8Bit().constData());
     }
@@ -85,6 +86,7 @@ public:
 
 private:
     std::vector<std::unique_ptr<QTemporaryDir>> m_folders;
+    const QString m_home = qEnvironmentVariable("HOME");
 };
 
 class Setup : public QObject {

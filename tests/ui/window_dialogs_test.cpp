@@ -1,68 +1,99 @@
 #include "window_dialogs.h"
 
+#include <QDir>
+#include <QFile>
 #include <QSignalSpy>
-#include <QTimer>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <optional>
 
 using velino::ui::WindowDialogs;
 
-TEST(WindowDialogs, WarningBlocksUntilDismissed) {
+TEST(WindowDialogs, WarningsReturnAtOnceAndAreShownNewestFirst) {
     WindowDialogs dialogs;
-    QSignalSpy changed(&dialogs, &WindowDialogs::alertChanged);
-    dialogs.dismissAlert(); // no alert: nothing happens
-    EXPECT_EQ(changed.count(), 0);
     QSignalSpy modal(&dialogs, &WindowDialogs::isModalChanged);
-    bool visibleDuring = false;
-    QString textDuring;
-    bool modalDuring = false;
-    QTimer::singleShot(10, &dialogs, [&] {
-        visibleDuring = dialogs.alertVisible();
-        textDuring = dialogs.alertText();
-        modalDuring = dialogs.isModal();
-        dialogs.dismissAlert();
-    });
-    dialogs.showWarning(QStringLiteral("Impossible d'exporter le mail HTML."));
-    EXPECT_TRUE(visibleDuring);
-    EXPECT_TRUE(modalDuring);
-    EXPECT_EQ(textDuring, QStringLiteral("Impossible d'exporter le mail HTML."));
-    EXPECT_FALSE(dialogs.alertVisible());
-    EXPECT_TRUE(dialogs.alertText().isEmpty());
+    dialogs.dismissAlert(); // no alert: nothing happens
+    dialogs.showWarning(QStringLiteral("Impossible d'ouvrir l'apercu."));
+    dialogs.showWarning(QStringLiteral("Synchronisation impossible."));
+    EXPECT_TRUE(dialogs.isModal());
+    EXPECT_EQ(dialogs.pendingAlertCount(), 2);
+    EXPECT_EQ(dialogs.alertText(), QStringLiteral("Synchronisation impossible."));
+    dialogs.dismissAlert();
+    EXPECT_EQ(dialogs.alertText(), QStringLiteral("Impossible d'ouvrir l'apercu."));
+    dialogs.dismissAlert();
     EXPECT_FALSE(dialogs.isModal());
     EXPECT_EQ(modal.count(), 2);
     EXPECT_EQ(dialogs.alertTitle(), QStringLiteral("Velino"));
     EXPECT_EQ(dialogs.alertButtonText(), QStringLiteral("OK"));
 }
 
-TEST(WindowDialogs, NestedWarningsAreAnsweredNewestFirst) {
-    WindowDialogs dialogs;
-    QStringList returned;
-    QStringList shown;
-    // While the first alert waits, a second one arrives (as a sync failure would).
-    QTimer::singleShot(10, &dialogs, [&] {
-        shown.append(dialogs.alertText());
-        QTimer::singleShot(10, &dialogs, [&] {
-            shown.append(dialogs.alertText());
-            EXPECT_EQ(dialogs.pendingAlertCount(), 2);
-            dialogs.dismissAlert();
-            // The first one is on screen again.
-            shown.append(dialogs.alertText());
-            EXPECT_EQ(dialogs.pendingAlertCount(), 1);
-        });
-        dialogs.showWarning(QStringLiteral("Synchronisation impossible."));
-        returned.append(QStringLiteral("second"));
-        QTimer::singleShot(10, &dialogs, [&] { dialogs.dismissAlert(); });
-    });
-    dialogs.showWarning(QStringLiteral("Impossible d'ouvrir l'apercu."));
-    returned.append(QStringLiteral("first"));
+// The save dialog's answers as the store receives them.
+TEST(WindowDialogs, SaveAnswersAndTheReplacementQuestion) {
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    QFile existing(dir.filePath(QStringLiteral("devis.html")));
+    ASSERT_TRUE(existing.open(QIODevice::WriteOnly));
+    existing.close();
 
-    EXPECT_EQ(returned, (QStringList{QStringLiteral("second"), QStringLiteral("first")}));
-    EXPECT_EQ(shown, (QStringList{QStringLiteral("Impossible d'ouvrir l'apercu."),
-                                  QStringLiteral("Synchronisation impossible."),
-                                  QStringLiteral("Impossible d'ouvrir l'apercu.")}));
-    EXPECT_FALSE(dialogs.alertVisible());
+    struct Case {
+        const char *name;
+        QString chosen;
+        bool replaceAsked;
+        // After the question (when asked): true = confirm, false = decline then cancel.
+        bool confirm;
+        std::optional<QString> expected;
+    };
+    const QString fresh = dir.filePath(QStringLiteral("nouveau"));
+    const QString old = dir.filePath(QStringLiteral("devis.html"));
+    const Case cases[] = {
+        {"new name gets .html", fresh, false, false, fresh + QStringLiteral(".html")},
+        {"existing file, replaced", old, true, true, old},
+        {"existing file, declined", old, true, false, std::nullopt},
+        {"cancelled", QString(), false, false, std::nullopt},
+    };
+    for (const Case &c : cases) {
+        WindowDialogs dialogs;
+        int answers = 0;
+        std::optional<QString> answer;
+        dialogs.requestSaveLocation(QStringLiteral("Exporter le mail HTML"),
+                                    QStringLiteral("devis.html"),
+                                    [&](const std::optional<QString> &path) {
+                                        ++answers;
+                                        answer = path;
+                                    });
+        EXPECT_TRUE(dialogs.saveRequested()) << c.name;
+        EXPECT_TRUE(dialogs.isModal()) << c.name;
+        EXPECT_EQ(dialogs.suggestedFile().fileName(), QStringLiteral("devis.html")) << c.name;
+        // A second request while one is open is refused at once.
+        std::optional<QString> second = QStringLiteral("unchanged");
+        dialogs.requestSaveLocation(QStringLiteral("x"), QStringLiteral("y"),
+                                    [&](const std::optional<QString> &path) { second = path; });
+        EXPECT_FALSE(second) << c.name;
+
+        if (c.chosen.isEmpty())
+            dialogs.cancelSave();
+        else
+            dialogs.chooseSaveFile(QUrl::fromLocalFile(c.chosen));
+        EXPECT_EQ(dialogs.replaceQuestionVisible(), c.replaceAsked) << c.name;
+        if (c.replaceAsked) {
+            EXPECT_FALSE(dialogs.saveRequested()) << c.name;
+            EXPECT_TRUE(dialogs.replaceQuestionText().contains(QStringLiteral("devis.html")));
+            EXPECT_EQ(answers, 0) << c.name;
+            if (c.confirm) {
+                dialogs.confirmReplace();
+            } else {
+                dialogs.declineReplace();
+                EXPECT_TRUE(dialogs.saveRequested()) << "back to the file dialog";
+                dialogs.cancelSave();
+            }
+        }
+        EXPECT_EQ(answers, 1) << c.name;
+        EXPECT_EQ(answer, c.expected) << c.name;
+        EXPECT_FALSE(dialogs.isModal()) << c.name;
+    }
 }
 
 TEST(WindowDialogs, StoreInterfacesOutliveTheWindow) {
@@ -70,8 +101,9 @@ TEST(WindowDialogs, StoreInterfacesOutliveTheWindow) {
     const std::shared_ptr<velino::AlertPresenter> alerts = dialogs->alertPresenter();
     const std::shared_ptr<velino::SaveDialog> save = dialogs->saveDialog();
     dialogs.reset();
-    // Nothing to wait for: both return at once.
     alerts->showWarning(QStringLiteral("Impossible d'ouvrir l'apercu."));
-    EXPECT_FALSE(save->askSaveLocation(QStringLiteral("Exporter le mail HTML"),
-                                       QStringLiteral("velino.html")));
+    std::optional<QString> answer = QStringLiteral("unchanged");
+    save->askSaveLocation(QStringLiteral("Exporter le mail HTML"), QStringLiteral("velino.html"),
+                          [&](const std::optional<QString> &path) { answer = path; });
+    EXPECT_FALSE(answer);
 }

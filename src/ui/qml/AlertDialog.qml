@@ -35,7 +35,7 @@ Popup {
 
     background: Surface {
         radius: 22
-        gradient: AppTheme.panelBackground
+        gradient: AppTheme.dialogSurface
         borderColor: AppTheme.inputLine
         shadowColor: Qt.rgba(0, 0, 0, 0.4)
         shadowRadius: 28

@@ -38,6 +38,12 @@ QtObject {
         GradientStop { position: 0.0; color: Qt.rgba(0.05, 0.07, 0.11, 0.94) }
         GradientStop { position: 1.0; color: Qt.rgba(0.03, 0.04, 0.08, 0.94) }
     }
+    // The panel's colours made opaque, for modal surfaces: nothing behind a dialog shows
+    // through it.
+    readonly property Gradient dialogSurface: Gradient {
+        GradientStop { position: 0.0; color: Qt.rgba(0.05, 0.07, 0.11, 1) }
+        GradientStop { position: 1.0; color: Qt.rgba(0.03, 0.04, 0.08, 1) }
+    }
     readonly property Gradient previewBackground: Gradient {
         GradientStop { position: 0.0; color: Qt.rgba(0.04, 0.06, 0.10, 0.96) }
         GradientStop { position: 1.0; color: Qt.rgba(0.03, 0.04, 0.08, 0.96) }

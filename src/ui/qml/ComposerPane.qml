@@ -202,15 +202,29 @@ Item {
                     Layout.fillWidth: true
                     spacing: 14
 
-                    RowLayout {
+                    // The code field beside the buttons when both fit whole (a full
+                    // 29-character code, the buttons on one line), else above them.
+                    GridLayout {
+                        id: syncRow
+                        objectName: "syncRow"
+                        readonly property real codeWidth: Math.max(codeMetrics.advanceWidth + 28,
+                                                                   syncCodeField.labelWidth)
                         Layout.fillWidth: true
-                        spacing: 12
+                        columns: width >= codeWidth + columnSpacing + syncActions.implicitWidth ? 2 : 1
+                        columnSpacing: 12
+                        rowSpacing: 14
+
+                        TextMetrics {
+                            id: codeMetrics
+                            font: syncCodeField.field.font
+                            text: "K7QF-2M9X-PL4D-8RWA-C3NZ-H6TB"
+                        }
 
                         LabeledTextField {
+                            id: syncCodeField
                             objectName: "syncCodeField"
                             Layout.fillWidth: true
-                            Layout.minimumWidth: 10
-                            Layout.preferredWidth: 1
+                            Layout.minimumWidth: syncRow.columns === 2 ? syncRow.codeWidth : 10
                             Layout.alignment: Qt.AlignBottom
                             title: "Code prive de synchronisation"
                             text: root.store.syncCode
@@ -218,29 +232,24 @@ Item {
                         }
 
                         ColumnLayout {
-                            Layout.preferredWidth: 360
-                            Layout.maximumWidth: 360
-                            Layout.minimumWidth: 360
-                            Layout.alignment: Qt.AlignBottom
+                            id: syncActions
+                            objectName: "syncActions"
+                            Layout.minimumWidth: implicitWidth
+                            Layout.alignment: Qt.AlignBottom | Qt.AlignLeft
                             spacing: 10
 
                             RowLayout {
-                                Layout.fillWidth: true
                                 spacing: 10
                                 ToolbarButton {
                                     objectName: "pullButton"
-                                    Layout.fillWidth: true
-                                    Layout.preferredWidth: implicitWidth
-                                    Layout.fillHeight: true
+                                    Layout.minimumWidth: implicitWidth
                                     text: "Recuperer depuis l'iPhone"
                                     enabled: !root.store.isSyncing
                                     onClicked: root.store.pullFromWeb()
                                 }
                                 ToolbarButton {
                                     objectName: "pushButton"
-                                    Layout.fillWidth: true
-                                    Layout.preferredWidth: implicitWidth
-                                    Layout.fillHeight: true
+                                    Layout.minimumWidth: implicitWidth
                                     text: "Envoyer vers l'iPhone"
                                     primary: true
                                     enabled: !root.store.isSyncing

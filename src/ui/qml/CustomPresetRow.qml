@@ -1,10 +1,13 @@
 import QtQuick
+import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Velino
 
 // One saved preset of the list: its name (with a "Charge" chip while it is the loaded
 // one), where it comes from and its subject, when it was last updated, and its three
 // actions. The row is given plain values and reports the buttons through its signals.
+// The buttons and the chip always keep their full size: a long name is shortened, and
+// shown whole in a tooltip.
 Item {
     id: root
 
@@ -37,6 +40,8 @@ Item {
 
         ColumnLayout {
             Layout.fillWidth: true
+            Layout.minimumWidth: 0
+            Layout.preferredWidth: 0
             Layout.alignment: Qt.AlignVCenter
             spacing: 6
 
@@ -45,7 +50,8 @@ Item {
                 spacing: 8
                 Text {
                     objectName: "presetName"
-                    Layout.fillWidth: implicitWidth > width
+                    Layout.fillWidth: true
+                    Layout.minimumWidth: 0
                     Layout.maximumWidth: implicitWidth
                     text: root.name
                     font.family: AppTheme.fontFamily
@@ -53,12 +59,18 @@ Item {
                     font.weight: Font.Bold
                     color: AppTheme.text
                     elide: Text.ElideRight
+                    ToolTip.visible: truncated && nameHover.hovered
+                    ToolTip.text: root.name
+                    HoverHandler {
+                        id: nameHover
+                    }
                 }
                 StatusChip {
                     objectName: "activeChip"
                     visible: root.isActive
                     text: "Charge"
                     tint: AppTheme.accent
+                    Layout.minimumWidth: implicitWidth
                 }
                 Item {
                     Layout.fillWidth: true
@@ -89,7 +101,9 @@ Item {
         }
 
         RowLayout {
+            objectName: "presetButtons"
             Layout.alignment: Qt.AlignVCenter
+            Layout.minimumWidth: implicitWidth
             spacing: 8
             ToolbarButton {
                 objectName: "loadButton"
@@ -105,6 +119,7 @@ Item {
             ToolbarButton {
                 objectName: "removeButton"
                 text: "Supprimer"
+                destructive: true
                 onClicked: root.remove()
             }
         }

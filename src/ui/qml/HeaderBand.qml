@@ -43,9 +43,12 @@ Item {
             cornerRadius: 20
         }
 
+        // Takes what the buttons leave; its chips are shortened before a button is.
         ColumnLayout {
             Layout.alignment: Qt.AlignVCenter
             Layout.fillWidth: true
+            Layout.minimumWidth: 0
+            Layout.preferredWidth: 0
             spacing: 6
 
             Text {
@@ -67,27 +70,44 @@ Item {
                 wrapMode: Text.Wrap
             }
             RowLayout {
+                objectName: "statusChips"
+                Layout.fillWidth: true
+                Layout.minimumWidth: 0
                 spacing: 12
                 StatusChip {
                     objectName: "formatChip"
+                    Layout.fillWidth: true
+                    Layout.minimumWidth: Math.min(implicitWidth, 48)
+                    Layout.maximumWidth: implicitWidth
                     text: root.store.currentFormatStatus
                     tint: AppTheme.accent
                 }
                 StatusChip {
                     objectName: "saveChip"
+                    Layout.fillWidth: true
+                    Layout.minimumWidth: Math.min(implicitWidth, 48)
+                    Layout.maximumWidth: implicitWidth
                     text: root.store.saveStatus
                     tint: AppTheme.accentSoft
                 }
                 StatusChip {
                     objectName: "actionChip"
+                    Layout.fillWidth: true
+                    Layout.minimumWidth: Math.min(implicitWidth, 48)
+                    Layout.maximumWidth: implicitWidth
                     text: root.store.lastAction
                     tint: AppTheme.cyan
+                }
+                Item {
+                    Layout.fillWidth: true
                 }
             }
         }
 
         RowLayout {
+            objectName: "headerButtons"
             Layout.alignment: Qt.AlignVCenter
+            Layout.minimumWidth: implicitWidth
             spacing: 10
 
             ToolbarButton {

@@ -1,11 +1,11 @@
 import QtQuick
 import QtQuick.Controls.Basic
-import QtQuick.Layouts
 import Velino
 
-// A titled multi-line editor, at least minHeight high and growing with its text.
-// `text` is the shown value; edits emit edited(text) for the owner to store.
-ColumnLayout {
+// A titled multi-line editor, at least minHeight high and otherwise exactly as high as
+// its text (laid out at the width it is given). `text` is the shown value; edits emit
+// edited(text) for the owner to store.
+Item {
     id: root
 
     property string title
@@ -15,18 +15,22 @@ ColumnLayout {
 
     signal edited(string text)
 
-    spacing: 8
+    // Sized by hand rather than by a layout: the editor's height follows its text at the
+    // width it is given, and a layout would keep a height measured at an earlier width.
+    implicitWidth: 200
+    implicitHeight: area.y + area.height
 
     FieldLabel {
-        Layout.fillWidth: true
+        id: label
+        width: root.width
         text: root.title
     }
 
     TextArea {
         id: area
-        Layout.fillWidth: true
-        Layout.minimumHeight: root.minHeight
-        Layout.preferredHeight: Math.max(root.minHeight, implicitHeight)
+        y: label.height + 8
+        width: root.width
+        height: Math.max(root.minHeight, contentHeight + topPadding + bottomPadding)
         text: root.text
         font.family: AppTheme.fontFamily
         font.pixelSize: 13

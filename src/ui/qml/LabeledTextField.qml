@@ -12,12 +12,15 @@ ColumnLayout {
     property string text
     property bool secure: false
     readonly property alias field: input
+    // The width the title needs to be shown whole.
+    readonly property real labelWidth: fieldLabel.implicitWidth
 
     signal edited(string text)
 
     spacing: 8
 
     FieldLabel {
+        id: fieldLabel
         Layout.fillWidth: true
         text: root.title
     }

@@ -1,12 +1,14 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import QtQuick.Dialogs
 import Velino
 
 // The root view of one window: the background gradient under everything, the lock
 // screen until the password is typed, then the main window content. Each window has its
 // own lock state and its own composer store (in its WindowController), created with the
 // window; the lock state is never saved. The window's modal dialogs (the reset
-// confirmation, the store's alerts and the export save panel) are attached here.
+// confirmation, the store's alerts, the export's file dialog and its replacement
+// question) are attached here. None of them blocks: each answers through a call.
 ApplicationWindow {
     id: appWindow
 
@@ -47,7 +49,8 @@ ApplicationWindow {
     readonly property alias controller: controller
     readonly property alias resetAlert: resetAlert
     readonly property alias warningAlert: warningAlert
-    readonly property alias exportPanel: exportPanel
+    readonly property alias exportDialog: exportDialog
+    readonly property alias replaceAlert: replaceAlert
 
     LockState {
         id: lockState
@@ -57,12 +60,6 @@ ApplicationWindow {
     WindowController {
         id: controller
         objectName: "windowController"
-    }
-
-    // A store operation waiting on one of the dialogs keeps the window open until answered.
-    onClosing: (close) => {
-        if (controller.dialogs.isModal)
-            close.accepted = false
     }
 
     EditCommands {
@@ -177,11 +174,52 @@ ApplicationWindow {
         }
     }
 
-    ExportPanel {
-        id: exportPanel
-        objectName: "exportPanel"
+    // The platform's save dialog (native where the desktop offers one). It does not ask
+    // before replacing a file: the window asks, once, in replaceAlert.
+    FileDialog {
+        id: exportDialog
+        objectName: "exportDialog"
+        title: controller.dialogs.saveTitle
+        fileMode: FileDialog.SaveFile
+        nameFilters: ["Pages HTML (*.html *.htm)"]
+        defaultSuffix: "html"
+        options: FileDialog.DontConfirmOverwrite
+        currentFolder: controller.dialogs.saveFolder
+        selectedFile: controller.dialogs.suggestedFile
+        onAccepted: controller.dialogs.chooseSaveFile(selectedFile)
+        onRejected: controller.dialogs.cancelSave()
+    }
+
+    Connections {
+        target: controller.dialogs
+        function onSaveChanged() {
+            if (controller.dialogs.saveRequested && !exportDialog.visible)
+                exportDialog.open()
+            else if (!controller.dialogs.saveRequested && exportDialog.visible)
+                exportDialog.close()
+        }
+    }
+
+    AlertDialog {
+        id: replaceAlert
+        objectName: "replaceAlert"
         z: 1
-        panel: controller.dialogs.savePanel
+        title: "Velino"
+        message: controller.dialogs.replaceQuestionText
+        shown: controller.dialogs.replaceQuestionVisible
+        onEscapePressed: controller.dialogs.declineReplace()
+
+        ToolbarButton {
+            objectName: "replaceCancelButton"
+            text: "Annuler"
+            onClicked: controller.dialogs.declineReplace()
+        }
+        ToolbarButton {
+            objectName: "replaceConfirmButton"
+            text: "Remplacer"
+            destructive: true
+            onClicked: controller.dialogs.confirmReplace()
+        }
     }
 
     // The store's warnings, above every other dialog.

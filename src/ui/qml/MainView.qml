@@ -58,7 +58,11 @@ Item {
                 objectName: "composerPane"
                 controller: root.controller
                 SplitView.minimumWidth: 540
-                SplitView.preferredWidth: Math.max(540, Math.round(split.width * 0.46))
+                // All the width the preview can spare at the smallest window (it keeps its
+                // 620), so that the form's two-column rows and the sync card have room;
+                // on wider windows a little under half.
+                SplitView.preferredWidth: Math.max(540, Math.min(split.width - 620 - 1,
+                                                                 Math.round(Math.max(700, split.width * 0.45))))
             }
 
             PreviewPane {

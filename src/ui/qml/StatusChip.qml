@@ -1,7 +1,9 @@
 import QtQuick
+import QtQuick.Controls.Basic
 import Velino
 
-// A capsule of bold white text on a tinted fill.
+// A capsule of bold white text on a tinted fill. Given less width than its text needs,
+// the text is shortened and shown whole in a tooltip.
 Item {
     id: root
 
@@ -29,4 +31,10 @@ Item {
         color: "white"
         elide: Text.ElideRight
     }
+
+    HoverHandler {
+        id: hover
+    }
+    ToolTip.visible: label.truncated && hover.hovered
+    ToolTip.text: root.text
 }

@@ -11,8 +11,6 @@ LabeledTextEditor {
 
     objectName: "field." + fieldName
     Layout.fillWidth: true
-    Layout.preferredWidth: 1
-    Layout.minimumWidth: 10
 
     text: store.data[fieldName]
     onEdited: (value) => store.setDataField(fieldName, value)

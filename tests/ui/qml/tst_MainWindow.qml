@@ -59,40 +59,6 @@ Item {
         }
     }
 
-    // Runs the test's script once the export save panel of a window is on screen.
-    Component {
-        id: savePanelAnswererComponent
-        Connections {
-            id: panelAnswerer
-            property var window
-            property var script: null
-            property int runs: 0
-
-            function onIsOpenChanged() {
-                if (target.isOpen)
-                    scriptTimer.restart()
-            }
-
-            property Timer scriptTimer: Timer {
-                interval: 30
-                onTriggered: {
-                    if (!panelAnswerer.target.isOpen)
-                        return
-                    if (!panelAnswerer.window.exportPanel.opened) {
-                        restart()
-                        return
-                    }
-                    panelAnswerer.runs += 1
-                    if (panelAnswerer.script)
-                        panelAnswerer.script(panelAnswerer.target, panelAnswerer.window)
-                    // Whatever the script did, the panel does not stay open.
-                    if (panelAnswerer.target.isOpen)
-                        panelAnswerer.target.cancel()
-                }
-            }
-        }
-    }
-
     // When the store published each new HTML, in milliseconds since the epoch.
     Component {
         id: htmlClockComponent
@@ -180,9 +146,7 @@ Item {
             tryVerify(() => w.visible && w.active, 5000)
             const alerts = createTemporaryObject(alertAnswererComponent, testCase,
                                                  { target: w.controller.dialogs, window: w })
-            const panel = createTemporaryObject(savePanelAnswererComponent, testCase,
-                                                { target: w.controller.dialogs.savePanel, window: w })
-            return { window: w, alerts: alerts, panel: panel }
+            return { window: w, alerts: alerts }
         }
 
         function lockItem(w, name) {
@@ -781,7 +745,7 @@ Item {
             const t = openUnlocked()
             typeInto(t, "syncCodeField", "abc")
             mouseClick(reveal(t, el(t, "pushButton")))
-            // The alert was shown and answered while the push waited for it.
+            tryVerify(() => t.alerts.answered.length === 1, 5000, "alert answered")
             compare(t.alerts.answered,
                     ["Le code prive doit contenir au moins 16 caracteres. Genere-le depuis l'interface iPhone."])
             compare(t.alerts.unanswered, 0)
@@ -797,67 +761,57 @@ Item {
 
         // ---- Export --------------------------------------------------------------------
 
-        function test_exportThroughTheSavePanel() {
+        // The items of the file dialog's Qt Quick form (the one used without a native
+        // dialog, as here).
+        function fileDialogItem(w, name) {
+            return findNamed(w.contentItem.parent, name) || findNamed(w.overlay, name)
+        }
+
+        function test_exportThroughTheFileDialog() {
             const t = openUnlocked()
-            const panelItem = (w, name) => findNamed(w.exportPanel.contentItem, name)
-            // Annuler changes nothing.
+            const w = t.window
+            const dialogs = t.controller.dialogs
             const before = t.store.lastAction
-            t.panel.script = (panel, w) => mouseClick(panelItem(w, "savePanelCancel"))
-            mouseClick(el(t, "exportButton"))
-            compare(t.panel.runs, 1)
-            compare(t.store.lastAction, before)
-            verify(!t.controller.dialogs.isModal)
+            // The dialog opens in the home folder when there is no Documents folder.
+            const home = TestSupport.makeTemporaryFolder()
+            TestSupport.setEnvironment("HOME", home)
+            try {
+                // Annuler changes nothing.
+                mouseClick(el(t, "exportButton"))
+                tryVerify(() => w.exportDialog.visible, 3000, "file dialog shown")
+                compare(w.exportDialog.title, "Exporter le mail HTML")
+                compare(w.exportDialog.currentFolder, "file://" + home)
+                const nameField = fileDialogItem(w, "fileNameTextField")
+                verify(nameField, "file name field")
+                tryCompare(nameField, "text", "votre-devis-korvel-est-pret.html")
+                w.exportDialog.reject()
+                tryVerify(() => !dialogs.isModal)
+                compare(t.store.lastAction, before)
 
-            // The folder disappears before the file is written: the window's alert says so.
-            const gone = TestSupport.makeTemporaryFolder()
-            t.panel.script = (panel, w) => {
-                panel.openFolder(gone)
-                verify(TestSupport.removeFolder(gone))
-                panel.save()
-            }
-            mouseClick(el(t, "exportButton"))
-            compare(t.panel.runs, 2)
-            tryVerify(() => t.alerts.answered.length === 1, 5000)
-            compare(t.alerts.answered, ["Impossible d'exporter le mail HTML."])
-            compare(t.store.lastAction, before)
-            verify(!t.controller.dialogs.isModal)
+                // Accepted as offered: written in the dialog's folder.
+                mouseClick(el(t, "exportButton"))
+                tryVerify(() => w.exportDialog.visible, 3000)
+                w.exportDialog.accept()
+                const path = home + "/votre-devis-korvel-est-pret.html"
+                tryVerify(() => TestSupport.fileExists(path), 3000, path)
+                compare(TestSupport.readTextFile(path), t.store.generatedHTML)
+                compare(t.store.lastAction, "HTML exporte vers votre-devis-korvel-est-pret.html.")
+                verify(!dialogs.isModal)
 
-            // Saved in a new folder made from the panel.
-            const folder = TestSupport.makeTemporaryFolder()
-            let seen = null
-            t.panel.script = (panel, w) => {
-                seen = { title: panel.title, fileName: panel.fileName,
-                         shownTitle: panelItem(w, "savePanelTitle").text }
-                panel.openFolder(folder)
-                mouseClick(panelItem(w, "savePanelNewFolder"))
-                const nameField = panelItem(w, "savePanelFolderName").field
-                tryVerify(() => nameField.activeFocus)
-                nameField.selectAll()
-                TestSupport.typeText(w, "Clients")
-                seen.typedFolderName = nameField.text
-                mouseClick(panelItem(w, "savePanelCreateFolder"))
-                seen.folderAfterCreate = panel.folder
-                seen.chosenPath = panel.chosenPath
-                // The folder name row closes: let the panel lay out again before clicking.
-                wait(50)
-                mouseClick(panelItem(w, "savePanelSave"))
-                seen.openAfterSave = panel.isOpen
+                // The same name again: the window asks before replacing, once.
+                mouseClick(el(t, "exportButton"))
+                tryVerify(() => w.exportDialog.visible, 3000)
+                w.exportDialog.accept()
+                tryVerify(() => w.replaceAlert.opened, 3000, "replacement question shown")
+                verify(!w.exportDialog.visible)
+                compare(findNamed(w.replaceAlert.contentItem, "alertMessage").text,
+                        "Un fichier nomme \"votre-devis-korvel-est-pret.html\" existe deja. Le remplacer ?")
+                mouseClick(findNamed(w.replaceAlert.contentItem, "replaceConfirmButton"))
+                tryVerify(() => !dialogs.isModal)
+                compare(t.store.lastAction, "HTML exporte vers votre-devis-korvel-est-pret.html.")
+            } finally {
+                TestSupport.setEnvironment("HOME", TestSupport.homeAtStart())
             }
-            mouseClick(el(t, "exportButton"))
-            compare(t.panel.runs, 3)
-            verify(seen)
-            compare(seen.title, "Exporter le mail HTML")
-            compare(seen.shownTitle, "Exporter le mail HTML")
-            compare(seen.fileName, "votre-devis-korvel-est-pret.html")
-            compare(seen.typedFolderName, "Clients")
-            compare(seen.folderAfterCreate, folder + "/Clients")
-            const path = folder + "/Clients/votre-devis-korvel-est-pret.html"
-            compare(seen.chosenPath, path)
-            compare(seen.openAfterSave, false, "Enregistrer answers the panel")
-            compare(t.store.lastAction, "HTML exporte vers votre-devis-korvel-est-pret.html.")
-            verify(TestSupport.fileExists(path), path)
-            compare(TestSupport.readTextFile(path), t.store.generatedHTML)
-            compare(el(t, "actionChip").text, t.store.lastAction)
         }
     }
 }
