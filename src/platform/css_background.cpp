@@ -5,6 +5,7 @@
 #include <QList>
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 
 namespace velino {

@@ -3,6 +3,11 @@
 #include "css_background.h"
 
 #include <QList>
+#include <QStringList>
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
 
 namespace velino {
 namespace {
