@@ -1,6 +1,8 @@
 #include "rich_text_converter.h"
 
+#include "html_import_filter.h"
 #include "rtf_writer.h"
+#include "visible_text.h"
 
 #include <QGuiApplication>
 #include <QStringDecoder>
@@ -29,10 +31,10 @@ std::optional<RichTextConversion> QtRichTextConverter::convert(const QByteArray 
         return std::nullopt;
 
     IsolatedTextDocument document;
-    document.setHtml(html);
+    document.setHtml(prepareHtmlForImport(html));
     RichTextConversion conversion;
     conversion.rtf = toRtf(document);
-    conversion.plainText = document.toPlainText();
+    conversion.plainText = visiblePlainText(document);
     return conversion;
 }
 

@@ -23,7 +23,9 @@ public:
     virtual std::optional<RichTextConversion> convert(const QByteArray &htmlUtf8) = 0;
 };
 
-// QTextDocument::setHtml, then toRtf (rtf_writer.h) and QTextDocument::toPlainText(). The
+// QTextDocument::setHtml of the HTML without its hidden elements and with solid colours for its
+// gradients (html_import_filter.h), then toRtf (rtf_writer.h) and visiblePlainText
+// (visible_text.h): no hidden preheader, no object placeholders. The
 // import counts as failed for input that is empty or blank (nothing to style), for bytes that
 // are not valid UTF-8, and when no QGuiApplication exists (text documents need its fonts).
 // Resources named by the HTML (images, style sheets) are never loaded, so a document cannot

@@ -1,5 +1,9 @@
 #include "rtf_writer.h"
 
+#include "color_contrast.h"
+#include "rtf_font_choice.h"
+#include "visible_text.h"
+
 #include <QColor>
 #include <QFont>
 #include <QList>
@@ -9,6 +13,8 @@
 #include <QTextCharFormat>
 #include <QTextDocument>
 #include <QTextFragment>
+#include <QTextFrame>
+#include <QTextTable>
 
 #include <algorithm>
 #include <cmath>
@@ -69,21 +75,23 @@ void appendText(QByteArray &out, QStringView text) {
     }
 }
 
-// A family name usable in the font table: vendor keywords such as "-apple-system" are
-// skipped, and the characters that end or nest a table entry are dropped.
-QString usableFamily(const QFont &font, const QString &fallback) {
-    QStringList families = font.families();
-    if (families.isEmpty())
-        families << font.family();
-    for (QString family : std::as_const(families)) {
-        family.remove(u';');
-        family.remove(u'{');
-        family.remove(u'}');
-        family = family.trimmed();
-        if (!family.isEmpty() && !family.startsWith(u'-'))
-            return family;
-    }
-    return fallback;
+// Below this contrast ratio (WCAG "large text" level) a run counts as unreadable.
+constexpr double kMinimumContrast = 3.0;
+// The page of a word processor and the colour of text with no colour of its own.
+const QColor kPage(255, 255, 255);
+const QColor kDocumentText(0, 0, 0);
+
+// The colour of a solid brush; other brushes (none, gradients, textures) paint nothing here.
+QColor solidColor(const QBrush &brush) {
+    return brush.style() == Qt::SolidPattern ? brush.color().toRgb() : QColor(0, 0, 0, 0);
+}
+
+bool sameColor(const QColor &a, const QColor &b) {
+    return a.rgb() == b.rgb();
+}
+
+bool isBlank(QStringView text) {
+    return visibleCharacters(text).trimmed().isEmpty();
 }
 
 int halfPoints(const QFont &font, const QFont &documentFont) {
@@ -113,25 +121,29 @@ QByteArray alignmentWord(Qt::Alignment alignment) {
 class RtfBuilder {
 public:
     explicit RtfBuilder(const QTextDocument &document)
-        : document_(document), documentFont_(document.defaultFont()),
-          defaultFamily_(usableFamily(documentFont_, QStringLiteral("Helvetica"))) {
-        fontIndex(defaultFamily_);
+        : document_(document), documentFont_(document.defaultFont()) {
+        QStringList stack = documentFont_.families();
+        if (stack.isEmpty())
+            stack << documentFont_.family();
+        defaultFont_ = fontChooser_.choose(stack);
+        fontIndex(defaultFont_);
     }
 
     QByteArray build() {
         QByteArray body;
-        bool first = true;
-        for (QTextBlock block = document_.begin(); block.isValid(); block = block.next()) {
-            if (!first)
+        const VisibleBlocks visible = visibleBlocks(document_);
+        for (QTextBlock block = visible.first; block.isValid(); block = block.next()) {
+            if (block != visible.first)
                 body += "\\par\n";
-            first = false;
             appendBlock(body, block);
+            if (block == visible.last)
+                break;
         }
 
         QByteArray out = "{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1\n{\\fonttbl";
         for (qsizetype i = 0; i < fonts_.size(); ++i) {
-            out += "{\\f" + QByteArray::number(i) + "\\fnil ";
-            appendText(out, fonts_[i]);
+            out += "{\\f" + QByteArray::number(i) + fonts_[i].familyClass + ' ';
+            appendText(out, fonts_[i].family);
             out += ";}";
         }
         out += "}\n{\\colortbl;";
@@ -147,23 +159,41 @@ public:
     }
 
 private:
-    qsizetype fontIndex(const QString &family) {
-        qsizetype i = fonts_.indexOf(family);
+    // What a block or run is painted on, over the page. Qt's HTML import copies a cell's
+    // background into the formats of the blocks and characters inside it, so a layer equal to
+    // the one below it is the same paint, counted once.
+    struct Backdrop {
+        QColor color = kPage;
+        QColor innermostLayer = QColor(0, 0, 0, 0);
+
+        void paint(const QColor &layer) {
+            if (layer.alpha() == 0 || layer == innermostLayer)
+                return;
+            color = composite(layer, color);
+            innermostLayer = layer;
+        }
+    };
+
+    qsizetype fontIndex(const RtfFont &font) {
+        qsizetype i = fonts_.indexOf(font);
         if (i < 0) {
-            fonts_.append(family);
+            fonts_.append(font);
             i = fonts_.size() - 1;
         }
         return i;
     }
 
-    // Index in the colour table, 0 for the automatic colour.
-    qsizetype colorIndex(const QTextCharFormat &format) {
-        if (!format.hasProperty(QTextFormat::ForegroundBrush))
-            return 0;
-        const QBrush brush = format.foreground();
-        if (brush.style() == Qt::NoBrush)
-            return 0;
-        const QColor color = brush.color().toRgb();
+    qsizetype fontIndex(const QFont &font) {
+        QStringList stack = font.families();
+        if (stack.isEmpty() && !font.family().isEmpty())
+            stack << font.family();
+        return fontIndex(stack.isEmpty() ? defaultFont_ : fontChooser_.choose(stack));
+    }
+
+    // Index of an opaque colour in the colour table (1 and up; 0 is the automatic colour).
+    qsizetype colorIndex(QColor color) {
+        color = color.toRgb();
+        color.setAlpha(255);
         qsizetype i = colors_.indexOf(color);
         if (i < 0) {
             colors_.append(color);
@@ -172,9 +202,43 @@ private:
         return i + 1;
     }
 
-    void appendRun(QByteArray &out, const QTextCharFormat &format, QStringView text) {
+    // The block's own background over those of the table cells, tables and frames around it.
+    Backdrop blockBackdrop(const QTextBlock &block) const {
+        QList<QColor> layers; // innermost first
+        layers << solidColor(block.blockFormat().background());
+        const int position = block.position();
+        for (QTextFrame *frame = document_.frameAt(position); frame; frame = frame->parentFrame()) {
+            if (const auto *table = qobject_cast<const QTextTable *>(frame)) {
+                if (const QTextTableCell cell = table->cellAt(position); cell.isValid())
+                    layers << solidColor(cell.format().background());
+            }
+            layers << solidColor(frame->frameFormat().background());
+        }
+        Backdrop backdrop;
+        for (auto layer = layers.crbegin(); layer != layers.crend(); ++layer)
+            backdrop.paint(*layer);
+        return backdrop;
+    }
+
+    void appendRun(QByteArray &out, const QTextCharFormat &format, QStringView text,
+                   const Backdrop &paragraph) {
+        Backdrop run = paragraph;
+        run.paint(solidColor(format.background()));
+        QColor background = run.color;
+        const bool coloured = format.hasProperty(QTextFormat::ForegroundBrush) &&
+                              format.foreground().style() != Qt::NoBrush;
+        QColor textColor =
+            coloured ? composite(format.foreground().color(), background) : kDocumentText;
+        bool explicitColor = coloured;
+        if (!isBlank(text) && contrastRatio(textColor, background) < kMinimumContrast) {
+            textColor = kDocumentText;
+            explicitColor = true;
+            if (contrastRatio(textColor, background) < kMinimumContrast)
+                background = kPage;
+        }
+
         const QFont font = format.font();
-        out += "{\\f" + QByteArray::number(fontIndex(usableFamily(font, defaultFamily_)));
+        out += "{\\f" + QByteArray::number(fontIndex(font));
         out += "\\fs" + QByteArray::number(halfPoints(font, documentFont_));
         if (format.fontWeight() >= QFont::DemiBold)
             out += "\\b";
@@ -182,15 +246,24 @@ private:
             out += "\\i";
         if (format.fontUnderline())
             out += "\\ul";
-        if (const qsizetype color = colorIndex(format); color > 0)
-            out += "\\cf" + QByteArray::number(color);
+        if (explicitColor || !sameColor(background, kPage))
+            out += "\\cf" + QByteArray::number(colorIndex(textColor));
+        if (!sameColor(background, kPage) || !sameColor(paragraph.color, kPage)) {
+            // \chcbpat for Word and LibreOffice, \cb for the Cocoa text system.
+            const QByteArray index = QByteArray::number(colorIndex(background));
+            out += "\\chcbpat" + index + "\\cb" + index;
+        }
         out += ' ';
         appendText(out, text);
         out += '}';
     }
 
     void appendBlock(QByteArray &out, const QTextBlock &block) {
-        out += "\\pard\\plain" + alignmentWord(block.blockFormat().alignment()) + ' ';
+        out += "\\pard\\plain" + alignmentWord(block.blockFormat().alignment());
+        const Backdrop backdrop = blockBackdrop(block);
+        if (!sameColor(backdrop.color, kPage))
+            out += "\\cbpat" + QByteArray::number(colorIndex(backdrop.color));
+        out += ' ';
         QString openLink;
         for (auto it = block.begin(); !it.atEnd(); ++it) {
             const QTextFragment fragment = it.fragment();
@@ -210,7 +283,7 @@ private:
                 }
                 openLink = href;
             }
-            appendRun(out, format, fragment.text());
+            appendRun(out, format, fragment.text(), backdrop);
         }
         if (!openLink.isEmpty())
             out += "}}";
@@ -218,8 +291,9 @@ private:
 
     const QTextDocument &document_;
     const QFont documentFont_;
-    const QString defaultFamily_;
-    QStringList fonts_;
+    RtfFontChooser fontChooser_;
+    RtfFont defaultFont_;
+    QList<RtfFont> fonts_;
     QList<QColor> colors_;
 };
 
