@@ -223,6 +223,7 @@ void HtmlPreviewLoader::load() {
     if (!m_complete || !m_view)
         return;
 
+    Q_EMIT aboutToLoad();
     const QByteArray utf8 = m_html.toUtf8();
     const PreviewPlan plan = planPreview(utf8, m_serviceHost);
     bool usedFile = false;

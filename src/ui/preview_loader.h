@@ -97,6 +97,8 @@ Q_SIGNALS:
     void htmlChanged();
     void serviceHostChanged();
     void changeSourceChanged();
+    // Just before the view is given a new page: the last moment to read the old one.
+    void aboutToLoad();
     void loadRequested();
     void hasShownPageChanged();
 

@@ -126,6 +126,36 @@ Item {
                     "Votre appareil attend")
         }
 
+        function tallHtml(paragraphs) {
+            return "<!DOCTYPE html>\n<html lang=\"fr\"><head><meta charset=\"utf-8\">" +
+                "<title>Long " + paragraphs + "</title></head><body style=\"margin:0\">" +
+                "<p style=\"height:40px;margin:0\">Ligne</p>".repeat(paragraphs) + "</body></html>"
+        }
+
+        function readingPosition(view) {
+            const scrollable = evaluate(view, "document.documentElement.scrollHeight - window.innerHeight")
+            return evaluate(view, "window.scrollY") / scrollable
+        }
+
+        // A reload keeps the reader where they were, in proportion when the page's height
+        // changed; a reader at the top stays at the top.
+        function test_reloadKeepsTheReadingPosition() {
+            const preview = makePreview({ html: tallHtml(100) })
+            waitForPage(preview, "Long 100")
+            compare(evaluate(preview.webView, "window.scrollY"), 0)
+            loadAndWait(preview.webView, () => preview.html = tallHtml(101))
+            compare(evaluate(preview.webView, "window.scrollY"), 0, "top stays top")
+
+            evaluate(preview.webView, "window.scrollTo(0, 0.6 * (document.documentElement.scrollHeight - window.innerHeight)); 0")
+            tryVerify(() => Math.abs(preview.webView.scrollPosition.y / (preview.webView.contentsSize.height - preview.webView.height) - 0.6) < 0.01,
+                      5000, "scroll known to the view")
+            for (const paragraphs of [100, 200]) {
+                loadAndWait(preview.webView, () => preview.html = tallHtml(paragraphs))
+                tryVerify(() => Math.abs(readingPosition(preview.webView) - 0.6) < 0.02, 5000,
+                          "position kept with " + paragraphs + " paragraphs: " + readingPosition(preview.webView))
+            }
+        }
+
         function test_pageHasTheHttpsBaseOfTheServiceHost() {
             const preview = makePreview({ html: smallHtml })
             waitForPage(preview, "Petit")
