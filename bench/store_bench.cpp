@@ -1,14 +1,14 @@
 // The store with a library of 1,000 saved presets: one save, and a whole construction
-// (load, repair, sort, first regeneration, first save), on a real settings file.
+// (load, repair, sort, first regeneration, first save), on real state files.
 
 #include "composer_store.h"
 #include "identifiers.h"
-#include "qt_services.h"
+#include "qt_state_storage.h"
 #include "saved_payload.h"
-#include "settings_format.h"
 
 #include <QCoreApplication>
-#include <QSettings>
+#include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
@@ -25,7 +25,8 @@ public:
 
 struct LibraryFixture {
     QTemporaryDir dir;
-    QString path = dir.filePath(QStringLiteral("Velino.conf"));
+    StateFiles files = StateFiles::inFolders(dir.filePath(QStringLiteral("config")),
+                                             dir.filePath(QStringLiteral("data")));
 
     LibraryFixture() {
         SavedPayload payload;
@@ -42,13 +43,15 @@ struct LibraryFixture {
             preset.updatedAt = Instant{788918400.0 + (i * 7919) % 1000};
             payload.customPresets.append(preset);
         }
-        QSettings settings(path, velinoSettingsFormat());
-        settings.setValue(ComposerStore::kDefaultsKey, payload.toJson());
+        QDir().mkpath(dir.filePath(QStringLiteral("data")));
+        QFile file(files.document);
+        if (file.open(QIODevice::WriteOnly))
+            file.write(payload.toJson());
     }
 
     StoreServices services() const {
         StoreServices s = StoreServices::qtDefaults();
-        s.settings = std::make_shared<QtSettingsStore>(path);
+        s.storage = std::make_shared<QtStateStorage>(files);
         return s;
     }
 };

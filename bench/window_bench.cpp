@@ -10,7 +10,7 @@
 //                      sum of the RSS counts a shared page once per process that maps it
 // Goals: 400 ms, 1 s, 250 ms, 250 MB. Needs a display:
 //   xvfb-run -a -s "-screen 0 1600x1000x24" build/bench/velino_window_bench [RUNS]
-// Each run starts with empty settings (a fresh XDG_CONFIG_HOME).
+// Each run starts with an empty saved state (fresh XDG_CONFIG_HOME and XDG_DATA_HOME).
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -94,6 +94,7 @@ std::optional<Run> runOnce(const QString &program) {
     QTemporaryDir runtime;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
+    env.insert(QStringLiteral("XDG_DATA_HOME"), config.filePath(QStringLiteral("data")));
     env.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime.path());
     if (geteuid() == 0)
         env.insert(QStringLiteral("QTWEBENGINE_DISABLE_SANDBOX"), QStringLiteral("1"));

@@ -15,22 +15,9 @@ QString MailBridge::missingSenderMessage() {
     return QStringLiteral("Renseigne l'email expediteur avant l'envoi.");
 }
 
-QString MailBridge::missingApplicationMessage() {
-    return QStringLiteral("Apple Mail est introuvable sur ce Mac.");
-}
-
-QString MailBridge::bridgeUnavailableMessage() {
-    return QStringLiteral("Impossible de preparer le pont Apple Mail dans cette app.");
-}
-
-QString MailBridge::automationPermissionMessage() {
-    return QStringLiteral("Apple Mail n'a pas pu creer le brouillon automatiquement. Verifie "
-                          "l'autorisation Automation de Velino dans Reglages Systeme > "
-                          "Confidentialite et securite.");
-}
-
-MailBridge::MailBridge(std::unique_ptr<MailAppExecutor> executor, UrlOpener &urlOpener)
-    : executor_(std::move(executor)), urlOpener_(urlOpener) {}
+MailBridge::MailBridge(std::unique_ptr<MailAppExecutor> executor, UrlOpener &urlOpener,
+                       const MailAppTexts &texts)
+    : executor_(std::move(executor)), urlOpener_(urlOpener), texts_(texts) {}
 
 std::optional<VelinoError> MailBridge::compose(const MailTemplateContext &context) {
     const QString recipient = text::trimmed(context.data.recipientEmail);
@@ -42,7 +29,7 @@ std::optional<VelinoError> MailBridge::compose(const MailTemplateContext &contex
     if (sender.isEmpty())
         return VelinoError{2, missingSenderMessage()};
     if (!executor_ || !executor_->findApplication())
-        return VelinoError{3, missingApplicationMessage()};
+        return VelinoError{3, texts_.applicationMissing};
 
     executor_->launchApplication();
 
@@ -57,10 +44,10 @@ std::optional<VelinoError> MailBridge::compose(const MailTemplateContext &contex
     if (!failure)
         return std::nullopt;
     if (failure->notPrepared)
-        return VelinoError{4, bridgeUnavailableMessage()};
+        return VelinoError{4, texts_.bridgeUnavailable};
     const QString message = failure->message ? text::trimmed(*failure->message) : QString();
     return VelinoError{failure->number.value_or(5),
-                       message.isEmpty() ? automationPermissionMessage() : message};
+                       message.isEmpty() ? texts_.automationRefused : message};
 }
 
 QString MailBridge::percentEncodedSubject(const QString &subject) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "mail_app_executor.h"
+#include "mail_app_texts.h"
 #include "mail_template_context.h"
 #include "platform_services.h"
 #include "velino_error.h"
@@ -17,16 +18,14 @@ namespace velino {
 // a plain "mailto:" link when that fails.
 class MailBridge {
 public:
-    // The French messages of the errors compose() returns, by code.
-    static QString missingRecipientMessage();   // 1
-    static QString missingSenderMessage();      // 2
-    static QString missingApplicationMessage(); // 3
-    static QString bridgeUnavailableMessage();  // 4
-    // Used when the mail application reports a failure without a message.
-    static QString automationPermissionMessage();
+    // The error messages of codes 1 and 2; those naming the mail application come from
+    // the given texts.
+    static QString missingRecipientMessage(); // 1
+    static QString missingSenderMessage();    // 2
 
     // The executor is owned; the URL opener must outlive the bridge.
-    MailBridge(std::unique_ptr<MailAppExecutor> executor, UrlOpener &urlOpener);
+    MailBridge(std::unique_ptr<MailAppExecutor> executor, UrlOpener &urlOpener,
+               const MailAppTexts &texts = platformMailAppTexts());
 
     // Creates a visible draft: subject, trimmed recipient and sender, the HTML document.
     // Checks, in order: recipient (code 1), sender (code 2), mail application (code 3); then
@@ -50,6 +49,7 @@ public:
 private:
     std::unique_ptr<MailAppExecutor> executor_;
     UrlOpener &urlOpener_;
+    const MailAppTexts &texts_;
 };
 
 } // namespace velino

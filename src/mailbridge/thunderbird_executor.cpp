@@ -3,7 +3,6 @@
 #include "identifiers.h"
 
 #include <QDir>
-#include <QFileInfo>
 
 namespace velino {
 namespace {
@@ -41,11 +40,7 @@ QString thunderbirdComposeArgument(const QString &recipient, const QString &send
 bool ThunderbirdExecutor::findApplication() {
     if (const std::optional<QString> program =
             launcher_.findProgram(QStringLiteral("thunderbird"))) {
-        QString directory = fileSystem_.temporaryDirectory();
-        if (program->startsWith(QStringLiteral("/snap/")))
-            directory = QDir::homePath() + QStringLiteral("/snap/") +
-                        QFileInfo(*program).fileName() + QStringLiteral("/common");
-        command_ = Command{*program, {}, directory};
+        command_ = Command{*program, {}, QString()};
         return true;
     }
     if (const std::optional<QString> flatpak = launcher_.findProgram(QStringLiteral("flatpak"))) {
@@ -55,7 +50,7 @@ bool ThunderbirdExecutor::findApplication() {
             command_ = Command{*flatpak,
                                {QStringLiteral("run"), flatpakId},
                                QDir::homePath() + QStringLiteral("/.var/app/") + flatpakId +
-                                   QStringLiteral("/cache")};
+                                   QStringLiteral("/cache/velino")};
             return true;
         }
     }
@@ -67,15 +62,18 @@ std::optional<DraftFailure> ThunderbirdExecutor::runDraft(const MailDraft &draft
     if (!command_ && !findApplication())
         return notPrepared();
 
-    const QString path = QDir(command_->draftDirectory)
-                             .filePath(QStringLiteral("velino-brouillon-") +
-                                       uuidText(ids_.newId()) + QStringLiteral(".html"));
+    const QString directory =
+        command_->draftDirectory.isEmpty() ? fileSystem_.privateFolder() : command_->draftDirectory;
+    if (directory.isEmpty())
+        return notPrepared();
+    const QString path = QDir(directory).filePath(QStringLiteral("velino-brouillon-") +
+                                                  uuidText(ids_.newId()) + QStringLiteral(".html"));
     const QString argument =
         thunderbirdComposeArgument(draft.recipient, draft.sender, draft.subject, path);
     if (argument.size() > maxThunderbirdArgumentLength)
         return failed(QStringLiteral("L'objet ou les adresses sont trop longs pour Thunderbird."));
 
-    if (!fileSystem_.writeUtf8Atomically(path, draft.html))
+    if (!fileSystem_.writePrivateUtf8(path, draft.html))
         return notPrepared();
 
     QStringList arguments = command_->leadingArguments;

@@ -36,9 +36,10 @@ inline constexpr qsizetype maxThunderbirdArgumentLength = 100000;
 //   detached (a first instance keeps running until Thunderbird is closed), so only a failed
 //   start can be reported. The file is left in place: Thunderbird reads it later, once its
 //   compose window opens.
-// Sandboxed packages have their own /tmp, so the file goes where the sandbox sees it at the
-// same path: ~/.var/app/org.mozilla.Thunderbird/cache for the Flatpak, ~/snap/<name>/common
-// for a Snap, the temporary directory otherwise.
+// The file goes to the file system's private folder, which a Snap package reads as well
+// (it sees neither /tmp nor hidden folders); the Flatpak gets it in its own
+// ~/.var/app/org.mozilla.Thunderbird/cache/velino, which it sees at the same path. Either
+// folder is private to the user, and so is the file.
 class ThunderbirdExecutor final : public MailAppExecutor {
 public:
     ThunderbirdExecutor(ProgramLauncher &launcher, FileSystem &fileSystem, IdGenerator &ids)
@@ -52,7 +53,7 @@ private:
     struct Command {
         QString program;
         QStringList leadingArguments;
-        QString draftDirectory;
+        QString draftDirectory; // empty: the file system's private folder
     };
 
     ProgramLauncher &launcher_;

@@ -17,18 +17,18 @@
 // replace only what cannot (dialogs, alerts, opening URLs).
 namespace velino {
 
-// Per-user key/value store.
-class SettingsStore {
+// Where the store keeps its saved state: one document and the sync code.
+class StateStorage {
 public:
-    virtual ~SettingsStore() = default;
-    // The binary value under key; nothing when absent or not binary.
-    virtual std::optional<QByteArray> readBytes(const QString &key) const = 0;
-    // The text under key; nothing when absent or not text.
-    virtual std::optional<QString> readText(const QString &key) const = 0;
-    virtual void writeBytes(const QString &key, const QByteArray &value) = 0;
-    virtual void writeText(const QString &key, const QString &value) = 0;
-    // Flushes pending writes to disk; false when they could not be written.
-    virtual bool sync() = 0;
+    virtual ~StateStorage() = default;
+    // The saved document; nothing when there is none or it cannot be read.
+    virtual std::optional<QByteArray> readDocument() const = 0;
+    // Replaces the saved document whole, durably; false when it was not written.
+    virtual bool writeDocument(const QByteArray &bytes) = 0;
+    // The saved sync code; nothing when there is none.
+    virtual std::optional<QString> readSyncCode() const = 0;
+    // Replaces the saved sync code; false when it was not written.
+    virtual bool writeSyncCode(const QString &code) = 0;
 };
 
 class Clock {
@@ -83,8 +83,13 @@ public:
     virtual ~FileSystem() = default;
     // Writes the whole text as UTF-8 through a temporary file and a rename.
     virtual bool writeUtf8Atomically(const QString &path, const QString &text) = 0;
-    // A writable per-user folder for throw-away files.
-    virtual QString temporaryDirectory() const = 0;
+    // The per-user folder for previews and drafts, which the user's browser and mail
+    // client can open and no other user can enter; made so when needed. Empty when it
+    // cannot be made so.
+    virtual QString privateFolder() = 0;
+    // Writes the whole text as UTF-8 into a file only its owner can read, in a folder only
+    // its owner can enter (made so when needed).
+    virtual bool writePrivateUtf8(const QString &path, const QString &text) = 0;
 };
 
 // Hands a URL (web page, mailto: link, local file) to the system's default handler.

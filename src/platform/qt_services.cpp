@@ -1,7 +1,7 @@
 #include "qt_services.h"
 
 #include "identifiers.h"
-#include "settings_format.h"
+#include "private_files.h"
 
 #include <QClipboard>
 #include <QDateTime>
@@ -10,98 +10,39 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
-#include <QLockFile>
 #include <QMimeData>
 #include <QProcess>
 #include <QSaveFile>
 #include <QStandardPaths>
 
-#ifdef Q_OS_UNIX
-#include <fcntl.h>
-#include <unistd.h>
-#endif
-
 namespace velino {
 namespace {
 
-// QSettings writes the new file through QSaveFile, which flushes its data to disk before
-// renaming it over the old one; flushing the folder as well makes the rename itself
-// survive a power cut right after the save.
-bool flushFolderToDisk(const QString &filePath) {
-#ifdef Q_OS_UNIX
-    const QByteArray folder = QFile::encodeName(QFileInfo(filePath).absolutePath());
-    const int fd = ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0)
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+bool openWithXdgOpen(const QString &xdgOpen, const QUrl &url) {
+    auto *process = new QProcess;
+    process->setProgram(xdgOpen);
+    process->setArguments({QString::fromUtf8(url.toEncoded())});
+    process->setStandardInputFile(QProcess::nullDevice());
+    process->setStandardOutputFile(QProcess::nullDevice());
+    process->setStandardErrorFile(QProcess::nullDevice());
+    process->start();
+    if (!process->waitForStarted()) {
+        delete process;
         return false;
-    const bool synced = ::fsync(fd) == 0;
-    ::close(fd);
-    return synced;
-#else
-    Q_UNUSED(filePath);
-    return true;
+    }
+    if (!process->waitForFinished(DesktopUrlOpener::kXdgOpenWaitMilliseconds)) {
+        // Deleting the QProcess would kill xdg-open, and with it a handler still starting.
+        QObject::connect(process, &QProcess::finished, process, &QObject::deleteLater);
+        return true;
+    }
+    const bool opened = process->exitStatus() == QProcess::NormalExit && process->exitCode() == 0;
+    delete process;
+    return opened;
+}
 #endif
-}
-
-// QSettings guards its file with "<file>.lock" and waits up to 30 seconds for a lock
-// left behind by a process that died before writing the lock's content. Such a lock is
-// cleared here first, once it is a second old, so a crash during a save never delays the
-// next start by half a minute.
-void clearAbandonedLock(const QString &settingsFile) {
-    QLockFile lock(settingsFile + QStringLiteral(".lock"));
-    lock.setStaleLockTime(1000);
-    if (lock.tryLock(2500))
-        lock.unlock();
-}
 
 } // namespace
-
-QtSettingsStore::QtSettingsStore() : settings_(makeSettings()) {}
-
-QtSettingsStore::QtSettingsStore(const QString &filePath)
-    : filePath_(filePath), settings_(makeSettings()) {}
-
-std::unique_ptr<QSettings> QtSettingsStore::makeSettings() const {
-    std::unique_ptr<QSettings> settings =
-        filePath_.isEmpty()
-            ? std::make_unique<QSettings>(velinoSettingsFormat(), QSettings::UserScope,
-                                          QStringLiteral("Korvel"), QStringLiteral("Velino"))
-            : std::make_unique<QSettings>(filePath_, velinoSettingsFormat());
-    clearAbandonedLock(settings->fileName());
-    return settings;
-}
-
-std::optional<QByteArray> QtSettingsStore::readBytes(const QString &key) const {
-    const QVariant value = settings_->value(key);
-    if (value.typeId() != QMetaType::QByteArray)
-        return std::nullopt;
-    return value.toByteArray();
-}
-
-std::optional<QString> QtSettingsStore::readText(const QString &key) const {
-    const QVariant value = settings_->value(key);
-    if (value.typeId() != QMetaType::QString)
-        return std::nullopt;
-    return value.toString();
-}
-
-void QtSettingsStore::writeBytes(const QString &key, const QByteArray &value) {
-    settings_->setValue(key, value);
-}
-
-void QtSettingsStore::writeText(const QString &key, const QString &value) {
-    settings_->setValue(key, value);
-}
-
-bool QtSettingsStore::sync() {
-    clearAbandonedLock(settings_->fileName());
-    settings_->sync();
-    if (settings_->status() == QSettings::NoError)
-        return flushFolderToDisk(settings_->fileName());
-    // QSettings keeps reporting its first error; a fresh instance on the same file lets the
-    // next save try again. The values written so far are kept by Qt's shared file cache.
-    settings_ = makeSettings();
-    return false;
-}
 
 Instant SystemClock::now() const {
     return Instant::fromUnixMilliseconds(QDateTime::currentMSecsSinceEpoch());
@@ -126,6 +67,10 @@ void QtClipboard::setItem(const ClipboardItem &item) {
     QGuiApplication::clipboard()->setMimeData(mime); // the clipboard takes ownership
 }
 
+QtFileSystem::QtFileSystem() : folder_(perUserPrivateFolder()) {}
+
+QtFileSystem::QtFileSystem(QString privateFolder) : folder_(std::move(privateFolder)) {}
+
 bool QtFileSystem::writeUtf8Atomically(const QString &path, const QString &text) {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
@@ -138,11 +83,32 @@ bool QtFileSystem::writeUtf8Atomically(const QString &path, const QString &text)
     return file.commit();
 }
 
-QString QtFileSystem::temporaryDirectory() const {
-    return QStandardPaths::writableLocation(QStandardPaths::TempLocation);
+QString QtFileSystem::privateFolder() {
+    return makePrivateFolder(folder_) ? folder_ : QString();
+}
+
+bool QtFileSystem::writePrivateUtf8(const QString &path, const QString &text) {
+    return makePrivateFolder(QFileInfo(path).absolutePath()) &&
+           writePrivateFile(path, text.toUtf8());
+}
+
+void QtFileSystem::removeOldPrivateFiles(const QDateTime &now) const {
+    removeFilesModifiedBefore(folder_, now.addDays(-1));
+}
+
+QString QtFileSystem::perUserPrivateFolder() {
+    QString base = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+    if (base.isEmpty())
+        base = QDir::homePath();
+    return QDir(base).filePath(QStringLiteral("Velino-apercus"));
 }
 
 bool DesktopUrlOpener::openUrl(const QUrl &url) {
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+    const QString xdgOpen = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));
+    if (!xdgOpen.isEmpty())
+        return openWithXdgOpen(xdgOpen, url);
+#endif
     return QDesktopServices::openUrl(url);
 }
 

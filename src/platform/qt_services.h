@@ -2,37 +2,10 @@
 
 #include "platform_services.h"
 
-#include <QSettings>
-
-#include <memory>
+#include <QDateTime>
 
 // The Qt implementation of each platform service.
 namespace velino {
-
-// QSettings in Velino's own format (settings_format.h); on Linux ~/.config/Korvel/Velino.conf.
-// Every write goes through a temporary file and a rename, and is then flushed to disk, so
-// the file is always whole and a save survives a crash right after it.
-class QtSettingsStore final : public SettingsStore {
-public:
-    // The per-user store of organisation "Korvel", application "Velino".
-    QtSettingsStore();
-    // A store kept in the given file (tests point it at a temporary folder).
-    explicit QtSettingsStore(const QString &filePath);
-
-    std::optional<QByteArray> readBytes(const QString &key) const override;
-    std::optional<QString> readText(const QString &key) const override;
-    void writeBytes(const QString &key, const QByteArray &value) override;
-    void writeText(const QString &key, const QString &value) override;
-    bool sync() override;
-
-    QString fileName() const { return settings_->fileName(); }
-
-private:
-    std::unique_ptr<QSettings> makeSettings() const;
-
-    QString filePath_; // empty for the per-user store
-    std::unique_ptr<QSettings> settings_;
-};
 
 class SystemClock final : public Clock {
 public:
@@ -50,14 +23,38 @@ public:
     void setItem(const ClipboardItem &item) override;
 };
 
+// Previews and drafts go to a folder that only the user can enter (0700, files 0600),
+// outside /tmp and every hidden folder, so that browsers and mail clients packaged as
+// snaps, which see neither, can still open them.
 class QtFileSystem final : public FileSystem {
 public:
+    // Previews and drafts in perUserPrivateFolder().
+    QtFileSystem();
+    explicit QtFileSystem(QString privateFolder);
+
     bool writeUtf8Atomically(const QString &path, const QString &text) override;
-    QString temporaryDirectory() const override;
+    QString privateFolder() override;
+    bool writePrivateUtf8(const QString &path, const QString &text) override;
+
+    // Removes the files of the private folder last changed more than a day before now.
+    void removeOldPrivateFiles(const QDateTime &now = QDateTime::currentDateTimeUtc()) const;
+
+    // "Velino-apercus" in the user's download folder (on Linux the XDG download folder,
+    // ~/Downloads or its translation), or in the home folder when there is none.
+    static QString perUserPrivateFolder();
+
+private:
+    QString folder_;
 };
 
+// On Linux the URL goes to xdg-open, whose exit status says whether a handler took it
+// (QDesktopServices only reports that xdg-open started). xdg-open returns once the handler
+// has the URL, or at once with status 3 when there is no handler; a handler run in the
+// foreground keeps it waiting, so after a few seconds the URL counts as opened and
+// xdg-open is left to finish on its own. Elsewhere, and without xdg-open, QDesktopServices.
 class DesktopUrlOpener final : public UrlOpener {
 public:
+    static constexpr int kXdgOpenWaitMilliseconds = 3000;
     bool openUrl(const QUrl &url) override;
 };
 

@@ -1,8 +1,10 @@
 #include "composer_store.h"
 
+#include "mail_app_texts.h"
 #include "mail_bridge.h"
 #include "mail_template_context.h"
 #include "saved_payload.h"
+#include "state_keys.h"
 #include "sync_client.h"
 #include "sync_transport.h"
 #include "text.h"
@@ -12,8 +14,8 @@
 
 namespace velino {
 
-const QString ComposerStore::kDefaultsKey = QStringLiteral("velino-native-v1");
-const QString ComposerStore::kSyncCodeKey = QStringLiteral("velino-sync-code-v1");
+const QString ComposerStore::kDefaultsKey = QString::fromLatin1(kSavedStateKey);
+const QString ComposerStore::kSyncCodeKey = QString::fromLatin1(velino::kSyncCodeKey);
 
 ComposerStore::ComposerStore(StoreServices services, QObject *parent)
     : QObject(parent), services_(std::move(services)),
@@ -33,7 +35,7 @@ ComposerStore::ComposerStore(StoreServices services, QObject *parent)
     syncTransport_->setTransferTimeout(services_.syncTransferTimeout);
     if (!services_.extraSyncCaCertificates.isEmpty())
         syncTransport_->setExtraCaCertificates(services_.extraSyncCaCertificates);
-    syncCode_ = services_.settings->readText(kSyncCodeKey).value_or(QString());
+    syncCode_ = services_.storage->readSyncCode().value_or(QString());
     loadSavedState();
     bind();
     regenerate();
@@ -46,7 +48,7 @@ ComposerStore::~ComposerStore() = default;
 // ---- Loading ---------------------------------------------------------------------------
 
 void ComposerStore::loadSavedState() {
-    const std::optional<QByteArray> bytes = services_.settings->readBytes(kDefaultsKey);
+    const std::optional<QByteArray> bytes = services_.storage->readDocument();
     if (!bytes) {
         takeDefaultState();
         return;
@@ -90,10 +92,8 @@ void ComposerStore::bind() {
         persist();
     });
     connect(&draftNameDebounce_, &QTimer::timeout, this, [this] { persist(); });
-    connect(&syncCodeDebounce_, &QTimer::timeout, this, [this] {
-        services_.settings->writeText(kSyncCodeKey, normalizedSyncCode(syncCode_));
-        services_.settings->sync();
-    });
+    connect(&syncCodeDebounce_, &QTimer::timeout, this,
+            [this] { services_.storage->writeSyncCode(normalizedSyncCode(syncCode_)); });
     pipelinesBound_ = true;
 }
 
@@ -177,8 +177,7 @@ void ComposerStore::persist() {
         setSaveStatus(QStringLiteral("Sauvegarde locale indisponible."));
         return;
     }
-    services_.settings->writeBytes(kDefaultsKey, bytes);
-    if (!services_.settings->sync()) {
+    if (!services_.storage->writeDocument(bytes)) {
         // The state stays in memory; the next successful save writes it whole.
         setSaveStatus(QStringLiteral("Sauvegarde locale indisponible."));
         return;
@@ -255,12 +254,11 @@ QString ComposerStore::previewRecipientEmail() const {
 }
 
 QString ComposerStore::appleConnectionStatusText() const {
-    return QStringLiteral("Apple Mail actif");
+    return platformMailAppTexts().connectionStatus;
 }
 
 QString ComposerStore::appleConnectionHintText() const {
-    return QStringLiteral(
-        "Ouvre un brouillon HTML natif dans Apple Mail avec le compte configure sur ce Mac.");
+    return platformMailAppTexts().connectionHint;
 }
 
 QVariantList ComposerStore::checklistRows() const {

@@ -71,7 +71,7 @@ class ComposerStore : public QObject {
 
 public:
     static constexpr int kDebounceMilliseconds = 180;
-    static const QString kDefaultsKey; // "velino-native-v1"
+    static const QString kDefaultsKey; // "velino-native-v1", also the document's file name
     static const QString kSyncCodeKey; // "velino-sync-code-v1"
 
     // Loads the saved state (or the default state), binds the pipelines, regenerates the
@@ -170,7 +170,7 @@ protected:
 
     // Brings every output up to date with data.
     void regenerate();
-    // Saves the whole state under kDefaultsKey and reports in saveStatus.
+    // Saves the whole state as the saved document and reports in saveStatus.
     void persist();
 
     void setLastAction(const QString &text);

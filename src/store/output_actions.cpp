@@ -1,6 +1,7 @@
 #include "composer_store.h"
 
 #include "identifiers.h"
+#include "mail_app_texts.h"
 #include "mail_bridge.h"
 #include "mail_template_context.h"
 #include "suggested_file_name.h"
@@ -20,12 +21,6 @@ QString lastPathComponent(const QString &path) {
     while (cleaned.size() > 1 && cleaned.endsWith(QLatin1Char('/')))
         cleaned.chop(1);
     return QFileInfo(cleaned).fileName();
-}
-
-QString fallbackOpenedMessage() {
-    return QStringLiteral("Apple Mail n'a pas pu creer le brouillon HTML automatiquement. Un "
-                          "nouveau mail a ete ouvert avec l'objet et le destinataire, et le "
-                          "contenu complet a ete copie dans le presse-papiers.");
 }
 
 } // namespace
@@ -52,7 +47,7 @@ void ComposerStore::copyHTML() {
     regenerate();
     persist();
     copyRichHTMLToPasteboard();
-    setLastAction(QStringLiteral("Mail copie pour Apple Mail."));
+    setLastAction(platformMailAppTexts().mailCopied);
 }
 
 void ComposerStore::exportHTML() {
@@ -82,11 +77,11 @@ void ComposerStore::writeExport(const std::optional<QString> &location, const QS
 void ComposerStore::openStandalonePreview() {
     regenerate();
     persist();
-    const QString folder = services_.files->temporaryDirectory();
+    const QString folder = services_.files->privateFolder();
     const QString path =
         QDir(folder).filePath(uuidText(services_.ids->newId()) + QStringLiteral(".html"));
-    // Without a temporary folder the name alone would land in the working directory.
-    if (folder.isEmpty() || !services_.files->writeUtf8Atomically(path, generatedHTML_)) {
+    // Without the folder the name alone would land in the working directory.
+    if (folder.isEmpty() || !services_.files->writePrivateUtf8(path, generatedHTML_)) {
         services_.alerts->showWarning(QStringLiteral("Impossible d'ouvrir l'apercu."));
         return;
     }
@@ -101,7 +96,7 @@ void ComposerStore::openAppleMailDraft() {
     const MailTemplateContext context(data_);
     const std::optional<VelinoError> error = mailBridge_->compose(context);
     if (!error) {
-        setLastAction(QStringLiteral("Brouillon ouvert dans Apple Mail."));
+        setLastAction(platformMailAppTexts().draftOpened);
         return;
     }
     // The full content goes to the clipboard before the plain link is tried, so that it can
@@ -109,7 +104,7 @@ void ComposerStore::openAppleMailDraft() {
     copyRichHTMLToPasteboard();
     if (mailBridge_->openFallbackMailURL(data_.recipientEmail, generatedSubject_)) {
         setLastAction(QStringLiteral("Mail ouvert en mode secours."));
-        services_.alerts->showWarning(fallbackOpenedMessage());
+        services_.alerts->showWarning(platformMailAppTexts().fallbackOpened);
         return;
     }
     services_.alerts->showWarning(error->description);

@@ -1,6 +1,7 @@
 #include "store_services.h"
 
 #include "qt_services.h"
+#include "qt_state_storage.h"
 #include "service_host.h"
 
 #include <QDebug>
@@ -26,7 +27,7 @@ public:
 
 StoreServices StoreServices::qtDefaults() {
     StoreServices s;
-    s.settings = std::make_shared<QtSettingsStore>();
+    s.storage = std::make_shared<QtStateStorage>();
     s.clock = std::make_shared<SystemClock>();
     s.ids = std::make_shared<RandomIdGenerator>();
     s.alerts = std::make_shared<LoggedAlerts>();

@@ -19,7 +19,7 @@ namespace velino {
 // Qt implementations, with alerts written to the log and the save dialog cancelled until
 // the window provides its own.
 struct StoreServices {
-    std::shared_ptr<SettingsStore> settings;
+    std::shared_ptr<StateStorage> storage;
     std::shared_ptr<Clock> clock;
     std::shared_ptr<IdGenerator> ids;
     std::shared_ptr<AlertPresenter> alerts;

@@ -81,8 +81,7 @@ std::optional<QString> ComposerStore::validatedSyncCode() {
     // Written back even when too short, so that the field shows what would be sent.
     setSyncCode(code);
     if (isSyncCodeLongEnough(code)) {
-        services().settings->writeText(kSyncCodeKey, code);
-        services().settings->sync();
+        services().storage->writeSyncCode(code);
         return code;
     }
     setSyncStatus(synctext::codeTooShort());

@@ -5,6 +5,7 @@
 #include "lock_state.h"
 #include "measure_scenario.h"
 #include "preset_kind.h"
+#include "qt_services.h"
 #include "window_controller.h"
 #include "window_probe.h"
 
@@ -130,6 +131,8 @@ void scheduleScreenshot(QQuickWindow *window, const QString &file, int delayMs) 
 
 int runApplication(QGuiApplication &app) {
     const LaunchOptions options = parseOptions(app);
+    // Previews and drafts are only needed while the browser or mail client opens them.
+    QtFileSystem().removeOldPrivateFiles();
 
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));

@@ -1,5 +1,6 @@
 #include "window_controller.h"
 
+#include "mail_app_texts.h"
 #include "preset_kind.h"
 #include "service_host.h"
 
@@ -82,6 +83,22 @@ QString WindowController::serviceHost() const {
 
 QUrl WindowController::webInterfaceUrl() const {
     return velino::webInterfaceUrl();
+}
+
+QString WindowController::mailSectionTitle() const {
+    return platformMailAppTexts().sectionTitle;
+}
+
+QString WindowController::mailSectionSubtitle() const {
+    return platformMailAppTexts().sectionSubtitle;
+}
+
+QString WindowController::mailSummaryTitle() const {
+    return platformMailAppTexts().summaryTitle;
+}
+
+QString WindowController::mailSummaryValue() const {
+    return platformMailAppTexts().summaryValue;
 }
 
 QString WindowController::syncSubtitle() const {

@@ -31,6 +31,12 @@ class WindowController : public QObject {
     Q_PROPERTY(QUrl webInterfaceUrl READ webInterfaceUrl CONSTANT)
     Q_PROPERTY(QString syncSubtitle READ syncSubtitle CONSTANT)
     Q_PROPERTY(QString detailsCountText READ detailsCountText NOTIFY detailsCountTextChanged)
+    // The mail card's title and subtitle and the summary card's title and value, naming the
+    // platform's mail application (the card's chip and hint are the store's).
+    Q_PROPERTY(QString mailSectionTitle READ mailSectionTitle CONSTANT)
+    Q_PROPERTY(QString mailSectionSubtitle READ mailSectionSubtitle CONSTANT)
+    Q_PROPERTY(QString mailSummaryTitle READ mailSummaryTitle CONSTANT)
+    Q_PROPERTY(QString mailSummaryValue READ mailSummaryValue CONSTANT)
 
 public:
     // A store over the platform's services, with this window's alerts and save panel.
@@ -64,6 +70,10 @@ public:
     // Subtitle of the sync card, naming the web interface's page.
     QString syncSubtitle() const;
     QString detailsCountText() const;
+    QString mailSectionTitle() const;
+    QString mailSectionSubtitle() const;
+    QString mailSummaryTitle() const;
+    QString mailSummaryValue() const;
 
     // Opens the phone web interface in the default browser.
     Q_INVOKABLE bool openWebInterface();

@@ -43,14 +43,16 @@ inline ProgramLauncher::Result exited(int code, const QByteArray &out = {},
 
 class FakeFiles final : public FileSystem {
 public:
-    QMap<QString, QString> written;
+    QMap<QString, QString> written; // by writePrivateUtf8 only
     bool writes = true;
-    bool writeUtf8Atomically(const QString &path, const QString &text) override {
+    QString folder = "/home/atelier/Downloads/Velino-apercus";
+    bool writeUtf8Atomically(const QString &, const QString &) override { return false; }
+    QString privateFolder() override { return folder; }
+    bool writePrivateUtf8(const QString &path, const QString &text) override {
         if (writes)
             written.insert(path, text);
         return writes;
     }
-    QString temporaryDirectory() const override { return "/tmp/velino-test"; }
 };
 
 class FakeIds final : public IdGenerator {

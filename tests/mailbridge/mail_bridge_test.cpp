@@ -80,3 +80,49 @@ TEST(MailBridge, FallbackLinkEncodesTheSubjectButNotTheAddress) {
     ASSERT_EQ(opener.opened.size(), 2); // the invalid link never reaches the platform
     EXPECT_EQ(opener.opened[0].toString(QUrl::FullyEncoded), "mailto:x@y.z?subject=Devis");
 }
+
+// macOS keeps the texts naming Apple Mail and the Mac; elsewhere each text is the same with
+// Thunderbird and "cet ordinateur" instead.
+TEST(MailAppTexts, LinuxTextsNameThunderbirdAndChangeNothingElse) {
+    const MailAppTexts &mac = mailAppTexts(MailPlatform::MacOS);
+    const MailAppTexts &other = mailAppTexts(MailPlatform::Linux);
+    const auto onLinux = [](QString text) {
+        return text.replace("Apple Mail", "Thunderbird")
+            .replace("au Mail ", "au Thunderbird ")
+            .replace("ce Mac", "cet ordinateur");
+    };
+    const std::pair<QString, QString> pairs[] = {
+        {mac.draftOpened, other.draftOpened},
+        {mac.mailCopied, other.mailCopied},
+        {mac.fallbackOpened, other.fallbackOpened},
+        {mac.applicationMissing, other.applicationMissing},
+        {mac.bridgeUnavailable, other.bridgeUnavailable},
+        {mac.connectionStatus, other.connectionStatus},
+        {mac.connectionHint, other.connectionHint},
+        {mac.sectionTitle, other.sectionTitle},
+        {mac.sectionSubtitle, other.sectionSubtitle},
+    };
+    for (const auto &[onMac, expected] : pairs) {
+        EXPECT_EQ(onLinux(onMac), expected);
+        EXPECT_FALSE(expected.contains("Apple") || expected.contains("Mac"))
+            << expected.toStdString();
+    }
+    EXPECT_EQ(mac.draftOpened, "Brouillon ouvert dans Apple Mail.");
+    EXPECT_EQ(mac.applicationMissing, "Apple Mail est introuvable sur ce Mac.");
+    EXPECT_EQ(std::pair(mac.summaryTitle, mac.summaryValue),
+              std::pair(QString("Apple"), QString("Mail.app")));
+    EXPECT_EQ(std::pair(other.summaryTitle, other.summaryValue),
+              std::pair(QString("Mozilla"), QString("Thunderbird")));
+    // Without the macOS privacy settings, which do not exist elsewhere.
+    EXPECT_TRUE(onLinux(mac.automationRefused).startsWith(other.automationRefused.chopped(1)));
+    EXPECT_EQ(other.automationRefused,
+              "Thunderbird n'a pas pu creer le brouillon automatiquement.");
+
+    // The bridge reports with the texts it is given.
+    FakeOpener opener;
+    MailBridge bridge(nullptr, opener, mac);
+    MailComposerData data = MailComposerData::defaultRecord();
+    data.recipientEmail = "client@example.com";
+    data.senderEmail = "atelier@example.com";
+    EXPECT_EQ(bridge.compose(MailTemplateContext(data))->description, mac.applicationMissing);
+}

@@ -75,7 +75,8 @@ TEST_F(Thunderbird, HostileValuesArriveIntactWhereverThunderbirdIsInstalled) {
     EXPECT_TRUE(argument.startsWith("to="));
     EXPECT_EQ(argument.count(u','), 4);
     EXPECT_FALSE(argument.contains(u'\'') || argument.contains(u'"') || argument.contains(u' '));
-    const QString path = "/tmp/velino-test/velino-brouillon-" + uuidText(ids.newId()) + ".html";
+    const QString path = "/home/atelier/Downloads/Velino-apercus/velino-brouillon-" +
+                         uuidText(ids.newId()) + ".html";
     EXPECT_EQ(composed(), (QMap<QString, QString>{{"to", to},
                                                   {"from", from},
                                                   {"subject", subject},
@@ -85,9 +86,10 @@ TEST_F(Thunderbird, HostileValuesArriveIntactWhereverThunderbirdIsInstalled) {
     EXPECT_EQ(asThunderbirdReadsIt(thunderbirdComposeArgument("", "", "", "/a, 'b'"))["message"],
               "/a, 'b'");
 
+    // A Snap reads the private folder too; the Flatpak gets the file in its own folder.
     launcher.onPath["thunderbird"] = "/snap/bin/thunderbird";
     EXPECT_EQ(compose(), 0);
-    EXPECT_TRUE(composed()["message"].startsWith(QDir::homePath() + "/snap/thunderbird/common/"));
+    EXPECT_EQ(composed()["message"], path);
 
     launcher.onPath = {{"flatpak", "/usr/bin/flatpak"}};
     launcher.onRun = [](const Call &call) {
@@ -96,8 +98,8 @@ TEST_F(Thunderbird, HostileValuesArriveIntactWhereverThunderbirdIsInstalled) {
     EXPECT_EQ(compose(), 0);
     EXPECT_EQ(launcher.calls.last().arguments.mid(0, 2),
               (QStringList{"run", "org.mozilla.Thunderbird"}));
-    EXPECT_TRUE(composed()["message"].startsWith(QDir::homePath() +
-                                                 "/.var/app/org.mozilla.Thunderbird/cache/"));
+    EXPECT_TRUE(composed()["message"].startsWith(
+        QDir::homePath() + "/.var/app/org.mozilla.Thunderbird/cache/velino/velino-brouillon-"));
 }
 
 TEST_F(Thunderbird, FailuresUseTheBridgeCodes) {
@@ -109,6 +111,9 @@ TEST_F(Thunderbird, FailuresUseTheBridgeCodes) {
     files.writes = false;
     EXPECT_EQ(compose(), 4);
     files.writes = true;
+    files.folder.clear(); // no private folder could be made
+    EXPECT_EQ(compose(), 4);
+    files.folder = "/home/atelier/Downloads/Velino-apercus";
     launcher.starts = false;
     EXPECT_EQ(compose(), 5);
     files.written.clear();

@@ -2,13 +2,14 @@
 
 #include "composer_store.h"
 #include "qt_services.h"
-#include "settings_format.h"
+#include "qt_state_storage.h"
 #include "test_records.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSettings>
@@ -37,7 +38,7 @@ public:
     QStringList shown;
 };
 
-// A store on a real settings file in a temporary folder, with a fixed clock.
+// A store on real state files in a temporary folder, with a fixed clock.
 class StoreTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -47,26 +48,28 @@ protected:
         clock->set(QDateTime(QDate(2026, 3, 5), QTime(13, 7, 30), Qt::UTC)); // 14:07 in Paris
     }
 
-    QString settingsFolder() const { return dir.filePath(QStringLiteral("Korvel")); }
-    QString settingsPath() const { return settingsFolder() + QStringLiteral("/Velino.conf"); }
+    QString configFolder() const { return dir.filePath(QStringLiteral("config/Korvel")); }
+    QString dataFolder() const { return dir.filePath(QStringLiteral("data/Korvel/Velino")); }
+    StateFiles stateFiles() const { return StateFiles::inFolders(configFolder(), dataFolder()); }
+    QString documentPath() const { return stateFiles().document; }
+    QString settingsPath() const { return stateFiles().settings; }
 
-    // Puts a plain file where the settings folder should be: nothing can be written there,
-    // whatever the permissions of the user running the tests (CI runs as root).
-    void blockSettingsFolder() {
-        QDir(settingsFolder()).removeRecursively();
-        QFile blocker(settingsFolder());
+    // Puts a plain file where the document's folder should be: nothing can be written
+    // there, whatever the permissions of the user running the tests (CI runs as root).
+    void blockDataFolder() {
+        QDir(dataFolder()).removeRecursively();
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(dataFolder()).absolutePath()));
+        QFile blocker(dataFolder());
         ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
     }
-    void unblockSettingsFolder() {
-        QFile::remove(settingsFolder());
-        ASSERT_TRUE(QDir().mkpath(settingsFolder()));
-    }
+    void unblockDataFolder() { ASSERT_TRUE(QFile::remove(dataFolder())); }
 
     StoreServices services() {
         StoreServices s = StoreServices::qtDefaults();
-        s.settings = std::make_shared<QtSettingsStore>(settingsPath());
+        s.storage = std::make_shared<QtStateStorage>(stateFiles());
         s.clock = clock;
         s.alerts = alerts;
+        s.files = std::make_shared<QtFileSystem>(dir.filePath(QStringLiteral("apercus")));
         return s;
     }
 
@@ -74,21 +77,23 @@ protected:
         return std::make_unique<ComposerStore>(services());
     }
 
-    // What another process would read from the file now.
+    // What another process would read from the files now.
     QByteArray savedBytes() const {
-        QSettings settings(settingsPath(), velinoSettingsFormat());
-        return settings.value(ComposerStore::kDefaultsKey).toByteArray();
+        QFile file(documentPath());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
     QJsonObject savedDocument() const { return QJsonDocument::fromJson(savedBytes()).object(); }
     QString savedSyncCode() const {
-        QSettings settings(settingsPath(), velinoSettingsFormat());
-        return settings.value(ComposerStore::kSyncCodeKey).toString();
+        return QSettings(settingsPath(), QSettings::IniFormat)
+            .value(ComposerStore::kSyncCodeKey)
+            .toString();
     }
 
-    void writeSaved(const QVariant &value) {
-        QSettings settings(settingsPath(), velinoSettingsFormat());
-        settings.setValue(ComposerStore::kDefaultsKey, value);
-        settings.sync();
+    void writeSaved(const QByteArray &bytes) {
+        ASSERT_TRUE(QDir().mkpath(dataFolder()));
+        QFile file(documentPath());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        ASSERT_EQ(file.write(bytes), bytes.size());
     }
     void writeSavedDocument(const QJsonObject &document) {
         writeSaved(QJsonDocument(document).toJson(QJsonDocument::Compact));

@@ -16,7 +16,7 @@ TEST_F(StoreTest, SavesSurviveAKillAtAnyMoment) {
     int complete = 0;
     for (int round = 0; round < 30; ++round) {
         QProcess writer;
-        writer.start(QStringLiteral(VELINO_STORE_WRITER_BINARY), {settingsPath()});
+        writer.start(QStringLiteral(VELINO_STORE_WRITER_BINARY), {configFolder(), dataFolder()});
         ASSERT_TRUE(writer.waitForStarted());
         ASSERT_TRUE(writer.waitForReadyRead(30000))
             << "round " << round

@@ -164,12 +164,11 @@ INSTANTIATE_TEST_SUITE_P(Cases, UnreadableDocument,
 TEST_F(StoreTest, GarbageOfEveryShapeNeverCrashesTheLoad) {
     const QByteArray valid = SavedPayload{}.toJson();
     QRandomGenerator random(7);
-    QList<QVariant> values = {
-        QVariant(QStringLiteral("du texte, pas des octets")),
-        QVariant(valid.left(valid.size() / 2)),                      // truncated
-        QVariant(QByteArray(100000, '[') + QByteArray(100000, ']')), // deeply nested
-        QVariant(QByteArray("{\"preset\":\"devis\",\"data\":") + QByteArray(100000, '{')),
-        QVariant(42),
+    QList<QByteArray> values = {
+        QByteArray(),
+        valid.left(valid.size() / 2),                      // truncated
+        QByteArray(100000, '[') + QByteArray(100000, ']'), // deeply nested
+        QByteArray("{\"preset\":\"devis\",\"data\":") + QByteArray(100000, '{'),
     };
     for (int i = 0; i < 5; ++i) {
         QByteArray noise(random.bounded(1, 5000), '\0');
@@ -177,7 +176,7 @@ TEST_F(StoreTest, GarbageOfEveryShapeNeverCrashesTheLoad) {
             c = static_cast<char>(random.bounded(256));
         values.append(noise);
     }
-    for (const QVariant &value : values) {
+    for (const QByteArray &value : values) {
         writeSaved(value);
         const auto store = makeStore();
         EXPECT_TRUE(store->data() == MailComposerData::defaultRecord());
@@ -208,8 +207,8 @@ TEST_F(StoreTest, LargeDocumentIsReadWhole) {
     EXPECT_EQ(store->customPresets().first().name, "Preset 999");
 }
 
-TEST_F(StoreTest, UnwritableSettingsAreReportedAndTheStoreKeepsWorking) {
-    blockSettingsFolder();
+TEST_F(StoreTest, UnwritableDocumentIsReportedAndTheStoreKeepsWorking) {
+    blockDataFolder();
     const auto store = makeStore();
     EXPECT_EQ(store->saveStatus(), "Sauvegarde locale indisponible.");
     store->setDataField("subject", "Objet toujours modifiable");
@@ -218,7 +217,7 @@ TEST_F(StoreTest, UnwritableSettingsAreReportedAndTheStoreKeepsWorking) {
     EXPECT_EQ(store->saveStatus(), "Sauvegarde locale indisponible.");
 
     // Once the folder can be written again, the next save writes the whole state.
-    unblockSettingsFolder();
+    unblockDataFolder();
     store->applyPreset(PresetKind::Rdv);
     EXPECT_EQ(store->saveStatus(), QString::fromUtf16(u"Sauvegarde locale active \u00B7 14:07"));
     EXPECT_EQ(savedDocument().value("data").toObject().value("subject").toString(),

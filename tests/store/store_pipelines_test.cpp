@@ -1,4 +1,5 @@
 #include "identifiers.h"
+#include "mail_app_texts.h"
 #include "store_fixture.h"
 
 #include <QSignalSpy>
@@ -137,5 +138,5 @@ TEST_F(StoreTest, PreviewTextsFallBackWhenBlank) {
     EXPECT_EQ(store->previewRecipientEmail(), "email non renseigne");
     store->setDataField("recipientName", " Mme Roy ");
     EXPECT_EQ(store->previewRecipientName(), "Mme Roy");
-    EXPECT_EQ(store->appleConnectionStatusText(), "Apple Mail actif");
+    EXPECT_EQ(store->appleConnectionStatusText(), platformMailAppTexts().connectionStatus);
 }

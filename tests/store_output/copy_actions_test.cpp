@@ -1,5 +1,6 @@
 #include "output_fixture.h"
 
+#include "mail_app_texts.h"
 #include "qt_services.h"
 
 #include <QJsonDocument>
@@ -75,8 +76,8 @@ TEST_F(OutputTest, CopyHtmlOffersTheDocumentItsRtfAndTheImportedCharacters) {
     const auto store = makeOutputStore();
     putOtherTextOnClipboard();
     store->copyHTML();
-    EXPECT_EQ(store->lastAction(), "Mail copie pour Apple Mail.");
-    EXPECT_EQ(*log, QStringList({"clipboard", "lastAction: Mail copie pour Apple Mail."}));
+    EXPECT_EQ(store->lastAction(), platformMailAppTexts().mailCopied);
+    EXPECT_EQ(*log, QStringList({"clipboard", "lastAction: " + platformMailAppTexts().mailCopied}));
 
     const std::optional<RichTextConversion> expected =
         QtRichTextConverter().convert(store->generatedHTML().toUtf8());
@@ -122,7 +123,7 @@ TEST_F(OutputTest, CopyHtmlPassesTheConvertersRepresentationsThrough) {
             EXPECT_EQ(clipboardContent().data(kRtfType), *c.rtf);
         }
         EXPECT_EQ(clipboardContent().text(), c.text.isEmpty() ? store->generatedText() : c.text);
-        EXPECT_EQ(store->lastAction(), "Mail copie pour Apple Mail.");
+        EXPECT_EQ(store->lastAction(), platformMailAppTexts().mailCopied);
     }
     EXPECT_EQ(converter->inputs.size(), 3);
     EXPECT_EQ(log->count("clipboard"), 3);

@@ -5,6 +5,8 @@
 
 #include <QRegularExpression>
 
+#include <sys/stat.h>
+
 using namespace velino;
 using velino::test::FixedIds;
 using velino::test::OutputTest;
@@ -130,7 +132,11 @@ TEST_F(OutputTest, ExportIntoAnUnwritableLocationAlertsAndKeepsTheLastAction) {
 
 // ---- Standalone preview ----------------------------------------------------------------
 
-TEST_F(OutputTest, EachPreviewWritesANewUuidNamedFileAndOpensIt) {
+TEST_F(OutputTest, EachPreviewWritesANewPrivateUuidNamedFileAndOpensIt) {
+    // A folder left open to everyone, and a umask that would let every file be read.
+    ASSERT_TRUE(QDir().mkpath(tempFolder()));
+    ASSERT_TRUE(QFile::setPermissions(tempFolder(), QFileDevice::Permissions(0x7777)));
+    const mode_t previousUmask = ::umask(0);
     const auto store = makeOutputStore();
     store->setDataField("subject", "Premier apercu");
     store->openStandalonePreview();
@@ -138,6 +144,9 @@ TEST_F(OutputTest, EachPreviewWritesANewUuidNamedFileAndOpensIt) {
     store->setDataField("subject", "Second apercu");
     store->openStandalonePreview();
     const QByteArray secondHtml = store->generatedHTML().toUtf8();
+    ::umask(previousUmask);
+    EXPECT_EQ(QFileInfo(tempFolder()).permissions() & QFileDevice::Permissions(0x0077), 0)
+        << "group and others shut out of the folder";
 
     ASSERT_EQ(opener->opened.size(), 2);
     static const QRegularExpression uuidName(
@@ -148,6 +157,8 @@ TEST_F(OutputTest, EachPreviewWritesANewUuidNamedFileAndOpensIt) {
         const QFileInfo file(url.toLocalFile());
         EXPECT_TRUE(uuidName.match(file.fileName()).hasMatch()) << file.fileName().toStdString();
         EXPECT_EQ(file.absolutePath(), QDir(tempFolder()).canonicalPath());
+        EXPECT_EQ(file.permissions(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                          QFileDevice::ReadUser | QFileDevice::WriteUser);
         paths.append(file.filePath());
     }
     EXPECT_NE(paths[0], paths[1]);
@@ -173,20 +184,21 @@ TEST_F(OutputTest, PreviewThatCannotBeWrittenAlertsAndOpensNothing) {
     store->copySubject();
 
     // A folder already holds the file's name.
-    ASSERT_TRUE(QDir(tempFolder()).mkdir(name));
+    ASSERT_TRUE(QDir().mkpath(QDir(tempFolder()).filePath(name)));
     log->clear();
     store->openStandalonePreview();
     EXPECT_EQ(*log, QStringList{"alert: Impossible d'ouvrir l'apercu."});
 
-    // No temporary folder at all: its path runs through a regular file.
-    writeFile(dir.filePath("bloc"), "pas un dossier");
-    qputenv("TMPDIR", QFile::encodeName(dir.filePath("bloc/tmp")));
-    log->clear();
-    store->openStandalonePreview();
-    EXPECT_EQ(*log, QStringList{"alert: Impossible d'ouvrir l'apercu."});
-    EXPECT_FALSE(QFileInfo::exists(QDir::current().filePath(name)));
-
-    EXPECT_TRUE(opener->opened.isEmpty());
     EXPECT_EQ(store->lastAction(), "Objet copie.");
     EXPECT_TRUE(QFileInfo(QDir(tempFolder()).filePath(name)).isDir());
+
+    // No private folder at all: its path runs through a regular file.
+    writeFile(dir.filePath("bloc"), "pas un dossier");
+    files = std::make_shared<QtFileSystem>(dir.filePath("bloc/tmp"));
+    const auto blocked = makeOutputStore();
+    blocked->openStandalonePreview();
+    EXPECT_EQ(*log, QStringList{"alert: Impossible d'ouvrir l'apercu."});
+    EXPECT_FALSE(QFileInfo::exists(QDir::current().filePath(name)));
+    EXPECT_EQ(blocked->lastAction(), "Application prete.");
+    EXPECT_TRUE(opener->opened.isEmpty());
 }

@@ -1,16 +1,22 @@
 #include "output_fixture.h"
 
+#include "mail_app_texts.h"
 #include "mail_draft_script.h"
+#include "qt_services.h"
+
+#include <QElapsedTimer>
+#include <QStandardPaths>
+
+#include <utility>
+#include <vector>
 
 using namespace velino;
 using velino::test::OutputTest;
 
 namespace {
 
-const QString kFallbackAlert = QStringLiteral(
-    "Apple Mail n'a pas pu creer le brouillon HTML automatiquement. Un nouveau mail a ete "
-    "ouvert avec l'objet et le destinataire, et le contenu complet a ete copie dans le "
-    "presse-papiers.");
+const MailAppTexts &kTexts = platformMailAppTexts();
+const QString kFallbackAlert = kTexts.fallbackOpened;
 const QString kFallbackAction = QStringLiteral("Mail ouvert en mode secours.");
 
 } // namespace
@@ -45,7 +51,7 @@ TEST_F(MailDraftTest, DraftCreatedInTheMailApplication) {
     store->openAppleMailDraft();
 
     EXPECT_EQ(*log, QStringList({"findApplication", "launchApplication", "runDraft",
-                                 "lastAction: Brouillon ouvert dans Apple Mail."}));
+                                 "lastAction: " + kTexts.draftOpened}));
     ASSERT_EQ(mailApp->drafts.size(), 1);
     const MailDraft &draft = mailApp->drafts[0];
     EXPECT_EQ(draft.subject, "Devis pret");
@@ -64,9 +70,7 @@ TEST_F(MailDraftTest, DraftCreatedInTheMailApplication) {
 // that link is refused, the reason is shown instead and the last action stays.
 TEST_F(MailDraftTest, EveryFailureEndsInTheFallbackOrItsOwnMessage) {
     const QString blank = QString::fromUtf16(u" \t\u00A0\n");
-    const QString permission = QStringLiteral(
-        "Apple Mail n'a pas pu creer le brouillon automatiquement. Verifie l'autorisation "
-        "Automation de Velino dans Reglages Systeme > Confidentialite et securite.");
+    const QString permission = kTexts.automationRefused;
     const QStringList draftRun{"findApplication", "launchApplication", "runDraft"};
     struct Case {
         const char *what;
@@ -93,7 +97,7 @@ TEST_F(MailDraftTest, EveryFailureEndsInTheFallbackOrItsOwnMessage) {
          false,
          {},
          {"findApplication"},
-         "Apple Mail est introuvable sur ce Mac."},
+         kTexts.applicationMissing},
         {"refused with a message", "client@example.com", "atelier@korvel.example", true,
          DraftFailure{false, "  Mail a refuse le brouillon.\n", 1743}, draftRun,
          "Mail a refuse le brouillon."},
@@ -102,8 +106,7 @@ TEST_F(MailDraftTest, EveryFailureEndsInTheFallbackOrItsOwnMessage) {
         {"no message", "client@example.com", "atelier@korvel.example", true,
          DraftFailure{false, {}, {}}, draftRun, permission},
         {"not prepared", "client@example.com", "atelier@korvel.example", true,
-         DraftFailure{true, "ignore", 7}, draftRun,
-         "Impossible de preparer le pont Apple Mail dans cette app."},
+         DraftFailure{true, "ignore", 7}, draftRun, kTexts.bridgeUnavailable},
     };
     for (const Case &c : cases) {
         mailApp->installed = c.installed;
@@ -137,4 +140,95 @@ TEST_F(MailDraftTest, FallbackCopyFollowsTheImportFailureRule) {
     EXPECT_FALSE(clipboardContent().hasFormat("text/rtf"));
     EXPECT_EQ(clipboardContent().text(), store->generatedText());
     EXPECT_EQ(store->lastAction(), kFallbackAction);
+}
+
+namespace {
+
+// Sets environment variables for the life of the object, then restores them.
+class ScopedEnvironment {
+public:
+    ~ScopedEnvironment() {
+        for (auto it = saved_.rbegin(); it != saved_.rend(); ++it) {
+            if (it->second)
+                qputenv(it->first, *it->second);
+            else
+                qunsetenv(it->first);
+        }
+    }
+    void set(const char *name, const QString &value) {
+        remember(name);
+        qputenv(name, QFile::encodeName(value));
+    }
+    void unset(const char *name) {
+        remember(name);
+        qunsetenv(name);
+    }
+
+private:
+    void remember(const char *name) {
+        saved_.emplace_back(name, qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name))
+                                                                  : std::nullopt);
+    }
+    std::vector<std::pair<const char *, std::optional<QByteArray>>> saved_;
+};
+
+void writeExecutable(const QString &path, const QByteArray &content) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(content);
+    file.close();
+    ASSERT_TRUE(file.setPermissions(file.permissions() | QFileDevice::ExeOwner));
+}
+
+} // namespace
+
+// The platform's own xdg-open, in a desktop where nothing handles mailto: links: its failure
+// reaches the store, which shows the bridge's error; once a handler exists, the fallback
+// opens through it.
+TEST_F(MailDraftTest, RealXdgOpenWithoutAMailtoHandlerEndsInTheBridgeError) {
+    ASSERT_FALSE(QStandardPaths::findExecutable("xdg-open").isEmpty())
+        << "xdg-open is missing; scripts/install-deps installs xdg-utils";
+    ScopedEnvironment env;
+    const QString xdg = dir.filePath("xdg");
+    for (const auto &[name, folder] :
+         {std::pair("XDG_CONFIG_HOME", "config"), std::pair("XDG_CONFIG_DIRS", "config-dirs"),
+          std::pair("XDG_DATA_HOME", "data"), std::pair("XDG_DATA_DIRS", "data-dirs")}) {
+        ASSERT_TRUE(QDir().mkpath(xdg + "/" + folder + "/applications"));
+        env.set(name, xdg + "/" + folder);
+    }
+    for (const char *name :
+         {"XDG_CURRENT_DESKTOP", "DESKTOP_SESSION", "KDE_FULL_SESSION", "GNOME_DESKTOP_SESSION_ID",
+          "MATE_DESKTOP_SESSION_ID", "LXQT_SESSION_CONFIG"})
+        env.unset(name);
+    env.set("BROWSER", xdg + "/no-browser"); // nor any web browser to fall back on
+    if (qEnvironmentVariableIsEmpty("DISPLAY"))
+        env.set("DISPLAY", ":0"); // xdg-open looks for scheme handlers only with a display
+
+    urls = std::make_shared<DesktopUrlOpener>();
+    mailApp->installed = false;
+    const auto store = storeWith("client@example.com", "atelier@korvel.example");
+    QElapsedTimer elapsed;
+    elapsed.start();
+    store->openAppleMailDraft();
+    EXPECT_LT(elapsed.elapsed(), DesktopUrlOpener::kXdgOpenWaitMilliseconds);
+    EXPECT_EQ(*log,
+              (QStringList{"findApplication", "clipboard", "alert: " + kTexts.applicationMissing}));
+    EXPECT_EQ(store->lastAction(), "Application prete.");
+
+    const QString received = xdg + "/received";
+    writeExecutable(xdg + "/handler.sh",
+                    "#!/bin/sh\nprintf '%s' \"$1\" > '" + QFile::encodeName(received) + "'\n");
+    writeExecutable(
+        xdg + "/data/applications/velino-test-mail.desktop",
+        "[Desktop Entry]\nType=Application\nName=Courrier\nExec=" + QFile::encodeName(xdg) +
+            "/handler.sh %u\nMimeType=x-scheme-handler/mailto;\n");
+    writeExecutable(xdg + "/config/mimeapps.list",
+                    "[Default Applications]\nx-scheme-handler/mailto=velino-test-mail.desktop\n");
+    log->clear();
+    store->openAppleMailDraft();
+    EXPECT_EQ(*log, (QStringList{"findApplication", "clipboard", "lastAction: " + kFallbackAction,
+                                 "alert: " + kFallbackAlert}));
+    QFile link(received);
+    ASSERT_TRUE(link.open(QIODevice::ReadOnly));
+    EXPECT_EQ(link.readAll(), "mailto:client@example.com?subject=Devis%20pret");
 }

@@ -130,20 +130,7 @@ public:
 
 class OutputTest : public StoreTest {
 protected:
-    // Temporary files (the previews) go to a folder of the test's own.
-    void SetUp() override {
-        StoreTest::SetUp();
-        previousTmpDir = qgetenv("TMPDIR");
-        ASSERT_TRUE(QDir().mkpath(tempFolder()));
-        qputenv("TMPDIR", QFile::encodeName(tempFolder()));
-    }
-    void TearDown() override {
-        if (previousTmpDir.isEmpty())
-            qunsetenv("TMPDIR");
-        else
-            qputenv("TMPDIR", previousTmpDir);
-        StoreTest::TearDown();
-    }
+    // Previews go to a private folder of the test's own.
     QString tempFolder() const { return dir.filePath(QStringLiteral("tmp")); }
 
     StoreServices outputServices() {
@@ -151,7 +138,8 @@ protected:
         s.clipboard = clipboard;
         s.saveDialog = saveDialog;
         s.alerts = shownAlerts;
-        s.urls = opener;
+        s.urls = urls ? urls : opener;
+        s.files = files;
         if (richText)
             s.richText = richText;
         if (ids)
@@ -184,7 +172,6 @@ protected:
         return mime ? *mime : empty;
     }
 
-    QByteArray previousTmpDir;
     EventLog log = std::make_shared<QStringList>();
     std::shared_ptr<LoggedClipboard> clipboard = std::make_shared<LoggedClipboard>(log);
     std::shared_ptr<FakeSaveDialog> saveDialog = std::make_shared<FakeSaveDialog>(log);
@@ -193,6 +180,8 @@ protected:
     std::shared_ptr<MailAppScript> mailApp = std::make_shared<MailAppScript>();
     std::shared_ptr<RichTextConverter> richText; // the real converter unless set
     std::shared_ptr<IdGenerator> ids;            // random identifiers unless set
+    std::shared_ptr<UrlOpener> urls;             // the logged fake unless set
+    std::shared_ptr<FileSystem> files = std::make_shared<QtFileSystem>(tempFolder());
 };
 
 } // namespace velino::test

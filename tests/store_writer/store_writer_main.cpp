@@ -1,8 +1,8 @@
 // Saves the store in a loop until it is killed: the counterpart of the kill test.
-// Usage: velino_store_writer SETTINGS_FILE
+// Usage: velino_store_writer CONFIG_FOLDER DATA_FOLDER
 
 #include "composer_store.h"
-#include "qt_services.h"
+#include "qt_state_storage.h"
 
 #include <QCoreApplication>
 
@@ -12,10 +12,11 @@ using namespace velino;
 
 int main(int argc, char **argv) {
     QCoreApplication app(argc, argv);
-    if (argc != 2)
+    if (argc != 3)
         return 2;
     StoreServices services = StoreServices::qtDefaults();
-    services.settings = std::make_shared<QtSettingsStore>(QString::fromLocal8Bit(argv[1]));
+    services.storage = std::make_shared<QtStateStorage>(
+        StateFiles::inFolders(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2])));
     ComposerStore store(services);
     std::puts("ready");
     std::fflush(stdout);

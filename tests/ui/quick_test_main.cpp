@@ -19,8 +19,8 @@ Q_IMPORT_QML_PLUGIN(VelinoPlugin)
 
 namespace {
 
-// The per-user settings of every window the tests open live in this folder (QSettings
-// follows XDG_CONFIG_HOME), never in the user's own.
+// The per-user state of every window the tests open lives in this folder (XDG_CONFIG_HOME
+// for the settings, XDG_DATA_HOME for the saved document), never in the user's own.
 QTemporaryDir *configHome() {
     static QTemporaryDir dir;
     return &dir;
@@ -35,8 +35,12 @@ class TestSupport : public QObject {
 public:
     // Removes every saved setting, so that the next window starts from the defaults.
     Q_INVOKABLE bool resetSettings() const {
-        QDir dir(configHome()->path() + QStringLiteral("/Korvel"));
-        return !dir.exists() || dir.removeRecursively();
+        for (const QString &folder : {QStringLiteral("/Korvel"), QStringLiteral("/data/Korvel")}) {
+            QDir dir(configHome()->path() + folder);
+            if (dir.exists() && !dir.removeRecursively())
+                return false;
+        }
+        return true;
     }
 
     Q_INVOKABLE void setEnvironment(const QString &name, const QString &value) const {
@@ -106,6 +110,7 @@ private:
 
 int main(int argc, char **argv) {
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(configHome()->path()));
+    qputenv("XDG_DATA_HOME", QFile::encodeName(configHome()->path() + QStringLiteral("/data")));
     // As in the program: the web engine and the renderer are set up before the application
     // object, which quick_test_main creates.
     QtWebEngineQuick::initialize();

@@ -1,6 +1,7 @@
 #include "window_controller.h"
 
 #include "qt_services.h"
+#include "qt_state_storage.h"
 #include "service_host.h"
 
 #include <QTemporaryDir>
@@ -20,7 +21,7 @@ public:
     QList<QUrl> opened;
 };
 
-// A controller whose store keeps its settings in a temporary folder and opens no URL.
+// A controller whose store keeps its state in a temporary folder and opens no URL.
 class WindowControllerTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -31,8 +32,8 @@ protected:
 
     std::unique_ptr<WindowController> makeController() {
         velino::StoreServices services = velino::StoreServices::qtDefaults();
-        services.settings =
-            std::make_shared<velino::QtSettingsStore>(dir.filePath(QStringLiteral("Velino.conf")));
+        services.storage = std::make_shared<velino::QtStateStorage>(
+            velino::StateFiles::inFolders(dir.path(), dir.path()));
         services.urls = urls;
         return std::make_unique<WindowController>(std::move(services));
     }

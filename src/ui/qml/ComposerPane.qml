@@ -339,8 +339,8 @@ Item {
                 Layout.fillWidth: true
                 Layout.leftMargin: 24
                 Layout.rightMargin: 24
-                title: "Apple Mail"
-                subtitle: "Connexion native au Mail configure sur ce Mac."
+                title: root.controller.mailSectionTitle
+                subtitle: root.controller.mailSectionSubtitle
 
                 ColumnLayout {
                     Layout.fillWidth: true

@@ -122,8 +122,8 @@ Item {
             SummaryCard {
                 objectName: "summary.apple"
                 Layout.fillHeight: true
-                title: "Apple"
-                value: "Mail.app"
+                title: root.controller.mailSummaryTitle
+                value: root.controller.mailSummaryValue
                 caption: root.store.appleConnectionHintText
             }
         }

@@ -401,12 +401,16 @@ Item {
                     "Relie cette app a l'interface privee 127.0.0.1:9/velino.html.")
             compare(String(el(t, "webInterfaceLink").url), "https://127.0.0.1:9/velino.html")
             compare(el(t, "syncStatusLine").text, t.store.syncStatus)
+            // The mail card names the mail client of Linux.
+            compare(named(el(t, "appleMailCard"), "sectionSubtitle").text,
+                    "Connexion native au Thunderbird configure sur cet ordinateur.")
+            compare(el(t, "appleStatusChip").text, "Thunderbird actif")
 
             const summaries = [["summary.state", "ETAT", t.store.currentFormatStatus, "Version actuelle"],
                                ["summary.recipient", "DESTINATAIRE", "Mme Lambert", "client@example.com"],
                                ["summary.details", "BLOC INFOS", "4", "ligne(s) affichee(s)"],
-                               ["summary.apple", "APPLE", "Mail.app",
-                                "Ouvre un brouillon HTML natif dans Apple Mail avec le compte configure sur ce Mac."]]
+                               ["summary.apple", "MOZILLA", "Thunderbird",
+                                "Ouvre un brouillon HTML natif dans Thunderbird avec le compte configure sur cet ordinateur."]]
             let previousX = -1
             for (const [name, title, value, caption] of summaries) {
                 const card = el(t, name)
