@@ -47,6 +47,7 @@ public:
         qputenv(name.toLocal8Bit().constData(), value.toLocal8Bit());
     }
     Q_INVOKABLE QString homeAtStart() const { return m_home; }
+    Q_INVOKABLE QString environment(const QString &name) const { return qEnvironmentVariable(qUtf8Printable(name)); }
     Q_INVOKABLE void unsetEnvironment(const QString &name) const {
         qunsetenv(name.toLocal8Bit().constData());
     }

@@ -43,7 +43,8 @@ Item {
             cornerRadius: 20
         }
 
-        // Takes what the buttons leave; its chips are shortened before a button is.
+        // Takes what the buttons leave. The last action's chip, the only one whose text can
+        // grow long, is shortened before any button is.
         ColumnLayout {
             Layout.alignment: Qt.AlignVCenter
             Layout.fillWidth: true
@@ -76,17 +77,13 @@ Item {
                 spacing: 12
                 StatusChip {
                     objectName: "formatChip"
-                    Layout.fillWidth: true
-                    Layout.minimumWidth: Math.min(implicitWidth, 48)
-                    Layout.maximumWidth: implicitWidth
+                    Layout.minimumWidth: implicitWidth
                     text: root.store.currentFormatStatus
                     tint: AppTheme.accent
                 }
                 StatusChip {
                     objectName: "saveChip"
-                    Layout.fillWidth: true
-                    Layout.minimumWidth: Math.min(implicitWidth, 48)
-                    Layout.maximumWidth: implicitWidth
+                    Layout.minimumWidth: implicitWidth
                     text: root.store.saveStatus
                     tint: AppTheme.accentSoft
                 }

@@ -154,6 +154,8 @@ Item {
             }
             const chip = named("actionChip")
             verify(box(chip).right <= box(named("newButton")).x, "chips end before the buttons")
+            for (const whole of ["formatChip", "saveChip"])
+                verify(named(whole).width >= named(whole).implicitWidth - 0.5, whole + " whole")
         }
 
         function test_syncCardShowsAWholeCode_data() {
