@@ -10,7 +10,7 @@ Item {
     property string text
     property color tint: AppTheme.accent
 
-    implicitWidth: label.implicitWidth + 20
+    implicitWidth: Math.ceil(label.implicitWidth) + 20
     implicitHeight: label.implicitHeight + 16
 
     Surface {

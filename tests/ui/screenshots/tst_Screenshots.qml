@@ -38,7 +38,8 @@ Item {
             wait(150)
             waitForRendering(window.contentItem)
             const path = folder + "/" + name + ".png"
-            verify(grabImage(window.contentItem).save(path), path)
+            grabImage(window.contentItem).save(path)
+            verify(TestSupport.fileExists(path), path)
             console.log(path)
         }
 
