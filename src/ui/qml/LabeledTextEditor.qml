@@ -22,12 +22,24 @@ ColumnLayout {
         text: root.title
     }
 
+    LongTextGuard {
+        id: guard
+        Layout.fillWidth: true
+        Layout.minimumHeight: root.minHeight
+        title: root.title
+        fullText: root.text
+        summaryLines: 3
+        framed: true
+        onEditRequested: area.forceActiveFocus()
+    }
+
     TextArea {
         id: area
+        visible: !guard.guarding
         Layout.fillWidth: true
         Layout.minimumHeight: root.minHeight
         Layout.preferredHeight: Math.max(root.minHeight, implicitHeight)
-        text: root.text
+        text: guard.shownText
         font.family: AppTheme.fontFamily
         font.pixelSize: 13
         font.weight: Font.Medium
@@ -44,6 +56,6 @@ ColumnLayout {
             borderColor: AppTheme.inputLine
         }
         // Only the user's changes: an update from the bound value leaves the texts equal.
-        onTextChanged: if (text !== root.text) root.edited(text)
+        onTextChanged: if (text !== guard.shownText) root.edited(text)
     }
 }
