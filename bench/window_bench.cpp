@@ -178,6 +178,8 @@ bool runState(const QString &program, const QString &state, int runs) {
         {"window", "unlock", "main-painted"},
         {"preview", "unlock", "preview-painted"},
         {"key", "last-key", "preview-repainted"},
+        {"regen", "last-key", "regenerated"},
+        {"webload", "preview-reload-requested", "preview-loaded"},
         {"load", "preset-load", "preset-load-painted"},
         {"save", "preset-save", "preset-save-painted"},
         {"delete", "preset-delete", "preset-delete-painted"},
@@ -210,6 +212,8 @@ bool runState(const QString &program, const QString &state, int runs) {
               library ? "400 ms" : (longField ? "2000 ms" : ""));
     printSpan("unlock to first preview", spans.value(QStringLiteral("preview")), "1000 ms");
     printSpan("last key to preview redrawn", spans.value(QStringLiteral("key")), "250 ms");
+    printSpan("  of which key to regenerated", spans.value(QStringLiteral("regen")), "");
+    printSpan("  of which web view loading", spans.value(QStringLiteral("webload")), "");
     printSpan("preset load to repaint", spans.value(QStringLiteral("load")), "50 ms");
     printSpan("preset save to repaint", spans.value(QStringLiteral("save")), "50 ms");
     printSpan("preset delete to repaint", spans.value(QStringLiteral("delete")), "50 ms");
