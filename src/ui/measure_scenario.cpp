@@ -58,8 +58,13 @@ void MeasureScenario::onFrameSwapped() {
         break;
     case Step::ReloadFrame:
         report("preview-repainted");
-        report("done");
-        m_step = Step::Done;
+        QTimer::singleShot(300, this, &MeasureScenario::runNextPresetOperation);
+        m_step = Step::Settling;
+        break;
+    case Step::PresetFrame:
+        report((m_presetEvent + "-painted").constData());
+        m_step = Step::Settling;
+        QTimer::singleShot(300, this, &MeasureScenario::runNextPresetOperation);
         break;
     default:
         break;
@@ -119,6 +124,35 @@ void MeasureScenario::onHtmlRegenerated() {
         return;
     m_loadsAtRegeneration = m_loader->property("loadCount").toInt();
     report("regenerated");
+}
+
+void MeasureScenario::runNextPresetOperation() {
+    auto *controller = m_window ? m_window->findChild<WindowController *>() : nullptr;
+    ComposerStore *store = controller ? controller->store() : nullptr;
+    if (!store || store->customPresets().size() < 4 || m_presetOperation >= 3) {
+        report("done");
+        m_step = Step::Done;
+        return;
+    }
+    m_step = Step::PresetFrame;
+    switch (m_presetOperation++) {
+    case 0:
+        m_presetEvent = "preset-load";
+        report(m_presetEvent.constData());
+        store->loadCustomPreset(store->customPresets().at(3));
+        break;
+    case 1:
+        m_presetEvent = "preset-save";
+        report(m_presetEvent.constData());
+        store->saveAsNewCustomPreset();
+        break;
+    default:
+        m_presetEvent = "preset-delete";
+        report(m_presetEvent.constData());
+        store->deleteCustomPreset(store->customPresets().first());
+        break;
+    }
+    m_window->update();
 }
 
 void MeasureScenario::typeNextKey() {

@@ -19,7 +19,11 @@ namespace velino::ui {
 // preview-reload-requested (the regenerated e-mail handed to the web view; the reloads
 // that every keystroke causes before, still with the old e-mail, do not count),
 // preview-loaded (the web view finished loading it), preview-repainted (the first frame
-// after that), done.
+// after that); then, when presets are saved, three operations on the library 300 ms
+// apart, each reported when called and at the next frame: preset-load and
+// preset-load-painted (the fourth preset), preset-save and preset-save-painted (a new
+// preset under the loaded one's name), preset-delete and preset-delete-painted (that new
+// preset); done.
 // The program keeps running afterwards, so that its memory can be read; its settings are
 // whatever XDG_CONFIG_HOME points at.
 class MeasureScenario : public QObject {
@@ -44,12 +48,15 @@ private:
         Typing,
         Reload,
         ReloadFrame,
+        PresetFrame,
         Done
     };
 
     static void report(const char *event);
     void unlock();
     void typeNextKey();
+    // The next library operation, or done when none is left.
+    void runNextPresetOperation();
 
     QPointer<QQuickWindow> m_window;
     QPointer<QObject> m_view;
@@ -60,6 +67,8 @@ private:
     // Loads requested before the regenerated e-mail was published; -1 until then.
     int m_loadsAtRegeneration = -1;
     QTimer m_keyTimer;
+    int m_presetOperation = 0;
+    QByteArray m_presetEvent;
 };
 
 } // namespace velino::ui

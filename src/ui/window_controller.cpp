@@ -18,6 +18,7 @@ WindowController::WindowController(StoreServices services, QObject *parent)
     m_urls = services.urls;
     m_store = std::make_unique<ComposerStore>(std::move(services));
     ComposerStore *store = m_store.get();
+    m_presetModel = new CustomPresetListModel(store, this);
     connect(store, &ComposerStore::activePresetChanged, this,
             &WindowController::activePresetTileChanged);
     connect(store, &ComposerStore::activeCustomPresetIDChanged, this,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "composer_store.h"
+#include "custom_preset_list_model.h"
 #include "store_services.h"
 #include "window_dialogs.h"
 
@@ -23,6 +24,7 @@ class WindowController : public QObject {
     QML_ELEMENT
     Q_PROPERTY(velino::ComposerStore *store READ store CONSTANT)
     Q_PROPERTY(velino::ui::WindowDialogs *dialogs READ dialogs CONSTANT)
+    Q_PROPERTY(QAbstractListModel *customPresetModel READ customPresetModel CONSTANT)
     Q_PROPERTY(bool showResetAlert READ showResetAlert NOTIFY showResetAlertChanged)
     Q_PROPERTY(QVariantList presetTiles READ presetTiles CONSTANT)
     Q_PROPERTY(QString activePresetTile READ activePresetTile NOTIFY activePresetTileChanged)
@@ -48,6 +50,8 @@ public:
 
     ComposerStore *store() const { return m_store.get(); }
     WindowDialogs *dialogs() const { return m_dialogs; }
+    // The saved-preset library as the window's list shows it, row by row.
+    QAbstractListModel *customPresetModel() const { return m_presetModel; }
 
     bool showResetAlert() const { return m_showResetAlert; }
     // "Nouveau": asks for confirmation first.
@@ -90,6 +94,7 @@ private:
     WindowDialogs *m_dialogs;
     std::shared_ptr<UrlOpener> m_urls;
     std::unique_ptr<ComposerStore> m_store;
+    CustomPresetListModel *m_presetModel = nullptr;
     bool m_showResetAlert = false;
 };
 

@@ -1,3 +1,6 @@
+#include "identifiers.h"
+#include "qt_services.h"
+#include "saved_payload.h"
 #include "scene_graph_backend.h"
 
 #include <QClipboard>
@@ -41,6 +44,55 @@ public:
                 return false;
         }
         return true;
+    }
+
+    // Saves a state with `count` presets "Preset client 0" (newest) to "Preset client
+    // count-1", for the next window to load.
+    Q_INVOKABLE bool saveStateWithPresets(int count) const {
+        velino::SavedPayload payload;
+        payload.data = velino::MailComposerData::defaultRecord();
+        for (int i = 0; i < count; ++i) {
+            velino::CustomMailPreset preset;
+            preset.id = velino::randomUuid();
+            preset.name = QStringLiteral("Preset client %1").arg(i);
+            preset.data = payload.data;
+            preset.createdAt = velino::Instant{788918400.0 - i};
+            preset.updatedAt = preset.createdAt;
+            payload.customPresets.append(preset);
+        }
+        return saveState(payload);
+    }
+
+    // Saves the default content with `field` holding longText(length, lineLength).
+    Q_INVOKABLE bool saveStateWithLongField(const QString &field, int length,
+                                            int lineLength) const {
+        velino::SavedPayload payload;
+        payload.data = velino::MailComposerData::defaultRecord();
+        const velino::MailComposerData::Field *f = velino::MailComposerData::field(field);
+        if (!f)
+            return false;
+        payload.data.*f->member = longText(length, lineLength);
+        return saveState(payload);
+    }
+
+    // `length` characters of words and blanks; with lineLength > 0, a line break ends
+    // every line of that many characters.
+    Q_INVOKABLE QString longText(int length, int lineLength) const {
+        static const QString words = QStringLiteral("ecran batterie clavier reparation devis ");
+        QString text;
+        text.reserve(length);
+        qsizetype column = 0;
+        qsizetype next = 0;
+        while (text.size() < length) {
+            if (lineLength > 0 && column == lineLength - 1) {
+                text += QLatin1Char('\n');
+                column = 0;
+                continue;
+            }
+            text += words[next++ % words.size()];
+            ++column;
+        }
+        return text;
     }
 
     Q_INVOKABLE void setEnvironment(const QString &name, const QString &value) const {
@@ -90,6 +142,15 @@ public:
     }
 
 private:
+    static bool saveState(const velino::SavedPayload &payload) {
+        const QString folder = configHome()->path() + QStringLiteral("/Korvel");
+        if (!QDir().mkpath(folder))
+            return false;
+        velino::QtSettingsStore settings(folder + QStringLiteral("/Velino.conf"));
+        settings.writeBytes(QStringLiteral("velino-native-v1"), payload.toJson());
+        return settings.sync();
+    }
+
     std::vector<std::unique_ptr<QTemporaryDir>> m_folders;
     const QString m_home = qEnvironmentVariable("HOME");
 };

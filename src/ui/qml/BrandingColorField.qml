@@ -32,6 +32,7 @@ ColumnLayout {
         borderColor: AppTheme.inputLine
 
         Row {
+            visible: !guard.guarding
             anchors.fill: parent
             anchors.leftMargin: 14
             anchors.rightMargin: 14
@@ -53,10 +54,20 @@ ColumnLayout {
                 id: input
                 width: parent.width - 22 - parent.spacing
                 height: parent.height
-                text: root.text
+                text: guard.shownText
                 placeholderText: root.title
                 onTextEdited: root.edited(text)
             }
+        }
+
+        LongTextGuard {
+            id: guard
+            anchors.fill: parent
+            anchors.leftMargin: 14
+            anchors.rightMargin: 4
+            title: root.title
+            fullText: root.text
+            onEditRequested: input.forceActiveFocus()
         }
     }
 }

@@ -143,29 +143,58 @@ Item {
                     EmptyPresetStateView {
                         objectName: "emptyPresetState"
                         Layout.fillWidth: true
-                        visible: root.store.customPresets.length === 0
+                        visible: presetList.count === 0
                     }
 
-                    ColumnLayout {
+                    // A list of its own height, scrolling on its own, so that only the rows
+                    // on screen exist, however many presets are saved: about four and a half
+                    // rows, the cut row showing that there are more.
+                    ListView {
+                        id: presetList
                         objectName: "customPresetList"
+                        readonly property real maximumHeight: 470
                         Layout.fillWidth: true
-                        visible: root.store.customPresets.length > 0
+                        Layout.preferredHeight: Math.min(contentHeight, maximumHeight)
+                        visible: count > 0
+                        clip: true
                         spacing: 12
-                        Repeater {
-                            objectName: "customPresetRepeater"
-                            model: root.store.customPresets
+                        boundsBehavior: Flickable.StopAtBounds
+                        model: root.controller.customPresetModel
+                        ScrollBar.vertical: ScrollBar {
+                            policy: presetList.contentHeight > presetList.height
+                                    ? ScrollBar.AlwaysOn : ScrollBar.AsNeeded
+                        }
+
+                        // The focus scope brings a row whose button takes the keyboard focus
+                        // on screen.
+                        delegate: FocusScope {
+                            id: rowScope
+                            required property int index
+                            required property string presetId
+                            required property string name
+                            required property string sourceTitle
+                            required property string subjectLine
+                            required property date updatedAt
+                            required property bool isActive
+
+                            width: ListView.view.width - (ListView.view.contentHeight > ListView.view.height ? 14 : 0)
+                            implicitHeight: presetRow.implicitHeight
+                            height: implicitHeight
+                            onActiveFocusChanged: if (activeFocus)
+                                ListView.view.positionViewAtIndex(index, ListView.Contain)
+
                             CustomPresetRow {
-                                required property var modelData
-                                objectName: "customPresetRow." + modelData.id
-                                Layout.fillWidth: true
-                                name: modelData.name
-                                sourceTitle: modelData.sourceTitle
-                                subjectLine: modelData.subjectLine
-                                updatedAt: modelData.updatedAt
-                                isActive: modelData.isActive
-                                onLoad: root.store.loadCustomPresetById(modelData.id)
-                                onOverwrite: root.store.overwriteCustomPresetById(modelData.id)
-                                onRemove: root.store.deleteCustomPresetById(modelData.id)
+                                id: presetRow
+                                objectName: "customPresetRow." + rowScope.presetId
+                                anchors.fill: parent
+                                name: rowScope.name
+                                sourceTitle: rowScope.sourceTitle
+                                subjectLine: rowScope.subjectLine
+                                updatedAt: rowScope.updatedAt
+                                isActive: rowScope.isActive
+                                onLoad: root.store.loadCustomPresetById(rowScope.presetId)
+                                onOverwrite: root.store.overwriteCustomPresetById(rowScope.presetId)
+                                onRemove: root.store.deleteCustomPresetById(rowScope.presetId)
                             }
                         }
                     }

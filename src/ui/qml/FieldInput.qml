@@ -19,6 +19,8 @@ TextField {
     bottomPadding: 0
     selectByMouse: true
     background: null
+    // TextInput's default of 32767 would cut a longer saved text at the first edit.
+    maximumLength: 2147483647
 
     onTextChanged: if (!activeFocus) cursorPosition = 0
     onActiveFocusChanged: if (!activeFocus) cursorPosition = 0

@@ -18,7 +18,7 @@ Item {
     // Sized by hand rather than by a layout: the editor's height follows its text at the
     // width it is given, and a layout would keep a height measured at an earlier width.
     implicitWidth: 200
-    implicitHeight: area.y + area.height
+    implicitHeight: guard.guarding ? guard.y + guard.height : area.y + area.height
 
     FieldLabel {
         id: label
@@ -26,12 +26,25 @@ Item {
         text: root.title
     }
 
+    LongTextGuard {
+        id: guard
+        y: label.height + 8
+        width: root.width
+        height: Math.max(root.minHeight, implicitHeight)
+        title: root.title
+        fullText: root.text
+        summaryLines: 3
+        framed: true
+        onEditRequested: area.forceActiveFocus()
+    }
+
     TextArea {
         id: area
         y: label.height + 8
         width: root.width
         height: Math.max(root.minHeight, contentHeight + topPadding + bottomPadding)
-        text: root.text
+        visible: !guard.guarding
+        text: guard.shownText
         font.family: AppTheme.fontFamily
         font.pixelSize: 13
         font.weight: Font.Medium
@@ -48,6 +61,6 @@ Item {
             borderColor: AppTheme.inputLine
         }
         // Only the user's changes: an update from the bound value leaves the texts equal.
-        onTextChanged: if (text !== root.text) root.edited(text)
+        onTextChanged: if (text !== guard.shownText) root.edited(text)
     }
 }

@@ -40,10 +40,21 @@ ColumnLayout {
             anchors.fill: parent
             anchors.leftMargin: 14
             anchors.rightMargin: 14
-            text: root.text
+            visible: !guard.guarding
+            text: guard.shownText
             placeholderText: root.title
             echoMode: root.secure ? TextInput.Password : TextInput.Normal
             onTextEdited: root.edited(text)
+        }
+
+        LongTextGuard {
+            id: guard
+            anchors.fill: parent
+            anchors.leftMargin: 14
+            anchors.rightMargin: 4
+            title: root.title
+            fullText: root.text
+            onEditRequested: input.forceActiveFocus()
         }
     }
 }

@@ -573,6 +573,13 @@ Item {
 
         // ---- Presets -------------------------------------------------------------------
 
+        // The row of a saved preset; the list creates it at its next layout.
+        function presetRow(t, id) {
+            const name = "customPresetRow." + id
+            tryVerify(() => findNamed(el(t, "customPresetList"), name), 2000, name)
+            return el(t, name)
+        }
+
         function tiles(t) {
             return ["devis", "pret", "rdv", "relance"].map(id => el(t, "presetTile." + id))
         }
@@ -606,13 +613,13 @@ Item {
             mouseClick(el(t, "presetTile.rdv"))
             compare(activeTiles(t), ["presetTile.rdv"])
             compare(t.store.activeCustomPresetID, "")
-            const row = el(t, "customPresetRow." + t.store.customPresets[0].id)
+            const row = presetRow(t, t.store.customPresets[0].id)
             compare(row.isActive, false)
 
             // Loading the saved preset again: its row lights up, the tiles go dark.
             mouseClick(named(row, "loadButton"))
             compare(activeTiles(t), [])
-            const reloaded = el(t, "customPresetRow." + t.store.customPresets[0].id)
+            const reloaded = presetRow(t, t.store.customPresets[0].id)
             compare(reloaded.isActive, true)
             compare(t.store.data.subject, el(t, "field.subject").field.text)
         }
@@ -643,7 +650,7 @@ Item {
             mouseClick(save)
             compare(t.store.customPresets.length, 1)
             const entry = t.store.customPresets[0]
-            const row = el(t, "customPresetRow." + entry.id)
+            const row = presetRow(t, entry.id)
             verify(row.visible)
             compare(row.isActive, true)
             compare(row.name, "Ecran iPhone")
@@ -662,7 +669,7 @@ Item {
             compare(t.store.customPresets[0].subjectLine, defaultSubject + " (mis a jour)")
 
             // Deleting asks nothing and brings the empty state back.
-            const current = el(t, "customPresetRow." + t.store.customPresets[0].id)
+            const current = presetRow(t, t.store.customPresets[0].id)
             mouseClick(named(current, "removeButton"))
             compare(t.store.customPresets.length, 0)
             tryVerify(() => empty.visible)
@@ -816,6 +823,111 @@ Item {
             } finally {
                 TestSupport.setEnvironment("HOME", TestSupport.homeAtStart())
             }
+        }
+
+        // ---- Large saved states ----------------------------------------------------------
+
+        // The preset rows the list has created (delegates), whatever is on screen.
+        function createdRows(list) {
+            const rows = []
+            for (let i = 0; i < list.contentItem.children.length; ++i) {
+                if (list.contentItem.children[i].presetId !== undefined)
+                    rows.push(list.contentItem.children[i])
+            }
+            return rows
+        }
+
+        function test_presetListCreatesOnlyTheRowsOnScreen() {
+            verify(TestSupport.saveStateWithPresets(1000))
+            const t = openUnlocked()
+            const list = el(t, "customPresetList")
+            compare(list.count, 1000)
+            verify(list.height <= list.maximumHeight, "the list keeps its own height")
+            const created = createdRows(list).length
+            verify(created > 0 && created <= 15, created + " rows created for 1000 presets")
+            compare(el(t, "emptyPresetState").visible, false)
+
+            const model = t.controller.customPresetModel
+            const spies = {}
+            for (const name of ["modelReset", "dataChanged", "rowsInserted", "rowsRemoved",
+                                "rowsMoved", "layoutChanged"]) {
+                spies[name] = createTemporaryObject(signalSpyComponent, testCase,
+                                                    { target: model, signalName: name })
+            }
+            const counts = () => Object.keys(spies).map(name => name + " " + spies[name].count).join(", ")
+
+            // Loading a preset: the rows of the old and the new highlight at most.
+            reveal(t, list)
+            const second = list.itemAtIndex(1)
+            mouseClick(named(second, "loadButton"))
+            compare(t.store.activeCustomPresetID, second.presetId)
+            verify(named(second, "customPresetRow." + second.presetId).isActive)
+            compare(counts(), "modelReset 0, dataChanged 1, rowsInserted 0, rowsRemoved 0, rowsMoved 0, layoutChanged 0")
+
+            // Overwriting it moves its row to the top; deleting it removes that row.
+            mouseClick(named(list.itemAtIndex(1), "overwriteButton"))
+            tryVerify(() => list.itemAtIndex(0) && list.itemAtIndex(0).presetId === t.store.activeCustomPresetID,
+                      2000, "overwritten row on top")
+            compare(spies.rowsMoved.count, 1)
+            mouseClick(named(list.itemAtIndex(0), "removeButton"))
+            tryCompare(list, "count", 999)
+            compare(counts(), "modelReset 0, dataChanged 2, rowsInserted 0, rowsRemoved 1, rowsMoved 1, layoutChanged 0")
+
+            // Scrolled to the end: rows are made for the new place, not for the whole list.
+            list.positionViewAtEnd()
+            waitForRendering(list)
+            verify(list.itemAtIndex(998), "last row created")
+            verify(createdRows(list).length <= 15, createdRows(list).length + " rows after scrolling")
+        }
+
+        Component {
+            id: signalSpyComponent
+            SignalSpy {}
+        }
+
+        function test_veryLongTextIsSummarisedAndKeptWhole_data() {
+            return [
+                { tag: "message body, one 4 MB line", field: "mailBody", length: 4000000, lineLength: 0 },
+                { tag: "message body, 4 MB in short lines", field: "mailBody", length: 4000000, lineLength: 26 },
+                { tag: "single-line field", field: "senderEmail", length: 150000, lineLength: 0 },
+                { tag: "colour field", field: "accentPrimary", length: 150000, lineLength: 0 },
+            ]
+        }
+
+        function test_veryLongTextIsSummarisedAndKeptWhole(data) {
+            verify(TestSupport.saveStateWithLongField(data.field, data.length, data.lineLength))
+            const expected = TestSupport.longText(data.length, data.lineLength)
+            const t = openUnlocked()
+            const wrapper = el(t, "field." + data.field)
+            const control = wrapper.field !== undefined ? wrapper.field : wrapper.editor
+            const summary = named(wrapper, "longTextSummary")
+            verify(summary.visible)
+            verify(summary.text.startsWith("Texte tres long ("), summary.text)
+            verify(summary.text.indexOf(" Mo) : ecran batterie") > 0 || summary.text.indexOf(" Ko) : ecran batterie") > 0,
+                   summary.text)
+            compare(control.text, "", "nothing of the long text is laid out")
+            compare(control.visible, false)
+            const button = named(wrapper, "editAnywayButton")
+            compare(button.text, "Modifier quand meme")
+            compare(button.Accessible.name, "Modifier quand meme : " + wrapper.title)
+
+            // Typing elsewhere regenerates and saves with the long text whole.
+            const before = t.store.generatedHTML
+            typeInto(t, "field.recipientName", "Z")
+            waitForDebounce(t, before)
+            verify(t.store.data[data.field] === expected, "record unchanged")
+            verify(summary.visible)
+
+            if (data.length > 1000000)
+                return // laying out several megabytes is what the summary avoids
+            // From the keyboard: the button takes the focus, Return hands over the text.
+            button.forceActiveFocus()
+            tryVerify(() => button.activeFocus)
+            TestSupport.keyClick(t.window, Qt.Key_Return)
+            tryVerify(() => control.visible && control.activeFocus, 5000, "editor shown and focused")
+            compare(control.text.length, data.length)
+            compare(summary.visible, false)
+            verify(t.store.data[data.field] === expected, "record unchanged after opening the editor")
         }
     }
 }

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// The saved states the window benchmark starts from, written into a settings folder as the
+// program would find them.
+namespace velino::bench {
+
+// "empty" (nothing saved), "presets-1000" (a library of 1,000 presets), "body-4mb-line"
+// (a message body of one 4 MB line), "body-4mb-lines" (4 MB in 150,000 short lines).
+QStringList savedStateNames();
+
+// Writes the saved state `name` under configHome and dataHome (the XDG_CONFIG_HOME and
+// XDG_DATA_HOME of the run); false for an unknown name or a failed write.
+bool writeSavedState(const QString &name, const QString &configHome, const QString &dataHome);
+
+} // namespace velino::bench

@@ -1,0 +1,165 @@
+#include "custom_preset_list_model.h"
+#include "identifiers.h"
+#include "store_fixture.h"
+
+#include <functional>
+
+using namespace velino;
+using velino::test::StoreTest;
+
+namespace {
+
+// Every signal the model sends, in order, written short: "inserted 0", "removed 2",
+// "moved 3>0", "changed 1 isActive", "reset".
+class ModelLog : public QObject {
+public:
+    explicit ModelLog(CustomPresetListModel &model) {
+        connect(&model, &QAbstractItemModel::rowsInserted, this,
+                [this](const QModelIndex &, int first, int last) {
+                    add(QStringLiteral("inserted %1").arg(first), first, last);
+                });
+        connect(&model, &QAbstractItemModel::rowsRemoved, this,
+                [this](const QModelIndex &, int first, int last) {
+                    add(QStringLiteral("removed %1").arg(first), first, last);
+                });
+        connect(&model, &QAbstractItemModel::rowsMoved, this,
+                [this](const QModelIndex &, int first, int last, const QModelIndex &, int to) {
+                    add(QStringLiteral("moved %1>%2").arg(first).arg(to), first, last);
+                });
+        connect(&model, &QAbstractItemModel::dataChanged, this,
+                [this](const QModelIndex &from, const QModelIndex &to, const QList<int> &roles) {
+                    const QString what = roles == QList<int>{CustomPresetListModel::IsActiveRole}
+                                             ? QStringLiteral("isActive")
+                                             : QStringLiteral("content");
+                    add(QStringLiteral("changed %1 %2").arg(from.row()).arg(what), from.row(),
+                        to.row());
+                });
+        connect(&model, &QAbstractItemModel::modelReset, this,
+                [this] { entries << QStringLiteral("reset"); });
+    }
+
+    QStringList entries;
+
+private:
+    void add(const QString &entry, int first, int last) {
+        entries << (first == last ? entry : entry + QStringLiteral(" to %1").arg(last));
+    }
+};
+
+class CustomPresetListModelTest : public StoreTest {
+protected:
+    // Five presets "P0" (oldest) to "P4" (newest, first row, loaded).
+    std::unique_ptr<ComposerStore> storeWithFivePresets() {
+        auto store = makeStore();
+        for (int i = 0; i < 5; ++i) {
+            clock->advance(60);
+            store->setCustomPresetDraftName(QStringLiteral("P%1").arg(i));
+            store->saveAsNewCustomPreset();
+        }
+        return store;
+    }
+
+    static QStringList shownNames(const CustomPresetListModel &model) {
+        QStringList names;
+        for (int row = 0; row < model.rowCount(); ++row)
+            names << model.index(row).data(CustomPresetListModel::NameRole).toString();
+        return names;
+    }
+    static QStringList storeNames(const ComposerStore &store) {
+        QStringList names;
+        for (const CustomMailPreset &preset : store.customPresets())
+            names << preset.name;
+        return names;
+    }
+    static int activeRow(const CustomPresetListModel &model) {
+        int found = -1;
+        for (int row = 0; row < model.rowCount(); ++row) {
+            if (model.index(row).data(CustomPresetListModel::IsActiveRole).toBool()) {
+                EXPECT_EQ(found, -1) << "two rows highlighted";
+                found = row;
+            }
+        }
+        return found;
+    }
+};
+
+TEST_F(CustomPresetListModelTest, EachOperationAnnouncesOnlyTheRowsItTouches) {
+    using Operation = std::function<void(ComposerStore &)>;
+    const auto presetAt = [](ComposerStore &store, int row) {
+        return store.customPresets().at(row);
+    };
+    const struct {
+        const char *name;
+        Operation operation;
+        QStringList signalsSent;
+        int activeRowAfter;
+    } cases[] = {
+        {"load another preset: the old and the new highlight",
+         [&](ComposerStore &s) { s.loadCustomPreset(presetAt(s, 2)); },
+         {"changed 0 isActive", "changed 2 isActive"},
+         2},
+        {"load the loaded preset again: nothing",
+         [&](ComposerStore &s) { s.loadCustomPreset(presetAt(s, 0)); },
+         {},
+         0},
+        {"save as new: one row on top",
+         [](ComposerStore &s) {
+             s.setCustomPresetDraftName(QStringLiteral("Nouveau"));
+             s.saveAsNewCustomPreset();
+         },
+         {"changed 0 isActive", "inserted 0"},
+         0},
+        {"overwrite an older one: it moves to the top with its new date",
+         [&](ComposerStore &s) { s.overwriteCustomPreset(presetAt(s, 3)); },
+         {"changed 0 isActive", "changed 3 isActive", "moved 3>0", "changed 0 content"},
+         0},
+        {"update the loaded one, renamed: it stays first and shows the new name",
+         [](ComposerStore &s) {
+             s.setCustomPresetDraftName(QStringLiteral("Renomme"));
+             s.updateActiveCustomPreset();
+         },
+         {"changed 0 content"},
+         0},
+        {"delete another preset: that row only",
+         [&](ComposerStore &s) { s.deleteCustomPreset(presetAt(s, 3)); },
+         {"removed 3"},
+         0},
+        {"delete the loaded preset: its row goes, no highlight left",
+         [&](ComposerStore &s) { s.deleteCustomPreset(presetAt(s, 0)); },
+         {"removed 0"},
+         -1},
+        {"built-in preset applied: the highlight goes",
+         [](ComposerStore &s) { s.applyPreset(PresetKind::Rdv); },
+         {"changed 0 isActive"},
+         -1},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto store = storeWithFivePresets();
+        CustomPresetListModel model(store.get());
+        ASSERT_EQ(activeRow(model), 0);
+        ModelLog log(model);
+        clock->advance(60);
+        c.operation(*store);
+        EXPECT_EQ(log.entries, c.signalsSent);
+        EXPECT_EQ(shownNames(model), storeNames(*store));
+        EXPECT_EQ(activeRow(model), c.activeRowAfter);
+    }
+}
+
+TEST_F(CustomPresetListModelTest, RowsCarryWhatTheListShows) {
+    const auto store = storeWithFivePresets();
+    CustomPresetListModel model(store.get());
+    const CustomMailPreset &first = store->customPresets().first();
+    const QModelIndex row = model.index(0);
+    EXPECT_EQ(model.count(), 5);
+    EXPECT_EQ(row.data(CustomPresetListModel::IdRole).toString(), uuidText(first.id));
+    EXPECT_EQ(row.data(CustomPresetListModel::NameRole).toString(), "P4");
+    EXPECT_EQ(row.data(CustomPresetListModel::SourceTitleRole).toString(), "Devis");
+    EXPECT_EQ(row.data(CustomPresetListModel::SubjectLineRole).toString(), first.subjectLine());
+    EXPECT_EQ(row.data(CustomPresetListModel::UpdatedAtRole).toDateTime(),
+              first.updatedAt.toDateTime());
+    EXPECT_FALSE(model.index(5).data(CustomPresetListModel::NameRole).isValid());
+}
+
+} // namespace
