@@ -1,5 +1,6 @@
 #include "identifiers.h"
 #include "qt_services.h"
+#include "qt_state_storage.h"
 #include "saved_payload.h"
 #include "scene_graph_backend.h"
 
@@ -143,12 +144,10 @@ public:
 
 private:
     static bool saveState(const velino::SavedPayload &payload) {
-        const QString folder = configHome()->path() + QStringLiteral("/Korvel");
-        if (!QDir().mkpath(folder))
-            return false;
-        velino::QtSettingsStore settings(folder + QStringLiteral("/Velino.conf"));
-        settings.writeBytes(QStringLiteral("velino-native-v1"), payload.toJson());
-        return settings.sync();
+        const QString home = configHome()->path();
+        velino::QtStateStorage storage(velino::StateFiles::inFolders(
+            home + QStringLiteral("/Korvel"), home + QStringLiteral("/data/Korvel/Velino")));
+        return storage.writeDocument(payload.toJson());
     }
 
     std::vector<std::unique_ptr<QTemporaryDir>> m_folders;

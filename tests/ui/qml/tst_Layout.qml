@@ -118,8 +118,9 @@ Item {
             compare(name.length, 63)
             store.customPresetDraftName = name
             store.saveAsNewCustomPreset()
-            const row = find(main(), (i) => String(i.objectName).startsWith("customPresetRow."))
-            verify(row, "row of the saved preset")
+            const rowOf = () => find(main(), (i) => String(i.objectName).startsWith("customPresetRow."))
+            tryVerify(() => rowOf() !== null, 3000, "row of the saved preset")
+            const row = rowOf()
             tryVerify(() => row.isActive)
             waitForRendering(main())
             const buttons = find(row, (i) => i.objectName === "presetButtons")
