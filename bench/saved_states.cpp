@@ -12,23 +12,6 @@ namespace {
 
 constexpr qsizetype kFourMegabytes = 4 * 1000 * 1000;
 
-SavedPayload libraryOf1000Presets() {
-    SavedPayload payload;
-    payload.data = MailComposerData::defaultRecord();
-    for (int i = 0; i < 1000; ++i) {
-        CustomMailPreset preset;
-        preset.id = randomUuid();
-        preset.name = QStringLiteral("Preset client %1").arg(i);
-        preset.sourcePreset = kAllPresetKinds[i % 4];
-        preset.data = MailComposerData::defaultRecord();
-        preset.data.applyPreset(preset.sourcePreset);
-        preset.data.recipientName = QStringLiteral("Client %1").arg(i);
-        preset.createdAt = Instant{788918400.0 + i};
-        preset.updatedAt = Instant{788918400.0 + (i * 7919) % 1000};
-        payload.customPresets.append(preset);
-    }
-    return payload;
-}
 
 // Words and blanks up to `size` characters; with `lineLength` > 0, a line break ends every
 // line of that many characters.
@@ -58,6 +41,24 @@ SavedPayload bodyOf(QString body) {
 }
 
 } // namespace
+
+SavedPayload libraryOf1000Presets() {
+    SavedPayload payload;
+    payload.data = MailComposerData::defaultRecord();
+    for (int i = 0; i < 1000; ++i) {
+        CustomMailPreset preset;
+        preset.id = randomUuid();
+        preset.name = QStringLiteral("Preset client %1").arg(i);
+        preset.sourcePreset = kAllPresetKinds[i % 4];
+        preset.data = MailComposerData::defaultRecord();
+        preset.data.applyPreset(preset.sourcePreset);
+        preset.data.recipientName = QStringLiteral("Client %1").arg(i);
+        preset.createdAt = Instant{788918400.0 + i};
+        preset.updatedAt = Instant{788918400.0 + (i * 7919) % 1000};
+        payload.customPresets.append(preset);
+    }
+    return payload;
+}
 
 QStringList savedStateNames() {
     return {QStringLiteral("empty"), QStringLiteral("presets-1000"),

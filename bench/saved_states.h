@@ -1,11 +1,16 @@
 #pragma once
 
+#include "saved_payload.h"
+
 #include <QString>
 #include <QStringList>
 
 // The saved states the window benchmark starts from, written into a settings folder as the
 // program would find them.
 namespace velino::bench {
+
+// The default record and 1,000 saved presets of the four kinds, updated in a mixed order.
+SavedPayload libraryOf1000Presets();
 
 // "empty" (nothing saved), "presets-1000" (a library of 1,000 presets), "body-4mb-line"
 // (a message body of one 4 MB line), "body-4mb-lines" (4 MB in 150,000 short lines).

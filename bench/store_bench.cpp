@@ -5,6 +5,7 @@
 #include "identifiers.h"
 #include "qt_state_storage.h"
 #include "saved_payload.h"
+#include "saved_states.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -29,20 +30,7 @@ struct LibraryFixture {
                                              dir.filePath(QStringLiteral("data")));
 
     LibraryFixture() {
-        SavedPayload payload;
-        payload.data = MailComposerData::defaultRecord();
-        for (int i = 0; i < 1000; ++i) {
-            CustomMailPreset preset;
-            preset.id = randomUuid();
-            preset.name = QStringLiteral("Preset client %1").arg(i);
-            preset.sourcePreset = kAllPresetKinds[i % 4];
-            preset.data = MailComposerData::defaultRecord();
-            preset.data.applyPreset(preset.sourcePreset);
-            preset.data.recipientName = QStringLiteral("Client %1").arg(i);
-            preset.createdAt = Instant{788918400.0 + i};
-            preset.updatedAt = Instant{788918400.0 + (i * 7919) % 1000};
-            payload.customPresets.append(preset);
-        }
+        const SavedPayload payload = bench::libraryOf1000Presets();
         QDir().mkpath(dir.filePath(QStringLiteral("data")));
         QFile file(files.document);
         if (file.open(QIODevice::WriteOnly))
