@@ -11,6 +11,11 @@ Item {
     readonly property ComposerStore store: controller.store
     readonly property alias preview: preview
 
+    PreviewDocument {
+        id: previewDocument
+        store: root.store
+    }
+
     // The previewSurface gradient's ends, read once (stops announce no changes).
     property color surfaceStart
     property color surfaceEnd
@@ -128,6 +133,13 @@ Item {
             }
         }
 
+        MutedText {
+            objectName: "shortenedPreviewNote"
+            Layout.fillWidth: true
+            visible: previewDocument.isShortened
+            text: "Apercu abrege : un texte tres long y est coupe. Le mail copie, exporte ou envoye le garde en entier."
+        }
+
         Item {
             id: previewFrameItem
             objectName: "previewFrame"
@@ -149,7 +161,7 @@ Item {
                 objectName: "htmlPreview"
                 anchors.fill: parent
                 anchors.margins: 14
-                html: root.store.generatedHTML
+                html: previewDocument.html
                 serviceHost: root.controller.serviceHost
                 // The page is reloaded after every change the store publishes.
                 changeSource: root.store

@@ -917,6 +917,11 @@ Item {
             waitForDebounce(t, before)
             verify(t.store.data[data.field] === expected, "record unchanged")
             verify(summary.visible)
+            // The preview shows the e-mail with the long text cut, and says so.
+            const preview = el(t, "htmlPreview")
+            verify(preview.html.length < 100000, "preview of " + preview.html.length + " characters")
+            verify(preview.html.indexOf(t.store.data.recipientName) >= 0, "preview follows the edit")
+            verify(el(t, "shortenedPreviewNote").visible)
 
             if (data.length > 1000000)
                 return // laying out several megabytes is what the summary avoids
