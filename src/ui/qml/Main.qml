@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Controls.Basic
-import QtQuick.Dialogs
 import Velino
 
 // The root view of one window: the background gradient under everything, the lock
@@ -49,7 +48,6 @@ ApplicationWindow {
     readonly property alias controller: controller
     readonly property alias resetAlert: resetAlert
     readonly property alias warningAlert: warningAlert
-    readonly property alias exportDialog: exportDialog
     readonly property alias replaceAlert: replaceAlert
 
     LockState {
@@ -174,30 +172,13 @@ ApplicationWindow {
         }
     }
 
-    // The platform's save dialog (native where the desktop offers one). It does not ask
-    // before replacing a file: the window asks, once, in replaceAlert.
-    FileDialog {
-        id: exportDialog
-        objectName: "exportDialog"
-        title: controller.dialogs.saveTitle
-        fileMode: FileDialog.SaveFile
-        nameFilters: ["Pages HTML (*.html *.htm)"]
-        defaultSuffix: "html"
-        options: FileDialog.DontConfirmOverwrite
-        currentFolder: controller.dialogs.saveFolder
-        selectedFile: controller.dialogs.suggestedFile
-        onAccepted: controller.dialogs.chooseSaveFile(selectedFile)
-        onRejected: controller.dialogs.cancelSave()
-    }
-
-    Connections {
-        target: controller.dialogs
-        function onSaveChanged() {
-            if (controller.dialogs.saveRequested && !exportDialog.visible)
-                exportDialog.open()
-            else if (!controller.dialogs.saveRequested && exportDialog.visible)
-                exportDialog.close()
-        }
+    // The export's save dialog, created when the store asks for one. Loaded by URL, so
+    // that the dialog module is only read when first needed.
+    readonly property var exportDialog: exportDialogLoader.item
+    Loader {
+        id: exportDialogLoader
+        active: controller.dialogs.saveRequested
+        onActiveChanged: if (active) setSource("ExportDialog.qml", { dialogs: controller.dialogs })
     }
 
     AlertDialog {
