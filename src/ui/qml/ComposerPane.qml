@@ -380,7 +380,7 @@ Item {
                         StatusChip {
                             objectName: "appleStatusChip"
                             text: root.store.appleConnectionStatusText
-                            tint: AppTheme.accent
+                            tint: AppTheme.accentFill
                         }
                         MutedText {
                             objectName: "appleHint"

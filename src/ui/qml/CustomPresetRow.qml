@@ -29,7 +29,7 @@ Item {
         radius: 20
         gradient: root.isActive ? null : AppTheme.inputSurface
         color: root.isActive ? AppTheme.withOpacity(AppTheme.buttonSurface, 0.36) : "transparent"
-        borderColor: root.isActive ? AppTheme.withOpacity(AppTheme.accent, 0.55) : AppTheme.inputLine
+        borderColor: root.isActive ? AppTheme.withOpacity(AppTheme.accent, 0.55) : AppTheme.fieldLine
     }
 
     RowLayout {
@@ -69,7 +69,7 @@ Item {
                     objectName: "activeChip"
                     visible: root.isActive
                     text: "Charge"
-                    tint: AppTheme.accent
+                    tint: AppTheme.accentFill
                     Layout.minimumWidth: implicitWidth
                 }
                 Item {

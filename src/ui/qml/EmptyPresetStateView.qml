@@ -14,7 +14,7 @@ Item {
         anchors.fill: parent
         radius: 18
         gradient: AppTheme.inputSurface
-        borderColor: AppTheme.inputLine
+        borderColor: AppTheme.fieldLine
     }
 
     RowLayout {

@@ -19,6 +19,8 @@ TextField {
     bottomPadding: 0
     selectByMouse: true
     background: null
+    // Every form field's placeholder is its visible label: the name a screen reader reads.
+    Accessible.name: placeholderText
     // TextInput's default of 32767 would cut a longer saved text at the first edit.
     maximumLength: 2147483647
 

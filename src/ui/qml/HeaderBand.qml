@@ -79,13 +79,13 @@ Item {
                     objectName: "formatChip"
                     Layout.minimumWidth: implicitWidth
                     text: root.store.currentFormatStatus
-                    tint: AppTheme.accent
+                    tint: AppTheme.accentFill
                 }
                 StatusChip {
                     objectName: "saveChip"
                     Layout.minimumWidth: implicitWidth
                     text: root.store.saveStatus
-                    tint: AppTheme.accentSoft
+                    tint: AppTheme.accentSoftFill
                 }
                 StatusChip {
                     objectName: "actionChip"

@@ -15,6 +15,13 @@ Item {
 
     signal edited(string text)
 
+    function moveFocus(event, forward) {
+        const next = area.nextItemInFocusChain(forward)
+        if (next)
+            next.forceActiveFocus(forward ? Qt.TabFocusReason : Qt.BacktabFocusReason)
+        event.accepted = true
+    }
+
     // Sized by hand rather than by a layout: the editor's height follows its text at the
     // width it is given, and a layout would keep a height measured at an earlier width.
     implicitWidth: 200
@@ -58,8 +65,17 @@ Item {
         background: Surface {
             radius: 12
             gradient: AppTheme.inputSurface
-            borderColor: AppTheme.inputLine
+            borderColor: AppTheme.fieldLine
+
+            FocusRing {
+                control: area
+                shapeRadius: 12
+            }
         }
+        Accessible.name: root.title
+        // Tab and Shift+Tab leave the editor (they never type a tab into the text).
+        Keys.onTabPressed: (event) => root.moveFocus(event, true)
+        Keys.onBacktabPressed: (event) => root.moveFocus(event, false)
         // Only the user's changes: an update from the bound value leaves the texts equal.
         onTextChanged: if (text !== guard.shownText) root.edited(text)
     }

@@ -33,7 +33,12 @@ ColumnLayout {
         implicitWidth: 200
         radius: 14
         gradient: AppTheme.inputSurface
-        borderColor: AppTheme.inputLine
+        borderColor: AppTheme.fieldLine
+
+        FocusRing {
+            control: input
+            shapeRadius: 14
+        }
 
         FieldInput {
             id: input

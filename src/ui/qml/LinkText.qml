@@ -14,7 +14,7 @@ Text {
     font.pixelSize: 12
     font.weight: Font.DemiBold
     font.underline: mouse.containsMouse
-    color: AppTheme.accentSoft
+    color: AppTheme.link
 
     MouseArea {
         id: mouse

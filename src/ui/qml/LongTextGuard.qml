@@ -35,7 +35,7 @@ Item {
         visible: root.framed
         radius: 12
         gradient: AppTheme.inputSurface
-        borderColor: AppTheme.inputLine
+        borderColor: AppTheme.fieldLine
     }
 
     RowLayout {

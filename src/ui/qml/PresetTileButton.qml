@@ -16,7 +16,24 @@ T.Button {
     property bool isActive: false
     property string summary
 
-    focusPolicy: Qt.NoFocus
+    // In the Tab order (a click leaves the focus where it is); Space, Return and a screen
+    // reader's press action apply the preset; the arrow keys move to the next tile.
+    focusPolicy: Qt.TabFocus
+    Accessible.name: text + " : " + summary
+    Accessible.checkable: true
+    Accessible.checked: isActive
+    Accessible.onPressAction: clicked()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
+    Keys.onRightPressed: moveFocus(true)
+    Keys.onLeftPressed: moveFocus(false)
+
+    function moveFocus(forward) {
+        const next = nextItemInFocusChain(forward)
+        if (next && next.isPresetTile === true)
+            next.forceActiveFocus(forward ? Qt.TabFocusReason : Qt.BacktabFocusReason)
+    }
+    readonly property bool isPresetTile: true
     implicitWidth: Math.max(implicitBackgroundWidth + leftInset + rightInset,
                             implicitContentWidth + leftPadding + rightPadding)
     implicitHeight: Math.max(implicitBackgroundHeight + topInset + bottomInset,
@@ -45,7 +62,7 @@ T.Button {
             font.family: AppTheme.fontFamily
             font.pixelSize: 11
             font.weight: Font.Medium
-            color: control.isActive ? Qt.rgba(1, 1, 1, 0.86) : AppTheme.secondaryLabel
+            color: control.isActive ? "white" : AppTheme.secondaryLabel
             wrapMode: Text.Wrap
             horizontalAlignment: Text.AlignLeft
         }
@@ -53,7 +70,7 @@ T.Button {
 
     background: Surface {
         radius: 18
-        gradient: control.isActive ? AppTheme.accentGradient : null
+        gradient: control.isActive ? AppTheme.accentFillGradient : null
         color: control.isActive ? "transparent"
                                 : AppTheme.withOpacity(AppTheme.buttonSurface, control.down ? 0.84 : 0.92)
         borderColor: control.isActive ? "transparent" : AppTheme.line
@@ -61,5 +78,10 @@ T.Button {
         shadowRadius: control.isActive ? 18 : 10
         shadowOffsetY: 10
         Behavior on color { ColorAnimation { duration: 140; easing.type: Easing.BezierSpline; easing.bezierCurve: [0.0, 0.0, 0.58, 1.0, 1.0, 1.0] } }
+
+        FocusRing {
+            control: control
+            shapeRadius: 18
+        }
     }
 }

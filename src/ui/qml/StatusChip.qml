@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Velino
 
-// A capsule of bold white text on a tinted fill. Given less width than its text needs,
+// A capsule of bold text on a tinted fill: white, or dark on a light tint (cyan). Given less width than its text needs,
 // the text is shortened and shown whole in a tooltip.
 Item {
     id: root
@@ -28,7 +28,7 @@ Item {
         font.family: AppTheme.fontFamily
         font.pixelSize: 11
         font.weight: Font.Bold
-        color: "white"
+        color: AppTheme.textOn(root.tint)
         elide: Text.ElideRight
     }
 

@@ -4,8 +4,10 @@ import Velino
 
 // Every button but the preset tiles. Primary: white label on the accent gradient with an
 // accent shadow; secondary: flat button surface with a line border and a light shadow.
-// Pressed: 0.9 opacity and 0.985 scale, eased out over 0.12 s. Like a native button it
-// does not take the keyboard focus from the text being edited. A destructive button
+// Pressed: 0.9 opacity and 0.985 scale, eased out over 0.12 s. It is in the Tab order
+// but, like a native button, a click does not take the keyboard focus from the text being
+// edited. Space and Return press it, and so does a screen reader's press action; a ring
+// in the focus colour shows the keyboard focus. A destructive button
 // (the reset confirmation's) writes its label in red. Given less width than its label
 // needs, the label wraps onto further lines.
 T.Button {
@@ -14,7 +16,14 @@ T.Button {
     property bool primary: false
     property bool destructive: false
 
-    focusPolicy: Qt.NoFocus
+    // Read after the label, e.g. the preset a row's button acts on.
+    property string accessibleContext
+
+    focusPolicy: Qt.TabFocus
+    Accessible.name: accessibleContext.length > 0 ? text + " : " + accessibleContext : text
+    Accessible.onPressAction: if (enabled) clicked()
+    Keys.onReturnPressed: if (enabled) clicked()
+    Keys.onEnterPressed: if (enabled) clicked()
     implicitWidth: Math.max(implicitBackgroundWidth + leftInset + rightInset,
                             implicitContentWidth + leftPadding + rightPadding)
     implicitHeight: Math.max(implicitBackgroundHeight + topInset + bottomInset,
@@ -46,11 +55,16 @@ T.Button {
 
     background: Surface {
         radius: 14
-        gradient: control.primary ? AppTheme.accentGradient : null
+        gradient: control.primary ? AppTheme.accentFillGradient : null
         color: control.primary ? "transparent" : AppTheme.buttonSurface
         borderColor: control.primary ? "transparent" : AppTheme.line
         shadowColor: control.primary ? AppTheme.withOpacity(AppTheme.accent, 0.24) : Qt.rgba(0, 0, 0, 0.12)
         shadowRadius: control.primary ? 16 : 8
         shadowOffsetY: 8
+
+        FocusRing {
+            control: control
+            shapeRadius: 14
+        }
     }
 }

@@ -203,7 +203,7 @@ Item {
             mouseRelease(tile)
             tryCompare(tile, "scale", 1, 1000)
             tile.isActive = true
-            compare(tile.background.gradient, AppTheme.accentGradient)
+            compare(tile.background.gradient, AppTheme.accentFillGradient)
             tile.isActive = false
             compare(tile.background.gradient, null)
         }
