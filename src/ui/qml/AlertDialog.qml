@@ -6,7 +6,10 @@ import Velino
 
 // A modal alert in the window's palette: a bold title, an explanation, and its buttons
 // (given as children) aligned on the right. It opens and closes with `shown`; a press on
-// Escape asks the owner to close it through escapePressed().
+// Escape asks the owner to close it through escapePressed(). Opened, it gives the keyboard
+// focus to `defaultButton` (Tab moves between the buttons, Return or Space presses the
+// focused one) and a screen reader reads it as an alert; closed, it gives the focus back
+// to what had it before, when that is still on screen.
 Popup {
     id: root
 
@@ -14,6 +17,8 @@ Popup {
     property string message
     property bool shown: false
     default property alias buttons: buttonRow.data
+    property Item defaultButton: null
+    property Item focusBefore: null
 
     signal escapePressed()
     signal returnPressed()
@@ -27,6 +32,16 @@ Popup {
     closePolicy: Popup.NoAutoClose
 
     onShownChanged: shown ? open() : close()
+    onAboutToShow: {
+        const window = T.Overlay.overlay ? T.Overlay.overlay.Window : null
+        focusBefore = window ? window.activeFocusItem : null
+    }
+    onOpened: if (defaultButton) defaultButton.forceActiveFocus(Qt.OtherFocusReason)
+    onClosed: {
+        if (focusBefore && focusBefore.visible)
+            focusBefore.forceActiveFocus(Qt.OtherFocusReason)
+        focusBefore = null
+    }
     Component.onCompleted: if (shown) open()
 
     T.Overlay.modal: Rectangle {
@@ -46,6 +61,9 @@ Popup {
         implicitWidth: column.implicitWidth
         implicitHeight: column.implicitHeight
         focus: true
+        Accessible.role: Accessible.AlertMessage
+        Accessible.name: root.title
+        Accessible.description: root.message
         Keys.onEscapePressed: root.escapePressed()
         Keys.onReturnPressed: root.returnPressed()
         Keys.onEnterPressed: root.returnPressed()

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Window
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Velino
@@ -16,6 +17,69 @@ Item {
     Surface {
         anchors.fill: parent
         gradient: AppTheme.panelBackground
+    }
+
+    // The control with the keyboard focus is kept fully in view, with its label; the page
+    // keys scroll the form (Ctrl+Home and Ctrl+End to its ends) when the focused control
+    // does not use them itself.
+    Connections {
+        target: root.Window.window
+        function onActiveFocusItemChanged() { root.revealFocusedControl() }
+    }
+
+    function revealFocusedControl() {
+        const item = root.Window.activeFocusItem
+        if (!item)
+            return
+        let inForm = false
+        for (let p = item; p; p = p.parent) {
+            if (p === cards) {
+                inForm = true
+                break
+            }
+        }
+        if (inForm)
+            revealRange(item.mapToItem(cards, 0, 0).y - 32, item.mapToItem(cards, 0, item.height).y + 16)
+    }
+
+    // Scrolls as little as needed for cards' range [top, bottom] to be on screen.
+    function revealRange(top, bottom) {
+        const flick = scroll.contentItem
+        const view = flick.height
+        let y = flick.contentY
+        if (bottom > y + view)
+            y = bottom - view
+        if (top < y)
+            y = top
+        flick.contentY = Math.max(0, Math.min(y, flick.contentHeight - view))
+    }
+
+    // After unlocking: the keyboard starts in the client's name, the form at its top (the
+    // field is on the first screen once the form is laid out).
+    function focusFirstField() {
+        recipientNameField.field.forceActiveFocus(Qt.OtherFocusReason)
+        Qt.callLater(() => scroll.contentItem.contentY = 0)
+    }
+
+    function scrollBy(pages) {
+        const flick = scroll.contentItem
+        flick.contentY = Math.max(0, Math.min(flick.contentY + pages * (flick.height - 48),
+                                              flick.contentHeight - flick.height))
+    }
+
+    Keys.onPressed: (event) => {
+        const flick = scroll.contentItem
+        if (event.key === Qt.Key_PageDown)
+            scrollBy(1)
+        else if (event.key === Qt.Key_PageUp)
+            scrollBy(-1)
+        else if (event.key === Qt.Key_Home && (event.modifiers & Qt.ControlModifier))
+            flick.contentY = 0
+        else if (event.key === Qt.Key_End && (event.modifiers & Qt.ControlModifier))
+            flick.contentY = Math.max(0, flick.contentHeight - flick.height)
+        else
+            return
+        event.accepted = true
     }
 
     ScrollView {
@@ -211,7 +275,7 @@ Item {
                 subtitle: "Objet et coordonnees du client."
 
                 FieldGrid {
-                    StoreTextField { store: root.store; fieldName: "recipientName"; title: "Nom du client" }
+                    StoreTextField { id: recipientNameField; store: root.store; fieldName: "recipientName"; title: "Nom du client" }
                     StoreTextField { store: root.store; fieldName: "recipientEmail"; title: "Email du client" }
                     StoreTextField { store: root.store; fieldName: "subject"; title: "Objet du mail" }
                     StoreTextField { store: root.store; fieldName: "preheader"; title: "Preheader" }
@@ -298,6 +362,8 @@ Item {
                         objectName: "syncStatusLine"
                         Layout.fillWidth: true
                         text: root.store.syncStatus
+                        Accessible.role: Accessible.StatusBar
+                        Accessible.name: text
                     }
                 }
             }

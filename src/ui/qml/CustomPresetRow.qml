@@ -108,17 +108,20 @@ Item {
             ToolbarButton {
                 objectName: "loadButton"
                 text: "Charger"
+                accessibleContext: root.name
                 primary: root.isActive
                 onClicked: root.load()
             }
             ToolbarButton {
                 objectName: "overwriteButton"
                 text: "Remplacer"
+                accessibleContext: root.name
                 onClicked: root.overwrite()
             }
             ToolbarButton {
                 objectName: "removeButton"
                 text: "Supprimer"
+                accessibleContext: root.name
                 destructive: true
                 onClicked: root.remove()
             }

@@ -7,7 +7,8 @@ import Velino
 Rectangle {
     property Item control
     readonly property bool shown: control !== null && control.activeFocus
-                                  && (control.focusReason === Qt.TabFocusReason
+                                  && (control.focusReason === undefined // items that only Tab focuses
+                                      || control.focusReason === Qt.TabFocusReason
                                       || control.focusReason === Qt.BacktabFocusReason
                                       || control.focusReason === Qt.ShortcutFocusReason
                                       || control.focusReason === Qt.OtherFocusReason)

@@ -79,6 +79,7 @@ FocusScope {
             focus: true
             echoMode: TextInput.Password
             placeholderText: "Mot de passe"
+            Accessible.name: "Mot de passe"
             placeholderTextColor: AppTheme.placeholder
             font.family: AppTheme.fontFamily
             font.pixelSize: 18
@@ -90,7 +91,12 @@ FocusScope {
             background: Surface {
                 radius: 18
                 gradient: AppTheme.inputSurface
-                borderColor: AppTheme.line
+                borderColor: AppTheme.fieldLine
+
+                FocusRing {
+                    control: passwordField
+                    shapeRadius: 18
+                }
             }
             text: root.lockState.password
             onTextEdited: root.lockState.password = text
@@ -109,6 +115,9 @@ FocusScope {
             Layout.fillWidth: true
             Layout.minimumHeight: 18
             text: root.lockState.errorText
+            // Read out as soon as it appears.
+            Accessible.role: Accessible.AlertMessage
+            Accessible.name: text
             font.family: AppTheme.fontFamily
             font.pixelSize: 13
             font.weight: Font.Bold

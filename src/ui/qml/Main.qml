@@ -81,7 +81,7 @@ ApplicationWindow {
         }
 
         AppMenu {
-            title: "Edition"
+            title: "&Edition"
             Action {
                 objectName: "cutAction"
                 text: "Couper"
@@ -109,7 +109,7 @@ ApplicationWindow {
         }
 
         AppMenu {
-            title: "Fenetre"
+            title: "&Fenetre"
             Action {
                 objectName: "newWindowAction"
                 text: "Nouvelle fenetre"
@@ -121,6 +121,17 @@ ApplicationWindow {
 
     background: Surface {
         gradient: AppTheme.background
+    }
+
+    // F10 opens the first menu, as in other desktop applications; Alt with the underlined
+    // letter opens the others.
+    Shortcut {
+        sequence: "F10"
+        onActivated: {
+            const bar = appWindow.menuBar
+            const item = bar.itemAt(0)
+            bar.menuAt(0).popup(item, 0, item.height)
+        }
     }
 
     Loader {
@@ -158,8 +169,10 @@ ApplicationWindow {
         message: "Le contenu actuel sera remplace par le modele natif par defaut."
         shown: controller.showResetAlert
         onEscapePressed: controller.cancelReset()
+        defaultButton: resetCancelButton
 
         ToolbarButton {
+            id: resetCancelButton
             objectName: "resetCancelButton"
             text: "Annuler"
             onClicked: controller.cancelReset()
@@ -189,8 +202,10 @@ ApplicationWindow {
         message: controller.dialogs.replaceQuestionText
         shown: controller.dialogs.replaceQuestionVisible
         onEscapePressed: controller.dialogs.declineReplace()
+        defaultButton: replaceCancelButton
 
         ToolbarButton {
+            id: replaceCancelButton
             objectName: "replaceCancelButton"
             text: "Annuler"
             onClicked: controller.dialogs.declineReplace()
@@ -213,8 +228,10 @@ ApplicationWindow {
         shown: controller.dialogs.alertVisible
         onEscapePressed: controller.dialogs.dismissAlert()
         onReturnPressed: controller.dialogs.dismissAlert()
+        defaultButton: alertOkButton
 
         ToolbarButton {
+            id: alertOkButton
             objectName: "alertOkButton"
             text: controller.dialogs.alertButtonText
             primary: true

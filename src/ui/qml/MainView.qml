@@ -14,6 +14,8 @@ Item {
     readonly property alias composerPane: composer
     readonly property alias previewPane: previewPane
 
+    Component.onCompleted: composer.focusFirstField()
+
     ColumnLayout {
         anchors.fill: parent
         spacing: 0

@@ -10,6 +10,10 @@ Item {
     property string text
     property color tint: AppTheme.accent
 
+    // A status a screen reader follows: its changes are announced.
+    Accessible.role: Accessible.StatusBar
+    Accessible.name: text
+
     implicitWidth: Math.ceil(label.implicitWidth) + 20
     implicitHeight: label.implicitHeight + 16
 

@@ -14,6 +14,9 @@ Item {
     property string value
     property string caption
 
+    Accessible.role: Accessible.StaticText
+    Accessible.name: title + " : " + value + ", " + caption
+
     implicitWidth: column.implicitWidth + 32
     implicitHeight: column.implicitHeight + 32
 
