@@ -54,6 +54,21 @@ Item {
         flick.contentY = Math.max(0, Math.min(y, flick.contentHeight - view))
     }
 
+    // After a deletion from the keyboard, the focus goes to the row that took the deleted
+    // one's place (or the last row), else to the preset name field.
+    function focusPresetAfterRemoval(index) {
+        if (presetList.count > 0) {
+            const at = Math.min(index, presetList.count - 1)
+            presetList.positionViewAtIndex(at, ListView.Contain)
+            const row = presetList.itemAtIndex(at)
+            if (row) {
+                row.children[0].loadButton.forceActiveFocus(Qt.OtherFocusReason)
+                return
+            }
+        }
+        presetNameField.field.forceActiveFocus(Qt.OtherFocusReason)
+    }
+
     // After unlocking: the keyboard starts in the client's name, the form at its top (the
     // field is on the first screen once the form is laid out).
     function focusFirstField() {
@@ -156,6 +171,7 @@ Item {
                         spacing: 12
 
                         LabeledTextField {
+                            id: presetNameField
                             objectName: "presetNameField"
                             Layout.fillWidth: true
                             Layout.minimumWidth: 10
@@ -258,7 +274,13 @@ Item {
                                 isActive: rowScope.isActive
                                 onLoad: root.store.loadCustomPresetById(rowScope.presetId)
                                 onOverwrite: root.store.overwriteCustomPresetById(rowScope.presetId)
-                                onRemove: root.store.deleteCustomPresetById(rowScope.presetId)
+                                onRemove: {
+                                    const hadFocus = rowScope.activeFocus
+                                    const at = rowScope.index
+                                    root.store.deleteCustomPresetById(rowScope.presetId)
+                                    if (hadFocus)
+                                        Qt.callLater(root.focusPresetAfterRemoval, at)
+                                }
                             }
                         }
                     }

@@ -17,6 +17,8 @@ Item {
     property date updatedAt
     property bool isActive: false
 
+    readonly property alias loadButton: loadButton
+
     signal load()
     signal overwrite()
     signal remove()
@@ -106,6 +108,7 @@ Item {
             Layout.minimumWidth: implicitWidth
             spacing: 8
             ToolbarButton {
+                id: loadButton
                 objectName: "loadButton"
                 text: "Charger"
                 accessibleContext: root.name

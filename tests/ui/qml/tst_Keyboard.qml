@@ -218,6 +218,40 @@ Item {
             tryVerify(() => opener.activeFocus, 2000, "focus back on Nouveau")
         }
 
+        function rows() {
+            const list = named("customPresetList")
+            const found = []
+            for (let i = 0; i < list.count; ++i) {
+                const item = list.itemAtIndex(i)
+                if (item)
+                    found.push(item.children[0])
+            }
+            return found
+        }
+
+        // Deleting from the keyboard leaves the focus on the next row, then on the name field.
+        function test_focusAfterDeletingPresets() {
+            const store = window.controller.store
+            for (const name of ["Premier", "Deuxieme", "Troisieme"]) {
+                store.customPresetDraftName = name
+                store.saveAsNewCustomPreset()
+            }
+            tryVerify(() => rows().length === 3, 3000)
+            for (let left = 3; left > 0; --left) {
+                const remove = find(rows()[left > 1 ? 1 : 0], (i) => i.objectName === "removeButton")
+                verify(remove.Accessible.name.startsWith("Supprimer : "), remove.Accessible.name)
+                remove.forceActiveFocus(Qt.TabFocusReason)
+                press(Qt.Key_Space)
+                tryVerify(() => rows().length === left - 1, 3000)
+                if (left > 1) {
+                    tryVerify(() => focusedName() === "loadButton", 2000, "focus on a row's Charger")
+                    verify(onScreen(window.activeFocusItem))
+                } else {
+                    tryVerify(() => focusedName() === "presetNameField", 2000, "focus on the name field")
+                }
+            }
+        }
+
         function test_menusOpenFromTheKeyboard() {
             press(Qt.Key_F10)
             const edit = window.menuBar.menuAt(0)
