@@ -60,6 +60,42 @@ Item {
                 keyClick(text[i])
         }
 
+        // Colour `c` (with its alpha) laid over the opaque `under`.
+        function over(c, under) {
+            return Qt.rgba(c.r * c.a + under.r * (1 - c.a), c.g * c.a + under.g * (1 - c.a),
+                           c.b * c.a + under.b * (1 - c.a), 1)
+        }
+
+        // Text at 4.5:1, field boundaries and the focus ring at 3:1, on the surfaces they
+        // are drawn on (a card over the window's background; the header's black veil).
+        function test_readableColours_data() {
+            const base = AppTheme.backgroundBase
+            const card = over(Qt.rgba(0.065, 0.085, 0.135, 0.96), base)
+            const header = over(Qt.rgba(0, 0, 0, 0.26), base)
+            const field = over(Qt.rgba(1, 1, 1, 0.065), card)
+            const chip = (tint) => over(AppTheme.withOpacity(tint, 0.92), header)
+            const white = Qt.rgba(1, 1, 1, 1)
+            return [
+                { tag: "text on the cyan chip", fg: AppTheme.textOn(chip(AppTheme.cyan)), bg: chip(AppTheme.cyan), min: 4.5 },
+                { tag: "text on the format chip", fg: AppTheme.textOn(chip(AppTheme.accentFill)), bg: chip(AppTheme.accentFill), min: 4.5 },
+                { tag: "text on the save chip", fg: AppTheme.textOn(chip(AppTheme.accentSoftFill)), bg: chip(AppTheme.accentSoftFill), min: 4.5 },
+                { tag: "white on the primary fill, blue end", fg: white, bg: AppTheme.accentFill, min: 4.5 },
+                { tag: "white on the primary fill, violet end", fg: white, bg: AppTheme.accentSoftFill, min: 4.5 },
+                { tag: "placeholder in a field", fg: over(AppTheme.placeholder, field), bg: field, min: 4.5 },
+                { tag: "muted text on a card", fg: over(AppTheme.muted, card), bg: card, min: 4.5 },
+                { tag: "link on a card", fg: AppTheme.link, bg: card, min: 4.5 },
+                { tag: "destructive label on a button", fg: AppTheme.destructive, bg: over(AppTheme.buttonSurface, card), min: 4.5 },
+                { tag: "field boundary on a card", fg: over(AppTheme.fieldLine, card), bg: card, min: 3 },
+                { tag: "focus ring on a card", fg: AppTheme.focusRing, bg: card, min: 3 },
+                { tag: "focus ring on the header", fg: AppTheme.focusRing, bg: header, min: 3 },
+            ]
+        }
+
+        function test_readableColours(data) {
+            const ratio = AppTheme.contrast(data.fg, data.bg)
+            verify(ratio >= data.min, data.tag + ": " + ratio.toFixed(2) + ":1")
+        }
+
         function test_surfaceGradientRunsCornerToCorner() {
             const surface = createTemporaryObject(surfaceComponent, scene, { width: 300, height: 120, radius: 20,
                                                            gradient: AppTheme.accentGradient })

@@ -104,6 +104,21 @@ Item {
                 window.controller.dialogs.dismissAlert()
         }
 
+        function test_6_keyboardFocus() {
+            scrollFormTo(0)
+            const named = (name) => find(main(), (i) => i.objectName === name)
+            named("exportButton").forceActiveFocus(Qt.TabFocusReason)
+            shot("focus-button")
+            named("presetTile.rdv").forceActiveFocus(Qt.TabFocusReason)
+            shot("focus-tile")
+            named("field.recipientEmail").field.forceActiveFocus(Qt.TabFocusReason)
+            shot("focus-field")
+            window.controller.requestReset()
+            tryVerify(() => window.resetAlert.opened, 3000)
+            shot("focus-dialog-button")
+            window.controller.cancelReset()
+        }
+
         function test_5_previewScrolledAfterAnEdit() {
             const preview = find(main(), (i) => i.objectName === "htmlPreview")
             let done = false
