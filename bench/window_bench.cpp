@@ -13,12 +13,15 @@
 // Goals: 400 ms, 1 s, 250 ms, 250 MB; with 1,000 saved presets the window in 400 ms and
 // each preset operation in 50 ms; with a 4 MB field the window in 2 s. Needs a display:
 //   xvfb-run -a -s "-screen 0 1600x1000x24" build/bench/velino_window_bench [RUNS [STATE...]]
+// VELINO_BENCH_PREVIEW_MODE=0..3 opens the preview in that mode (Bureau, Telephone, Sombre,
+// Sans images), as if the user had chosen it before.
 // STATE is a saved state of bench/saved_states.h (default: all of them); each run starts
 // from it in a fresh XDG_CONFIG_HOME and XDG_DATA_HOME.
 
 #include "saved_states.h"
 
 #include <QCoreApplication>
+#include <QSettings>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -103,6 +106,12 @@ std::optional<Run> runOnce(const QString &program, const QString &savedState) {
         std::fprintf(stderr, "window_bench: could not write the saved state %s\n",
                      qPrintable(savedState));
         return std::nullopt;
+    }
+    const QString mode = qEnvironmentVariable("VELINO_BENCH_PREVIEW_MODE");
+    if (!mode.isEmpty()) {
+        QSettings settings(config.filePath(QStringLiteral("Korvel/Velino.conf")),
+                           QSettings::IniFormat);
+        settings.setValue(QStringLiteral("velino-preview-mode-v1"), mode.toInt());
     }
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());

@@ -1,5 +1,7 @@
 #include "ui_helpers.h"
 
+#include "preview_mode.h"
+
 #include "color_hex.h"
 #include "preset_dates.h"
 #include "service_host.h"
@@ -85,6 +87,20 @@ QString UiHelpers::shortcutText(const QVariant &shortcut) const {
         break;
     }
     return sequence.toString(QKeySequence::NativeText);
+}
+
+QString UiHelpers::mailSizeText(qint64 htmlBytes) const {
+    return velino::ui::mailSizeText(htmlBytes);
+}
+
+bool UiHelpers::isClippedByGmail(qint64 htmlBytes) const {
+    return htmlBytes > kGmailClipBytes;
+}
+
+QString UiHelpers::previewDocument(const QString &html, int mode) const {
+    if (mode < PreviewMode::Desktop || mode > PreviewMode::NoImages)
+        return html;
+    return previewDocumentFor(html, PreviewMode::Mode(mode));
 }
 
 } // namespace velino::ui

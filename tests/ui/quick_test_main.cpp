@@ -1,3 +1,4 @@
+#include "counting_image_server.h"
 #include "identifiers.h"
 #include "qt_services.h"
 #include "qt_state_storage.h"
@@ -100,6 +101,9 @@ public:
         qputenv(name.toLocal8Bit().constData(), value.toLocal8Bit());
     }
     Q_INVOKABLE QString homeAtStart() const { return m_home; }
+    // A loopback server of images that counts the requests it gets: its port.
+    Q_INVOKABLE int startImageServer() { return m_images.start(); }
+    Q_INVOKABLE int imageRequests() const { return m_images.requests(); }
     Q_INVOKABLE QString environment(const QString &name) const { return qEnvironmentVariable(qUtf8Printable(name)); }
     Q_INVOKABLE void unsetEnvironment(const QString &name) const {
         qunsetenv(name.toLocal8Bit().constData());
@@ -152,6 +156,7 @@ private:
 
     std::vector<std::unique_ptr<QTemporaryDir>> m_folders;
     const QString m_home = qEnvironmentVariable("HOME");
+    CountingImageServer m_images;
 };
 
 class Setup : public QObject {

@@ -16,6 +16,12 @@ Item {
         store: root.store
     }
 
+    PreviewMode {
+        id: previewMode
+    }
+    readonly property alias previewMode: previewMode
+    readonly property real htmlBytes: UiHelpers.utf8Size(root.store.generatedHTML)
+
     // The previewSurface gradient's ends, read once (stops announce no changes).
     property color surfaceStart
     property color surfaceEnd
@@ -133,6 +139,16 @@ Item {
             }
         }
 
+        // How the e-mail is shown; only the view changes.
+        SegmentedControl {
+            objectName: "previewModes"
+            Layout.alignment: Qt.AlignLeft
+            accessibleName: "Mode d'apercu"
+            labels: ["Bureau", "Telephone", "Sombre", "Sans images"]
+            currentIndex: previewMode.mode
+            onChosen: (index) => previewMode.mode = index
+        }
+
         MutedText {
             objectName: "shortenedPreviewNote"
             Layout.fillWidth: true
@@ -162,6 +178,7 @@ Item {
                 anchors.fill: parent
                 anchors.margins: 14
                 html: previewDocument.html
+                mode: previewMode.mode
                 serviceHost: root.controller.serviceHost
                 // The page is reloaded after every change the store publishes.
                 changeSource: root.store
@@ -177,13 +194,37 @@ Item {
                     readonly property bool atRight: index === 1 || index === 2
                     readonly property bool atBottom: index >= 2
                     objectName: "previewCorner" + index
-                    x: atRight ? preview.x + preview.width - width : preview.x
+                    // At the web view's own corners (narrower than the frame at phone width).
+                    x: preview.x + preview.webView.x + (atRight ? preview.webView.width - width : 0)
                     y: atBottom ? preview.y + preview.height - height : preview.y
                     width: 22
                     height: 22
                     rotation: index * 90
                     source: SurfaceImages.cornerCap(22, root.surfaceColorAt(x + width / 2, y + height / 2))
                 }
+            }
+        }
+
+        RowLayout {
+            objectName: "mailSizeLine"
+            Layout.fillWidth: true
+            spacing: 12
+            MutedText {
+                objectName: "mailSize"
+                text: UiHelpers.mailSizeText(root.htmlBytes)
+                Accessible.name: text
+            }
+            Text {
+                objectName: "gmailClipWarning"
+                Layout.fillWidth: true
+                visible: UiHelpers.isClippedByGmail(root.htmlBytes)
+                text: "Gmail coupera ce mail apres 102 Ko."
+                font.family: AppTheme.fontFamily
+                font.pixelSize: 12
+                font.weight: Font.DemiBold
+                color: AppTheme.orange
+                Accessible.role: Accessible.AlertMessage
+                Accessible.name: text
             }
         }
     }

@@ -119,6 +119,20 @@ Item {
             window.controller.cancelReset()
         }
 
+        function test_7_previewModes() {
+            const pane = main().previewPane
+            const preview = find(main(), (i) => i.objectName === "htmlPreview")
+            const names = ["bureau", "telephone", "sombre", "sans-images"]
+            for (let mode = 0; mode < names.length; ++mode) {
+                pane.previewMode.mode = mode
+                wait(300)
+                tryVerify(() => !preview.webView.loading, 10000)
+                wait(500)
+                shot("mode-" + names[mode])
+            }
+            pane.previewMode.mode = 0
+        }
+
         function test_5_previewScrolledAfterAnEdit() {
             const preview = find(main(), (i) => i.objectName === "htmlPreview")
             let done = false
