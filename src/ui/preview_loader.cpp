@@ -1,5 +1,7 @@
 #include "preview_loader.h"
 
+#include "preview_mode.h"
+
 #include "service_host.h"
 
 #include <QDir>
@@ -187,6 +189,14 @@ void HtmlPreviewLoader::setChangeSource(QObject *source) {
     scheduleLoad();
 }
 
+void HtmlPreviewLoader::setMode(int mode) {
+    if (mode == m_mode || mode < PreviewMode::Desktop || mode > PreviewMode::NoImages)
+        return;
+    m_mode = mode;
+    Q_EMIT modeChanged();
+    scheduleLoad();
+}
+
 void HtmlPreviewLoader::scheduleLoad() {
     if (m_loadScheduled)
         return;
@@ -224,7 +234,8 @@ void HtmlPreviewLoader::load() {
         return;
 
     Q_EMIT aboutToLoad();
-    const QByteArray utf8 = m_html.toUtf8();
+    const QString document = previewDocumentFor(m_html, PreviewMode::Mode(m_mode));
+    const QByteArray utf8 = document.toUtf8();
     const PreviewPlan plan = planPreview(utf8, m_serviceHost);
     bool usedFile = false;
     switch (plan.route) {
@@ -240,7 +251,7 @@ void HtmlPreviewLoader::load() {
         // Without a file, the string is all there is to try.
         [[fallthrough]];
     case PreviewPlan::Route::Html:
-        QMetaObject::invokeMethod(m_view, "loadHtml", Q_ARG(QString, m_html),
+        QMetaObject::invokeMethod(m_view, "loadHtml", Q_ARG(QString, document),
                                   Q_ARG(QUrl, plan.baseUrl));
         break;
     }

@@ -61,6 +61,7 @@ class HtmlPreviewLoader : public QObject, public QQmlParserStatus {
     Q_PROPERTY(QUrl fileUrl READ fileUrl NOTIFY loadRequested)
     Q_PROPERTY(bool hasShownPage READ hasShownPage NOTIFY hasShownPageChanged)
     Q_PROPERTY(int maxDataUrlLength READ maxDataUrlLength CONSTANT)
+    Q_PROPERTY(int mode READ mode WRITE setMode NOTIFY modeChanged)
 
 public:
     explicit HtmlPreviewLoader(QObject *parent = nullptr);
@@ -73,6 +74,9 @@ public:
     QString serviceHost() const { return m_serviceHost; }
     void setServiceHost(const QString &host);
     QUrl baseUrl() const { return previewBaseUrl(m_serviceHost); }
+    // How the page is shown (a PreviewMode::Mode); a change reloads it.
+    int mode() const { return m_mode; }
+    void setMode(int mode);
     QObject *changeSource() const { return m_changeSource; }
     void setChangeSource(QObject *source);
 
@@ -97,6 +101,7 @@ Q_SIGNALS:
     void htmlChanged();
     void serviceHostChanged();
     void changeSourceChanged();
+    void modeChanged();
     // Just before the view is given a new page: the last moment to read the old one.
     void aboutToLoad();
     void loadRequested();
@@ -117,6 +122,7 @@ private:
     bool m_loadScheduled = false;
     QString m_html;
     QString m_serviceHost;
+    int m_mode = 0;
     bool m_complete = true;
     int m_loadCount = 0;
     bool m_lastLoadUsedFile = false;

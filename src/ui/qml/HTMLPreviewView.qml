@@ -14,11 +14,11 @@ import Velino
 Item {
     id: root
 
-    // The e-mail's HTML; the view may show it transformed (see `mode`).
-    property string html
+    property alias html: loader.html
     // PreviewMode.Mode: Desktop (as it is), Phone (375 CSS pixels wide, centred), Dark (as
     // a client forcing dark mode shows it), NoImages (remote images not loaded).
-    property int mode: PreviewMode.Desktop
+    property alias mode: loader.mode
+    readonly property bool phone: mode === PreviewMode.Phone
     property alias serviceHost: loader.serviceHost
     property alias changeSource: loader.changeSource
     readonly property alias webView: web
@@ -26,9 +26,8 @@ Item {
 
     WebEngineView {
         id: web
-        readonly property bool phone: root.mode === PreviewMode.Phone
-        x: phone ? Math.max(0, (root.width - width) / 2) : 0
-        width: phone ? Math.min(375, root.width) : root.width
+        x: root.phone ? Math.max(0, (root.width - width) / 2) : 0
+        width: root.phone ? Math.min(375, root.width) : root.width
         height: root.height
         backgroundColor: "transparent"
         opacity: loader.hasShownPage ? 1 : 0
@@ -37,7 +36,6 @@ Item {
     PreviewLoader {
         id: loader
         view: web
-        html: UiHelpers.previewDocument(root.html, root.mode)
         serviceHost: UiHelpers.serviceHost
         onAboutToLoad: root.keepReadingPosition()
     }
