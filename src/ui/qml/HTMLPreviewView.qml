@@ -31,6 +31,11 @@ Item {
         height: root.height
         backgroundColor: "transparent"
         opacity: loader.hasShownPage ? 1 : 0
+        // Not a Tab stop: the page would keep the focus among its own links, and they
+        // lead nowhere useful from a preview. A screen reader reads the page from the
+        // accessibility tree; a click still focuses it for selecting and copying.
+        activeFocusOnTab: false
+        onLoadingChanged: root.leaveTabOrder(web)
     }
 
     PreviewLoader {
@@ -38,6 +43,14 @@ Item {
         view: web
         serviceHost: UiHelpers.serviceHost
         onAboutToLoad: root.keepReadingPosition()
+    }
+
+    // The web engine's own item inside the view takes Tab focus on its own: out with it.
+    function leaveTabOrder(item) {
+        for (let i = 0; i < item.children.length; ++i) {
+            item.children[i].activeFocusOnTab = false
+            leaveTabOrder(item.children[i])
+        }
     }
 
     // Where the reader is, as a proportion of what can be scrolled (0 = top, 1 = end).
