@@ -188,7 +188,7 @@ constexpr bool isFontPunctuation(char16_t c) {
 
 bool isKeptInFontStack(QStringView cluster) {
     const char32_t first = text::firstCodePoint(cluster);
-    return text::isLetter(first) || text::isNumber(first) ||
+    return text::isAlphabetic(first) || text::isNumeric(first) ||
            (cluster.size() == 1 && isFontPunctuation(cluster[0].unicode()));
 }
 
@@ -271,7 +271,7 @@ QString telephoneHref(const QString &phone) {
         return kept;
     }
     text::forEachCharacter(phone, [&kept](QStringView cluster) {
-        if (text::isNumber(text::firstCodePoint(cluster)) || isSingle(cluster, u'+'))
+        if (text::isNumeric(text::firstCodePoint(cluster)) || isSingle(cluster, u'+'))
             kept.append(cluster);
     });
     return kept.isEmpty() ? QString() : QStringLiteral("tel:") + kept;
