@@ -1,7 +1,7 @@
 #include "ui_helpers.h"
 
-#include "color_hex.h"
 #include "preset_dates.h"
+#include "sanitizers.h"
 #include "service_host.h"
 #include "text.h"
 
@@ -45,11 +45,12 @@ QString UiHelpers::serviceHost() const {
 }
 
 QColor UiHelpers::colorFromHex(const QString &text) const {
-    return velino::ui::colorFromHex(text).value_or(QColor(Qt::transparent));
+    const std::optional<std::array<int, 3>> rgb = velino::render::hexColorChannels(text);
+    return rgb ? QColor::fromRgb((*rgb)[0], (*rgb)[1], (*rgb)[2]) : QColor(Qt::transparent);
 }
 
 bool UiHelpers::isHexColor(const QString &text) const {
-    return velino::ui::colorFromHex(text).has_value();
+    return velino::render::hexColorChannels(text).has_value();
 }
 
 QString UiHelpers::upperCased(const QString &text) const {
