@@ -51,6 +51,17 @@ void BM_PersistWith1000Presets(benchmark::State &state) {
         store.persist();
 }
 
+// Reading the saved document alone: strict syntax check and decoding.
+void BM_LoadDocumentWith1000Presets(benchmark::State &state) {
+    const QByteArray bytes = bench::libraryOf1000Presets().toJson();
+    for (auto _ : state) {
+        QString error;
+        std::optional<SavedPayload> payload = SavedPayload::fromJson(bytes, &error);
+        benchmark::DoNotOptimize(payload);
+    }
+    state.SetBytesProcessed(state.iterations() * bytes.size());
+}
+
 void BM_ConstructionWith1000Presets(benchmark::State &state) {
     LibraryFixture fixture;
     for (auto _ : state) {
@@ -62,6 +73,10 @@ void BM_ConstructionWith1000Presets(benchmark::State &state) {
 } // namespace
 
 BENCHMARK(BM_PersistWith1000Presets)
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(5)
+    ->ReportAggregatesOnly(true);
+BENCHMARK(BM_LoadDocumentWith1000Presets)
     ->Unit(benchmark::kMillisecond)
     ->Repetitions(5)
     ->ReportAggregatesOnly(true);

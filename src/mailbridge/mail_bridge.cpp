@@ -60,7 +60,9 @@ std::optional<QUrl> MailBridge::fallbackMailURL(const QString &recipient, const 
     const QString trimmedSubject = text::trimmed(subject);
     if (!trimmedSubject.isEmpty())
         link += QStringLiteral("?subject=") + percentEncodedSubject(trimmedSubject);
-    QUrl url(link, QUrl::StrictMode);
+    // Tolerant parsing: the parser escapes what a URL cannot hold as it is (a blank, angle
+    // brackets), as the address is handed over unencoded.
+    QUrl url(link, QUrl::TolerantMode);
     if (!url.isValid())
         return std::nullopt;
     return url;

@@ -6,8 +6,6 @@
 #include "record_readers.h"
 #include "text.h"
 
-#include <QJsonDocument>
-
 #include <cmath>
 
 namespace velino {
@@ -55,9 +53,16 @@ QString CustomMailPreset::subjectLine() const {
 }
 
 QJsonObject CustomMailPreset::toJson(TimestampForm form) const {
-    JsonWriter writer;
-    writeJson(writer, form);
-    return QJsonDocument::fromJson(writer.take()).object();
+    const auto timestamp = [form](Instant instant) {
+        return form == TimestampForm::Iso8601 ? QJsonValue(isoText(instant))
+                                              : QJsonValue(instant.sinceReference);
+    };
+    return QJsonObject{{QStringLiteral("id"), uuidText(id)},
+                       {QStringLiteral("name"), name},
+                       {QStringLiteral("sourcePreset"), presetId(sourcePreset)},
+                       {QStringLiteral("data"), data.toJson()},
+                       {QStringLiteral("createdAt"), timestamp(createdAt)},
+                       {QStringLiteral("updatedAt"), timestamp(updatedAt)}};
 }
 
 void CustomMailPreset::writeJson(JsonWriter &writer, TimestampForm form) const {
@@ -106,111 +111,6 @@ std::optional<CustomMailPreset> CustomMailPreset::fromJson(const QJsonObject &ob
         return std::nullopt;
     preset.sourcePreset = *kind;
     preset.data = std::move(*data);
-    return preset;
-}
-
-std::optional<CustomMailPreset> CustomMailPreset::fromJson(JsonCursor &cursor, TimestampForm form,
-                                                           const QString &path, QString *error) {
-    const auto pathOf = [&path](QStringView key) { return MemberPath{path, key}; };
-    const auto readTimestampMember = [&](QStringView key, Instant *instant) {
-        const MemberPath keyPath = pathOf(key);
-        if (form == TimestampForm::ReferenceSeconds) {
-            if (!checkMemberType(cursor, JsonCursor::Type::Number, "nombre", keyPath, error))
-                return false;
-            if (!cursor.readNumber(&instant->sinceReference)) {
-                *error = cursor.error();
-                return false;
-            }
-            return true;
-        }
-        QString text;
-        if (!readStringMember(cursor, keyPath, &text, error))
-            return false;
-        const std::optional<Instant> parsed = parseIsoText(text);
-        if (!parsed) {
-            *error = timestampError(keyPath.toString(), text);
-            return false;
-        }
-        *instant = *parsed;
-        return true;
-    };
-
-    if (!checkMemberType(cursor, JsonCursor::Type::Object, "objet", MemberPath{QStringView(), path},
-                         error) ||
-        !cursor.beginObject())
-        return std::nullopt;
-    CustomMailPreset preset;
-    enum Key { Id, Name, Source, Data, Created, Updated, KeyCount };
-    static const char16_t *const names[KeyCount] = {u"id",   u"name",      u"sourcePreset",
-                                                    u"data", u"createdAt", u"updatedAt"};
-    bool found[KeyCount] = {};
-    QByteArrayView key;
-    while (cursor.nextMember(&key)) {
-        int index = 0;
-        while (index < KeyCount && QLatin1StringView(key) != QStringView(names[index]))
-            ++index;
-        bool read = true;
-        switch (index) {
-        case Id: {
-            QString text;
-            read = readStringMember(cursor, pathOf(u"id"), &text, error);
-            const std::optional<QUuid> id = read ? parseUuid(text) : std::nullopt;
-            if (read && !id) {
-                *error = uuidError(pathOf(u"id").toString(), text);
-                read = false;
-            }
-            preset.id = id.value_or(QUuid());
-            break;
-        }
-        case Name:
-            read = readStringMember(cursor, pathOf(u"name"), &preset.name, error);
-            break;
-        case Source: {
-            QString text;
-            read = readStringMember(cursor, pathOf(u"sourcePreset"), &text, error);
-            const std::optional<PresetKind> kind = read ? presetKindFromId(text) : std::nullopt;
-            if (read && !kind) {
-                *error = presetKindError(pathOf(u"sourcePreset").toString(), text);
-                read = false;
-            }
-            preset.sourcePreset = kind.value_or(PresetKind::Devis);
-            break;
-        }
-        case Data: {
-            std::optional<MailComposerData> data =
-                MailComposerData::fromJson(cursor, pathOf(u"data").toString(), error);
-            read = data.has_value();
-            if (data)
-                preset.data = std::move(*data);
-            break;
-        }
-        case Created:
-            read = readTimestampMember(u"createdAt", &preset.createdAt);
-            break;
-        case Updated:
-            read = readTimestampMember(u"updatedAt", &preset.updatedAt);
-            break;
-        default:
-            if (!cursor.skipValue()) {
-                *error = cursor.error();
-                return std::nullopt;
-            }
-            continue;
-        }
-        if (!read)
-            return std::nullopt;
-        found[index] = true;
-    }
-    if (!cursor.ok()) {
-        *error = cursor.error();
-        return std::nullopt;
-    }
-    for (int i = 0; i < KeyCount; ++i) {
-        if (!found[i]) {
-            *error = missingKeyMessage(pathOf(names[i]).toString());
-            return std::nullopt;
-        }
-    }
     return preset;
 }
 

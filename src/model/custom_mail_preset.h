@@ -32,9 +32,6 @@ struct CustomMailPreset {
     void writeJson(JsonWriter &writer, TimestampForm form) const;
     static std::optional<CustomMailPreset> fromJson(const QJsonObject &object, TimestampForm form,
                                                     const QString &path, QString *error);
-    // The same rules, reading the object that comes next in a streamed document.
-    static std::optional<CustomMailPreset> fromJson(JsonCursor &cursor, TimestampForm form,
-                                                    const QString &path, QString *error);
 
     bool operator==(const CustomMailPreset &other) const;
 };

@@ -8,7 +8,7 @@
 
 namespace velino {
 
-// A random (version 4) UUID from a fast per-thread generator seeded by the system.
+// A random (version 4) UUID.
 QUuid randomUuid();
 
 // Canonical 36-character upper-case text (8-4-4-4-12 hexadecimal digits).

@@ -1,5 +1,7 @@
 #include "json_reader.h"
 
+#include "json_syntax.h"
+
 #include <QJsonDocument>
 #include <QJsonParseError>
 
@@ -164,6 +166,10 @@ const char *parseErrorText(QJsonParseError::ParseError error) {
 } // namespace
 
 std::optional<QJsonObject> parseJsonObject(const QByteArray &bytes, QString *error) {
+    // Qt's own parser accepts more than RFC 8259 ("1.", raw tabs in strings): every input
+    // is checked first, so that it only ever builds the object of a valid document.
+    if (!checkJsonSyntax(bytes, error))
+        return std::nullopt;
     QJsonParseError parseError{};
     const QJsonDocument document = QJsonDocument::fromJson(bytes, &parseError);
     if (parseError.error != QJsonParseError::NoError) {

@@ -43,7 +43,8 @@ private:
     QString *error_;
 };
 
-// Reads bytes as one JSON object; on failure sets *error to a French message.
+// Reads bytes as one JSON object, strictly as RFC 8259 defines JSON; on failure sets *error
+// to a French message. Every JSON input of the program is read through here.
 std::optional<QJsonObject> parseJsonObject(const QByteArray &bytes, QString *error);
 
 // French name of a JSON type, for messages.

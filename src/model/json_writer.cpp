@@ -4,10 +4,6 @@
 #include <charconv>
 #include <cstring>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 namespace velino {
 
 JsonWriter::JsonWriter(qsizetype capacity) {
@@ -114,24 +110,6 @@ void JsonWriter::writeEscaped(QStringView value) {
     const char16_t *p = value.utf16();
     const char16_t *const end = p + value.size();
     while (p < end) {
-#if defined(__SSE2__)
-        // Eight plain ASCII characters at a time, narrowed to bytes.
-        const __m128i space = _mm_set1_epi16(0x20);
-        const __m128i quote = _mm_set1_epi16('"');
-        const __m128i backslash = _mm_set1_epi16('\\');
-        while (end - p >= 8) {
-            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
-            // Signed compare: units from U+8000 also look "below space", which is safe.
-            const __m128i special = _mm_or_si128(
-                _mm_or_si128(_mm_cmplt_epi16(v, space), _mm_cmpgt_epi16(v, _mm_set1_epi16(0x7F))),
-                _mm_or_si128(_mm_cmpeq_epi16(v, quote), _mm_cmpeq_epi16(v, backslash)));
-            if (_mm_movemask_epi8(special) != 0)
-                break;
-            _mm_storel_epi64(reinterpret_cast<__m128i *>(out), _mm_packus_epi16(v, v));
-            out += 8;
-            p += 8;
-        }
-#endif
         while (p < end && isPlainAscii(*p))
             *out++ = static_cast<char>(*p++);
         if (p == end)

@@ -87,7 +87,7 @@ QString normalizeLegacyText(const QString &text) {
     // The former lines are in normalisation form C: compare with the key's own form C.
     QString key = text::trimmed(decoded);
     if (!text::isCertainlyNfc(key))
-        key = key.normalized(QString::NormalizationForm_C);
+        key = text::nfc(key);
     for (const auto &[former, current] : legacyCopyReplacements()) {
         if (key == former)
             return current;

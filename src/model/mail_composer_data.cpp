@@ -4,7 +4,6 @@
 #include "json_reader.h"
 #include "text.h"
 
-#include <QHash>
 #include <QJsonValue>
 
 namespace velino {
@@ -142,47 +141,6 @@ std::optional<MailComposerData> MailComposerData::fromJson(const QJsonObject &ob
         d.*f.member = reader.string(f.name);
         if (!reader.ok())
             return std::nullopt;
-    }
-    return d;
-}
-
-std::optional<MailComposerData> MailComposerData::fromJson(JsonCursor &cursor, const QString &path,
-                                                           QString *error) {
-    static const QHash<QByteArray, int> indexByName = [] {
-        QHash<QByteArray, int> index;
-        for (int i = 0; i < static_cast<int>(kFields.size()); ++i)
-            index.insert(kFields[i].name.toUtf8(), i);
-        return index;
-    }();
-
-    if (!checkMemberType(cursor, JsonCursor::Type::Object, "objet", MemberPath{QStringView(), path},
-                         error) ||
-        !cursor.beginObject())
-        return std::nullopt;
-    MailComposerData d;
-    std::array<bool, 31> found{};
-    QByteArrayView key;
-    while (cursor.nextMember(&key)) {
-        const auto it = indexByName.constFind(QByteArray::fromRawData(key.data(), key.size()));
-        if (it == indexByName.constEnd()) {
-            if (!cursor.skipValue())
-                break;
-            continue;
-        }
-        const Field &f = kFields[static_cast<size_t>(*it)];
-        if (!readStringMember(cursor, MemberPath{path, f.name}, &(d.*f.member), error))
-            return std::nullopt;
-        found[static_cast<size_t>(*it)] = true;
-    }
-    if (!cursor.ok()) {
-        *error = cursor.error();
-        return std::nullopt;
-    }
-    for (size_t i = 0; i < kFields.size(); ++i) {
-        if (!found[i]) {
-            *error = missingKeyMessage(MemberPath{path, kFields[i].name}.toString());
-            return std::nullopt;
-        }
     }
     return d;
 }

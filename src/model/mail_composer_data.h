@@ -1,6 +1,5 @@
 #pragma once
 
-#include "json_cursor.h"
 #include "json_writer.h"
 #include "preset_kind.h"
 
@@ -102,10 +101,6 @@ public:
     void writeJson(JsonWriter &writer) const;
     // Strict: all 31 keys, each a string. On failure *error names the key, under path.
     static std::optional<MailComposerData> fromJson(const QJsonObject &object, const QString &path,
-                                                    QString *error);
-
-    // The same rules, reading the object that comes next in a streamed document.
-    static std::optional<MailComposerData> fromJson(JsonCursor &cursor, const QString &path,
                                                     QString *error);
 
     // Field by field under canonical equivalence.

@@ -48,8 +48,10 @@ LegacyFileState readLegacySettingsFile(const QString &path, LegacySettings *sett
         return LegacyFileState::Absent;
     if (!file.open(QIODevice::ReadOnly))
         return LegacyFileState::Unreadable;
-    const QByteArray content = file.readAll();
+    return parseLegacySettings(file.readAll(), settings);
+}
 
+LegacyFileState parseLegacySettings(QByteArrayView content, LegacySettings *settings) {
     LegacySettings read;
     bool holdsDocumentKey = false;
     QByteArrayView rest(content);

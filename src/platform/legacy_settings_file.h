@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 
 #include <optional>
@@ -28,5 +29,7 @@ enum class LegacyFileState {
 // feeds: the format escapes every carriage return it holds, so a raw one at the end of a
 // line was added by the conversion.
 LegacyFileState readLegacySettingsFile(const QString &path, LegacySettings *settings);
+// The same from the file's bytes: Absent or Read.
+LegacyFileState parseLegacySettings(QByteArrayView content, LegacySettings *settings);
 
 } // namespace velino

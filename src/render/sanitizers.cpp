@@ -5,9 +5,6 @@
 
 #include <algorithm>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 #include <array>
 #include <cmath>
 #include <optional>
@@ -57,27 +54,6 @@ inline bool isLineBreak(char16_t c) {
 
 // First line break in [p, end), or end.
 const char16_t *findLineBreak(const char16_t *p, const char16_t *end) {
-#if defined(__SSE2__)
-    // Candidates: units below U+000E (signed compare, so units from U+8000 also qualify)
-    // and the three breaks above; each candidate is then checked exactly.
-    const __m128i below = _mm_set1_epi16(0x0E);
-    const __m128i nel = _mm_set1_epi16(0x85);
-    const __m128i lineSeparator = _mm_set1_epi16(0x2028);
-    const __m128i paragraphSeparator = _mm_set1_epi16(0x2029);
-    for (; end - p >= 8; p += 8) {
-        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
-        const __m128i hits =
-            _mm_or_si128(_mm_or_si128(_mm_cmplt_epi16(v, below), _mm_cmpeq_epi16(v, nel)),
-                         _mm_or_si128(_mm_cmpeq_epi16(v, lineSeparator),
-                                      _mm_cmpeq_epi16(v, paragraphSeparator)));
-        if (_mm_movemask_epi8(hits) == 0)
-            continue;
-        for (int i = 0; i < 8; ++i) {
-            if (isLineBreak(p[i]))
-                return p + i;
-        }
-    }
-#endif
     while (p < end && !isLineBreak(*p))
         ++p;
     return p;
@@ -97,7 +73,7 @@ QString resolveLogoSource(const QString &value) {
 namespace {
 
 // "#" and six hexadecimal digits, or "#" and three to be doubled; nothing otherwise.
-std::optional<std::array<int, 3>> hexChannels(QStringView t) {
+std::optional<std::array<int, 3>> untrimmedHexChannels(QStringView t) {
     if (t.isEmpty() || t[0] != u'#' || !allHex(t.mid(1)))
         return std::nullopt;
     if (t.size() == 7)
@@ -116,9 +92,13 @@ bool isLowerCaseSixDigitForm(QStringView t) {
 
 } // namespace
 
+std::optional<std::array<int, 3>> hexColorChannels(QStringView text) {
+    return untrimmedHexChannels(text::trimmedView(text));
+}
+
 QString normalizeHex(const QString &value, const QString &fallback) {
     const QStringView t = text::trimmedView(value);
-    const std::optional<std::array<int, 3>> channels = hexChannels(t);
+    const std::optional<std::array<int, 3>> channels = untrimmedHexChannels(t);
     if (!channels)
         return fallback;
     if (t.size() == value.size() && isLowerCaseSixDigitForm(t))
@@ -134,7 +114,7 @@ QString normalizeHex(const QString &value, const QString &fallback) {
 
 RgbaText rgbaText(QStringView hex, double alpha) {
     const std::array<int, 3> channels =
-        hexChannels(text::trimmedView(hex)).value_or(std::array<int, 3>{0x2f, 0x7c, 0xf6});
+        hexColorChannels(hex).value_or(std::array<int, 3>{0x2f, 0x7c, 0xf6});
     RgbaText out;
     char16_t *p = out.chars;
     const auto put = [&p](const char16_t *s) {
@@ -188,7 +168,7 @@ constexpr bool isFontPunctuation(char16_t c) {
 
 bool isKeptInFontStack(QStringView cluster) {
     const char32_t first = text::firstCodePoint(cluster);
-    return text::isLetter(first) || text::isNumber(first) ||
+    return text::isAlphabetic(first) || text::isNumeric(first) ||
            (cluster.size() == 1 && isFontPunctuation(cluster[0].unicode()));
 }
 
@@ -271,7 +251,7 @@ QString telephoneHref(const QString &phone) {
         return kept;
     }
     text::forEachCharacter(phone, [&kept](QStringView cluster) {
-        if (text::isNumber(text::firstCodePoint(cluster)) || isSingle(cluster, u'+'))
+        if (text::isNumeric(text::firstCodePoint(cluster)) || isSingle(cluster, u'+'))
             kept.append(cluster);
     });
     return kept.isEmpty() ? QString() : QStringLiteral("tel:") + kept;

@@ -7,11 +7,19 @@
 #include <QString>
 #include <QStringList>
 
+#include <array>
+#include <optional>
+
 // Value clean-up shared by the renderers. Every function is pure and total.
 namespace velino::render {
 
 // https:, http: or data: addresses are kept; anything else gives the workshop's logo.
 QString resolveLogoSource(const QString &value);
+
+// The one reader of colour texts, e-mail and window alike: "#rrggbb" or "#rgb" (each digit
+// doubled), hexadecimal digits of either case, after trimming; the red, green and blue
+// bytes, or nothing for any other text.
+std::optional<std::array<int, 3>> hexColorChannels(QStringView text);
 
 // "#rrggbb" or "#rgb" (any case, trimmed) in lower-case six-digit form; else the fallback.
 QString normalizeHex(const QString &value, const QString &fallback);

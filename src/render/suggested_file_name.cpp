@@ -13,7 +13,7 @@ QString suggestedFileName(const QString &subject) {
     const QString lowered = text::lowerCased(subject);
     text::forEachCharacter(lowered, [&kept](QStringView cluster) {
         const char32_t first = text::firstCodePoint(cluster);
-        if (text::isLetter(first) || text::isNumber(first))
+        if (text::isAlphabetic(first) || text::isNumeric(first))
             kept.append(cluster);
         else if (kept.isEmpty() || kept.last() != u"-")
             kept.append(u"-");

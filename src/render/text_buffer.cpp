@@ -2,10 +2,6 @@
 
 #include <algorithm>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 namespace velino::render {
 
 void TextBuffer::grow(qsizetype needed) {
@@ -30,25 +26,6 @@ bool isEscapable(char16_t c, quint64 mask) {
 
 // First character that escaping replaces, or end.
 const char16_t *findEscapable(const char16_t *p, const char16_t *end, quint64 mask) {
-#if defined(__SSE2__)
-    // Eight code units per step: compare against each replaced character at once.
-    const __m128i amp = _mm_set1_epi16('&');
-    const __m128i lt = _mm_set1_epi16('<');
-    const __m128i gt = _mm_set1_epi16('>');
-    const __m128i quot = _mm_set1_epi16('"');
-    const __m128i apos = _mm_set1_epi16('\'');
-    const __m128i lf = _mm_set1_epi16(mask == kEntityOrLineFeedMask ? '\n' : '&');
-    for (; end - p >= 8; p += 8) {
-        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
-        const __m128i hits = _mm_or_si128(
-            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi16(v, amp), _mm_cmpeq_epi16(v, lt)),
-                         _mm_or_si128(_mm_cmpeq_epi16(v, gt), _mm_cmpeq_epi16(v, quot))),
-            _mm_or_si128(_mm_cmpeq_epi16(v, apos), _mm_cmpeq_epi16(v, lf)));
-        const int bits = _mm_movemask_epi8(hits);
-        if (bits != 0)
-            return p + __builtin_ctz(static_cast<unsigned>(bits)) / 2;
-    }
-#endif
     while (p < end && !isEscapable(*p, mask))
         ++p;
     return p;

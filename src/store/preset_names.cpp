@@ -9,24 +9,13 @@
 namespace velino {
 namespace {
 
-// White space of regular expressions' \s: tab, line feed, form feed, carriage return
-// and the Unicode separators.
-bool isPatternSpace(char16_t c) {
-    if (c == u'\t' || c == u'\n' || c == u'\f' || c == u'\r' || c == u' ')
-        return true;
-    if (c < 0xA0)
-        return false;
-    const QChar::Category category = QChar::category(c);
-    return category == QChar::Separator_Space || category == QChar::Separator_Line ||
-           category == QChar::Separator_Paragraph;
-}
-
 QString collapseSpaces(QStringView text) {
     QString out;
     out.reserve(text.size());
     bool inRun = false;
     for (const QChar c : text) {
-        if (isPatternSpace(c.unicode())) {
+        // Every White_Space code point lies in the basic plane.
+        if (text::isWhiteSpace(c.unicode())) {
             if (!inRun)
                 out.append(u' ');
             inRun = true;
@@ -39,9 +28,7 @@ QString collapseSpaces(QStringView text) {
 }
 
 QString comparisonKey(const QString &name) {
-    return collapseSpaces(text::trimmedView(name))
-        .toLower()
-        .normalized(QString::NormalizationForm_C);
+    return text::nfc(text::lowerCased(collapseSpaces(text::trimmedView(name))));
 }
 
 } // namespace
@@ -61,7 +48,7 @@ QString uniquePresetName(const QString &name, const QList<CustomMailPreset> &lib
             taken.insert(comparisonKey(preset.name));
     }
     const auto isFree = [&taken](const QString &candidate) {
-        return !taken.contains(candidate.toLower().normalized(QString::NormalizationForm_C));
+        return !taken.contains(text::nfc(text::lowerCased(candidate)));
     };
     if (isFree(base))
         return base;

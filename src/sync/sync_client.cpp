@@ -15,13 +15,15 @@ QString normalizedSyncCode(const QString &raw) {
     const QString upper = text::upperCased(raw);
     QString code;
     code.reserve(std::min(upper.size(), kSyncCodeMaxLength));
-    for (const QChar c : upper) {
-        if (code.size() == kSyncCodeMaxLength)
-            break;
-        const char16_t u = c.unicode();
+    // A user-perceived character is kept only when it is one allowed character on its own:
+    // "E" followed by a combining accent, or "1" in a keycap sequence, is dropped whole.
+    text::forEachCharacter(upper, [&code](QStringView cluster) {
+        if (code.size() == kSyncCodeMaxLength || cluster.size() != 1)
+            return;
+        const char16_t u = cluster.front().unicode();
         if ((u >= u'A' && u <= u'Z') || (u >= u'0' && u <= u'9') || u == u'-')
-            code.append(c);
-    }
+            code.append(cluster.front());
+    });
     return code;
 }
 

@@ -1,5 +1,7 @@
 #include "sync_transport.h"
 
+#include "transport_failure_text.h"
+
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QSslConfiguration>
@@ -78,9 +80,16 @@ void SyncTransport::failLater(const VelinoError &error, Callback callback) {
 }
 
 void SyncTransport::track(QNetworkReply *reply, Callback callback) {
-    pending_.insert(reply, Pending{std::move(callback), {}, false});
+    pending_.insert(reply, Pending{std::move(callback), {}, false, {}});
     connect(reply, &QNetworkReply::metaDataChanged, this,
             [this, reply] { checkDeclaredLength(reply); });
+    connect(reply, &QNetworkReply::sslErrors, this, [this, reply](const QList<QSslError> &errors) {
+        const auto it = pending_.find(reply);
+        if (it == pending_.end())
+            return;
+        for (const QSslError &e : errors)
+            it->sslErrors.append(e.error());
+    });
     connect(reply, &QNetworkReply::readyRead, this, [this, reply] { readAvailable(reply); });
     connect(reply, &QNetworkReply::finished, this, [this, reply] { finish(reply); });
 }
@@ -134,7 +143,9 @@ void SyncTransport::finish(QNetworkReply *reply) {
         result.failure = VelinoError{QNetworkReply::TimeoutError, synctext::timedOut()};
     } else if (isConnectionFailure(error) ||
                (error != QNetworkReply::NoError && !status.isValid())) {
-        result.failure = VelinoError{static_cast<int>(error), reply->errorString()};
+        result.failure =
+            VelinoError{static_cast<int>(error),
+                        transportFailureText(error, pending.sslErrors, reply->errorString())};
     } else {
         result.response.isHttp = status.isValid();
         result.response.statusCode = status.isValid() ? status.toInt() : 0;

@@ -8,6 +8,7 @@
 #include <QNetworkAccessManager>
 #include <QObject>
 #include <QSslCertificate>
+#include <QSslError>
 #include <QUrl>
 
 #include <chrono>
@@ -60,6 +61,7 @@ private:
         Callback callback;
         QByteArray body;
         bool tooLarge = false;
+        QList<QSslError::SslError> sslErrors; // met during the handshake
     };
 
     QNetworkRequest baseRequest(const QUrl &url) const;

@@ -1,9 +1,8 @@
 #include "ui_helpers.h"
 
-#include "preview_mode.h"
-
-#include "color_hex.h"
 #include "preset_dates.h"
+#include "preview_mode.h"
+#include "sanitizers.h"
 #include "service_host.h"
 #include "text.h"
 
@@ -47,11 +46,12 @@ QString UiHelpers::serviceHost() const {
 }
 
 QColor UiHelpers::colorFromHex(const QString &text) const {
-    return velino::ui::colorFromHex(text).value_or(QColor(Qt::transparent));
+    const std::optional<std::array<int, 3>> rgb = velino::render::hexColorChannels(text);
+    return rgb ? QColor::fromRgb((*rgb)[0], (*rgb)[1], (*rgb)[2]) : QColor(Qt::transparent);
 }
 
 bool UiHelpers::isHexColor(const QString &text) const {
-    return velino::ui::colorFromHex(text).has_value();
+    return velino::render::hexColorChannels(text).has_value();
 }
 
 QString UiHelpers::upperCased(const QString &text) const {

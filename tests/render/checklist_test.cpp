@@ -43,6 +43,10 @@ TEST(Checklist, SubjectLengthBoundsCountUserPerceivedCharacters) {
     const QString family = QString::fromUtf16(u"\U0001F468\u200D\U0001F469\u200D\U0001F467");
     EXPECT_TRUE(check(defaultWith(u"subject", subjectOf(12, family)), 1));
     EXPECT_FALSE(check(defaultWith(u"subject", subjectOf(91, family)), 1));
+    // A flag right after an emoji is one character of its own.
+    const QString emojiFlag = QString::fromUtf16(u"\U0001F600\U0001F1EB\U0001F1F7");
+    EXPECT_FALSE(check(defaultWith(u"subject", emojiFlag + subjectOf(9)), 1));
+    EXPECT_TRUE(check(defaultWith(u"subject", emojiFlag + subjectOf(10)), 1));
     const ChecklistItem failing =
         MailTemplateContext(defaultWith(u"subject", "court")).checklist().at(1);
     EXPECT_EQ(failing.text, "Garde un objet entre 12 et 90 caracteres pour une lecture nette.");

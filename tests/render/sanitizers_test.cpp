@@ -7,14 +7,33 @@
 using namespace velino;
 using namespace velino::render;
 
-TEST(NormalizeHex, AcceptsSixAndThreeDigitFormsOnly) {
+// The colour fields of the e-mail and of the window read colours the same way.
+TEST(HexColor, ReadsLongAndShortFormsOfEitherCaseTrimmed) {
+    const struct {
+        const char16_t *text;
+        std::array<int, 3> rgb;
+    } accepted[] = {
+        {u"#2F7DF6", {47, 125, 246}},
+        {u"\t\r\n#2f7DF6 \u00A0\u2003", {47, 125, 246}},
+        {u"#FfFfFf", {255, 255, 255}},
+        {u"#1a2", {0x11, 0xAA, 0x22}},
+    };
+    for (const auto &c : accepted)
+        EXPECT_EQ(hexColorChannels(QString::fromUtf16(c.text)), c.rgb);
+    for (const char16_t *refused : {u"abc",       u"#abcd",     u"#2F7DF6FF",
+                                    u"#GGGGGG",   u"2F7DF6",    u"",
+                                    u"   ",       u"#",         u"#ab",
+                                    u"#12345G",   u"# abcdef",  u"##abcde",
+                                    u"#+2F7DF",   u"#-12345",   u"#ab\u0301c",
+                                    u"#\uFF21BC", u"\uFF03abc", u"#\uFF11\uFF12\uFF13",
+                                    u"#2F7 DF6",  u"#a\nb"})
+        EXPECT_FALSE(hexColorChannels(QString::fromUtf16(refused)))
+            << QString::fromUtf16(refused).toStdString();
+
     const QString fb = "#fallbk";
     EXPECT_EQ(normalizeHex(" #2F7CF6 \n", fb), "#2f7cf6");
     EXPECT_EQ(normalizeHex("#ABC", fb), "#aabbcc");
-    for (const char *bad : {"2f7cf6", "#2f7cf", "#2f7cf6ff", "blue", "", "#ggg", "# abc"})
-        EXPECT_EQ(normalizeHex(QString::fromLatin1(bad), fb), fb) << bad;
-    // Full-width digits are not hexadecimal digits.
-    EXPECT_EQ(normalizeHex(QString::fromUtf16(u"#\uFF11\uFF12\uFF13"), fb), fb);
+    EXPECT_EQ(normalizeHex("#ggg", fb), fb);
 }
 
 TEST(Rgba, WritesDecimalChannelsAndTwoDecimals) {

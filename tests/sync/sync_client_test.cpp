@@ -38,23 +38,6 @@ private:
 
 } // namespace
 
-// The store shows these rules through typed codes (normalised, too short, cut at 64); what
-// only shows here is the exact filtering.
-TEST(SyncCode, UpperCasesThenKeepsLettersDigitsAndHyphensUpTo64) {
-    // Accented letters, other scripts, full-width forms, emoji and controls are dropped.
-    EXPECT_EQ(normalizedSyncCode(
-                  QString::fromUtf16(u"\u00e9t\u00e9-\u0410\u0411\uff21\U0001F600_+x\t\n\u00a09")),
-              "T-X9");
-    // The German sharp s becomes two letters S.
-    EXPECT_EQ(normalizedSyncCode(QString::fromUtf16(u"stra\u00dfe-12")), "STRASSE-12");
-    // Dropped characters do not count towards the 64.
-    EXPECT_EQ(normalizedSyncCode(QString(100, u' ') + QString(64, u'z') + "END"),
-              QString(64, u'Z'));
-    // Upper-casing comes first: of the two letters S, only the first still fits.
-    EXPECT_EQ(normalizedSyncCode(QString(63, u'k') + QString::fromUtf16(u"\u00df")),
-              QString(63, u'K') + "S");
-}
-
 TEST(SyncTimeLabel, ShowsTheLocalTimeOfAnInternetDateTimeOrTheTextUnchanged) {
     const ScopedEnv paris("TZ", "Europe/Paris");
     EXPECT_EQ(syncTimeLabel("2026-06-05T08:15:00Z"), "10:15");

@@ -49,3 +49,11 @@ TEST(UiHelpers, ShortcutTextOfStandardKeysAndSequences) {
               QKeySequence(QStringLiteral("Ctrl+N")).toString(QKeySequence::NativeText));
     EXPECT_EQ(helpers.shortcutText(QVariant()), QString());
 }
+
+TEST(UiHelpersColour, ReadsTheColourFieldsAndGivesTransparentOtherwise) {
+    velino::ui::UiHelpers helpers;
+    EXPECT_EQ(helpers.colorFromHex(QStringLiteral(" #2f7df6\n")), QColor::fromRgb(47, 125, 246));
+    EXPECT_EQ(helpers.colorFromHex(QStringLiteral("#GGGGGG")).alpha(), 0);
+    EXPECT_TRUE(helpers.isHexColor(QStringLiteral("#abc")));
+    EXPECT_FALSE(helpers.isHexColor(QStringLiteral("#abcd")));
+}

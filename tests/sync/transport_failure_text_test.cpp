@@ -1,0 +1,41 @@
+#include "transport_failure_text.h"
+
+#include <gtest/gtest.h>
+
+using namespace velino;
+
+TEST(TransportFailureText, OneFrenchSentencePerFailureThenThePlatformText) {
+    using E = QNetworkReply::NetworkError;
+    using S = QSslError::SslError;
+    const struct {
+        E error;
+        QList<S> ssl;
+        const char *starts;
+    } cases[] = {
+        {E::HostNotFoundError, {}, "Serveur de synchronisation introuvable"},
+        {E::ConnectionRefusedError, {}, "Le serveur de synchronisation refuse la connexion."},
+        {E::SslHandshakeFailedError,
+         {S::UnableToGetLocalIssuerCertificate, S::CertificateUntrusted},
+         "Le certificat du serveur de synchronisation n'est pas reconnu"},
+        {E::SslHandshakeFailedError,
+         {S::SelfSignedCertificate, S::HostNameMismatch},
+         "Le certificat du serveur de synchronisation est emis pour un autre nom"},
+        {E::SslHandshakeFailedError,
+         {S::CertificateExpired},
+         "Le certificat du serveur de synchronisation a expire"},
+        {E::SslHandshakeFailedError, {}, "Connexion securisee impossible"},
+        {E::RemoteHostClosedError, {}, "Le serveur de synchronisation a ferme la connexion."},
+        {E::UnknownNetworkError, {}, "Reseau indisponible ou serveur injoignable"},
+        {E::TemporaryNetworkFailureError, {}, "Reseau indisponible ou serveur injoignable"},
+        {E::ProxyAuthenticationRequiredError, {}, "Le proxy de cet ordinateur"},
+        {E::ProxyNotFoundError, {}, "Le proxy de cet ordinateur"},
+        {E::ProtocolFailure, {}, "Connexion au serveur de synchronisation impossible."},
+    };
+    for (const auto &c : cases) {
+        const QString text = transportFailureText(c.error, c.ssl, " Platform text\n");
+        EXPECT_TRUE(text.startsWith(QString::fromLatin1(c.starts))) << text.toStdString();
+        EXPECT_TRUE(text.endsWith(". (Platform text)")) << text.toStdString();
+    }
+    EXPECT_EQ(transportFailureText(E::ConnectionRefusedError, {}, ""),
+              "Le serveur de synchronisation refuse la connexion.");
+}
