@@ -1,5 +1,6 @@
 #include "app_shell.h"
 
+#include "masked_text_accessibility.h"
 #include "window_teardown.h"
 
 #include <QQmlComponent>
@@ -40,6 +41,8 @@ AppShell *AppShell::create(QQmlEngine *qmlEngine, QJSEngine *) {
 
 QQuickWindow *AppShell::openWindow() {
     QQmlComponent component(m_engine, kRootViewUrl);
+    // Qt Quick is loaded by now, its items not created yet.
+    installMaskedTextAccessibility();
     QObject *object = component.create();
     if (!object) {
         const QList<QQmlError> errors = component.errors();
