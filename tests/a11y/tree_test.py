@@ -214,6 +214,8 @@ def check_password(app, frame, log, checks):
     if field is None:
         checks.fail("password", "no password field in the lock screen's tree")
         return
+    if not field.name.strip():
+        checks.fail("fields", "%s: the password field has no name" % field)
     start = time.monotonic()
     app.type_keys(WRONG_PASSWORD)
     typed = wait_for(lambda: len(Node(field.accessible, field.path).text or "") ==
