@@ -12,6 +12,7 @@ Starts VELINO on a fresh saved state (so the form shows the default record), and
   status     "Copier objet", pressed through AT-SPI, copies the subject and its status
              change raises an event
   preview    the e-mail preview's heading, paragraphs, links and logo are in the tree
+  close      closing the window as a window manager does ends the program normally
 Prints every failure with the node's path, and exits 1 if there is any.
 """
 
@@ -164,6 +165,7 @@ class Velino:
         if os.geteuid() == 0:  # the web engine's sandbox refuses to run as root
             env.setdefault("QTWEBENGINE_DISABLE_SANDBOX", "1")
         self.env = env
+        self.closed = False  # asked to close by the test
         self.log_file = os.path.join(scratch, "velino.log")
         with open(self.log_file, "w") as log:
             self.process = subprocess.Popen([program], env=env, stdout=log, stderr=log)
@@ -179,6 +181,23 @@ class Velino:
     def type_keys(self, text=None, key=None):
         command = ["xdotool", "type", "--delay", "20", text] if text else ["xdotool", "key", key]
         subprocess.check_call(command, env=self.env)
+
+    def close_window(self):
+        """Asks the window to close, as a window manager's close button does."""
+        from Xlib import X, display, protocol
+        screen = display.Display(self.env["DISPLAY"])
+        window_ids = subprocess.check_output(
+            ["xdotool", "search", "--onlyvisible", "--pid", str(self.process.pid)],
+            env=self.env, text=True).split()
+        protocols = screen.intern_atom("WM_PROTOCOLS")
+        delete = screen.intern_atom("WM_DELETE_WINDOW")
+        for window_id in window_ids:
+            window = screen.create_resource_object("window", int(window_id))
+            window.send_event(protocol.event.ClientMessage(
+                window=window, client_type=protocols, data=(32, [delete, X.CurrentTime, 0, 0, 0])))
+        screen.flush()
+        screen.close()
+        return len(window_ids)
 
     def stop(self):
         self.process.terminate()
@@ -334,6 +353,21 @@ def check_preview(frame, record, checks):
             checks.fail("preview", "%s: no %s" % (doc.path, what))
 
 
+def check_close(app, checks):
+    app.closed = True
+    if app.close_window() == 0:
+        checks.fail("close", "no window of velino found to close")
+        return
+    try:
+        status = app.process.wait(10)
+    except subprocess.TimeoutExpired:
+        checks.fail("close", "velino still runs 10 s after its only window was closed")
+        return
+    if status != 0:
+        checks.fail("close", "velino ended with status %d once its window was closed; its "
+                    "last output:\n%s" % (status, tail(app.log_file)))
+
+
 def tail(path, lines=15):
     with open(path, errors="replace") as f:
         return "".join(f.readlines()[-lines:])
@@ -366,11 +400,12 @@ def main(argv):
         check_actions(nodes, checks)
         check_field_names(nodes, record, checks)
         check_status_change(app, nodes, log, record, checks)
+        check_close(app, checks)
     except GLib.Error as error:
         checks.fail("program", "the bus failed: %s" % error.message)
         app.process.wait(3)
     finally:
-        if app.process.poll() is not None:
+        if app.process.poll() is not None and not app.closed:
             checks.fail("program", "velino ended with status %d; its last output:\n%s"
                         % (app.process.returncode, tail(app.log_file)))
         app.stop()
