@@ -186,9 +186,9 @@ class Velino:
         """Asks the window to close, as a window manager's close button does."""
         from Xlib import X, display, protocol
         screen = display.Display(self.env["DISPLAY"])
-        window_ids = subprocess.check_output(
+        window_ids = subprocess.run(
             ["xdotool", "search", "--onlyvisible", "--pid", str(self.process.pid)],
-            env=self.env, text=True).split()
+            env=self.env, capture_output=True, text=True).stdout.split()
         protocols = screen.intern_atom("WM_PROTOCOLS")
         delete = screen.intern_atom("WM_DELETE_WINDOW")
         for window_id in window_ids:
