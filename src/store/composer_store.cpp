@@ -97,6 +97,21 @@ void ComposerStore::bind() {
     pipelinesBound_ = true;
 }
 
+void ComposerStore::savePendingChanges() {
+    const bool dataPending = dataDebounce_.isActive();
+    const bool draftNamePending = draftNameDebounce_.isActive();
+    const bool syncCodePending = syncCodeDebounce_.isActive();
+    dataDebounce_.stop();
+    draftNameDebounce_.stop();
+    syncCodeDebounce_.stop();
+    if (dataPending)
+        regenerate();
+    if (dataPending || draftNamePending)
+        persist();
+    if (syncCodePending)
+        services_.storage->writeSyncCode(normalizedSyncCode(syncCode_));
+}
+
 void ComposerStore::setData(const MailComposerData &data) {
     if (pipelinesBound_)
         dataDebounce_.start();

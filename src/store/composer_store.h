@@ -34,7 +34,8 @@ class SyncTransport;
 //   customPresetDraftName  180 ms after the last change: save
 //   activeCustomPresetID   at once: save
 //   syncCode               180 ms after the last change: remember the normalised code
-// The debounce timers belong to the store, so nothing fires once it is destroyed.
+// The debounce timers belong to the store, so nothing fires once it is destroyed: whoever
+// closes the store's window calls savePendingChanges() first.
 class ComposerStore : public QObject {
     Q_OBJECT
 
@@ -112,6 +113,10 @@ public:
     QString previewRecipientEmail() const;
     QString appleConnectionStatusText() const;
     QString appleConnectionHintText() const;
+
+    // Does at once what the pending debounces would have done (save, remember the sync
+    // code), so that an edit made just before the window closes is kept.
+    void savePendingChanges();
 
     // Built-in presets and reset.
     void applyPreset(PresetKind kind);

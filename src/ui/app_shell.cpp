@@ -1,5 +1,8 @@
 #include "app_shell.h"
 
+#include "masked_text_accessibility.h"
+#include "window_teardown.h"
+
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQmlError>
@@ -20,8 +23,12 @@ AppShell::AppShell(QQmlEngine *engine, QObject *parent) : QObject(parent), m_eng
 AppShell::~AppShell() {
     if (g_programShell == this)
         g_programShell = nullptr;
-    for (const QPointer<QQuickWindow> &window : std::as_const(m_windows))
-        delete window.data();
+    for (const QPointer<QQuickWindow> &window : m_windows + m_closing) {
+        if (!window)
+            continue;
+        savePendingChanges(window);
+        destroyClosedWindow(window);
+    }
 }
 
 AppShell *AppShell::create(QQmlEngine *qmlEngine, QJSEngine *) {
@@ -34,6 +41,8 @@ AppShell *AppShell::create(QQmlEngine *qmlEngine, QJSEngine *) {
 
 QQuickWindow *AppShell::openWindow() {
     QQmlComponent component(m_engine, kRootViewUrl);
+    // Qt Quick is loaded by now, its items not created yet.
+    installMaskedTextAccessibility();
     QObject *object = component.create();
     if (!object) {
         const QList<QQmlError> errors = component.errors();
@@ -53,7 +62,18 @@ QQuickWindow *AppShell::openWindow() {
         if (visible)
             return;
         m_windows.removeAll(window);
-        window->deleteLater();
+        savePendingChanges(window);
+        // Not from inside the window's own signal: once back in the event loop. A window
+        // still waiting for that when the shell goes is destroyed with it.
+        m_closing.append(window);
+        QMetaObject::invokeMethod(
+            this,
+            [this, guard = QPointer<QQuickWindow>(window)] {
+                m_closing.removeAll(guard);
+                if (guard)
+                    destroyClosedWindow(guard);
+            },
+            Qt::QueuedConnection);
         Q_EMIT windowCountChanged();
     });
     window->show();

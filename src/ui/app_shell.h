@@ -14,8 +14,8 @@ class QJSEngine;
 namespace velino::ui {
 
 // Opens the application's windows. Each window is an independent instance of the root
-// view (Main.qml): its own lock state and, later, its own composer store. A closed window
-// is destroyed.
+// view (Main.qml): its own lock state and its own composer store. A closed window keeps
+// what was typed in it, then is destroyed.
 class AppShell : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -45,6 +45,7 @@ Q_SIGNALS:
 private:
     QQmlEngine *m_engine;
     QList<QPointer<QQuickWindow>> m_windows;
+    QList<QPointer<QQuickWindow>> m_closing;
 };
 
 } // namespace velino::ui

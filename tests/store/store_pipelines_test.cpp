@@ -74,6 +74,22 @@ TEST_F(StoreTest, PendingChangesOfADestroyedStoreDoNothing) {
     EXPECT_EQ(savedSyncCode(), "");
 }
 
+TEST_F(StoreTest, PendingChangesAreSavedAtOnceWhenAsked) {
+    auto store = makeStore();
+    store->setDataField("subject", "Enregistre a la fermeture");
+    store->setCustomPresetDraftName("Brouillon");
+    store->setSyncCode("ab-12 cd");
+    store->savePendingChanges();
+    EXPECT_EQ(savedDocument().value("data").toObject().value("subject").toString(),
+              "Enregistre a la fermeture");
+    EXPECT_EQ(savedDocument().value("customPresetDraftName").toString(), "Brouillon");
+    EXPECT_EQ(savedSyncCode(), "AB-12CD");
+    EXPECT_EQ(store->generatedSubject(), "Enregistre a la fermeture");
+    store.reset();
+    EXPECT_EQ(savedDocument().value("data").toObject().value("subject").toString(),
+              "Enregistre a la fermeture");
+}
+
 TEST_F(StoreTest, SyncCodeIsRememberedNormalisedButShownAsTyped) {
     {
         const auto store = makeStore();
