@@ -12,7 +12,6 @@ namespace {
 
 constexpr qsizetype kFourMegabytes = 4 * 1000 * 1000;
 
-
 // Words and blanks up to `size` characters; with `lineLength` > 0, a line break ends every
 // line of that many characters.
 QString longText(qsizetype size, qsizetype lineLength) {

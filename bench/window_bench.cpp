@@ -21,12 +21,12 @@
 #include "saved_states.h"
 
 #include <QCoreApplication>
-#include <QSettings>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QMap>
 #include <QProcess>
+#include <QSettings>
 #include <QTemporaryDir>
 #include <QThread>
 

@@ -68,8 +68,13 @@ public:
     QString text(QAccessible::Text type) const override {
         const QObject *attached = accessibleAttached(input());
         switch (type) {
-        case QAccessible::Name:
-            return attached ? attached->property("name").toString() : QString();
+        case QAccessible::Name: {
+            // Set in QML, Accessible.name would make Qt's own (unmasked) object for the
+            // field before its echo mode is known: the placeholder, its visible label,
+            // names it instead.
+            const QString name = attached ? attached->property("name").toString() : QString();
+            return name.isEmpty() ? input()->property("placeholderText").toString() : name;
+        }
         case QAccessible::Description:
             return attached ? attached->property("description").toString() : QString();
         case QAccessible::Value:

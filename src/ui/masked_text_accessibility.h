@@ -1,5 +1,6 @@
 #pragma once
 
+
 namespace velino::ui {
 
 // What assistive tools read of a password field (a text input whose echo mode hides its
@@ -10,7 +11,9 @@ namespace velino::ui {
 // Replaces Qt Quick's accessible object for such fields and masks the texts of their
 // text-change events. Call it once the QML engine has loaded Qt Quick and before a
 // window's items are created (Qt asks the factory installed last first); calling it again
-// is harmless.
+// is harmless. A masked field is named by its placeholder unless Accessible.name is set,
+// and setting it in QML makes Qt's own object first: leave it unset on password fields.
 void installMaskedTextAccessibility();
+
 
 } // namespace velino::ui

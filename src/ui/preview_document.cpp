@@ -31,8 +31,8 @@ void PreviewDocument::setStore(ComposerStore *store) {
     disconnect(m_connection);
     m_store = store;
     if (m_store)
-        m_connection = connect(m_store, &ComposerStore::generatedHTMLChanged, this,
-                               &PreviewDocument::update);
+        m_connection =
+            connect(m_store, &ComposerStore::generatedHTMLChanged, this, &PreviewDocument::update);
     Q_EMIT storeChanged();
     update();
 }

@@ -39,14 +39,16 @@ QString withHeadStart(const QString &html, const QString &snippet) {
 } // namespace
 
 QString forcedDarkDocument(const QString &html) {
-    return withHeadStart(html, QStringLiteral("<style>html{filter:invert(1) hue-rotate(180deg)}"
-                                              "img,picture,video{filter:invert(1) hue-rotate(180deg)}"
-                                              "</style>"));
+    return withHeadStart(html,
+                         QStringLiteral("<style>html{filter:invert(1) hue-rotate(180deg)}"
+                                        "img,picture,video{filter:invert(1) hue-rotate(180deg)}"
+                                        "</style>"));
 }
 
 QString imagesBlockedDocument(const QString &html) {
     return withHeadStart(
-        html, QStringLiteral("<meta http-equiv=\"Content-Security-Policy\" content=\"img-src data:\">"));
+        html,
+        QStringLiteral("<meta http-equiv=\"Content-Security-Policy\" content=\"img-src data:\">"));
 }
 
 QString previewDocumentFor(const QString &html, PreviewMode::Mode mode) {

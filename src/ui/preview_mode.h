@@ -32,10 +32,10 @@ class PreviewMode : public QObject {
 
 public:
     enum Mode {
-        Desktop,     // "Bureau": the e-mail as the spec draws it, the default
-        Phone,       // "Telephone": laid out 375 CSS pixels wide
-        Dark,        // "Sombre": as a client that forces dark mode shows it
-        NoImages,    // "Sans images": remote images blocked
+        Desktop,  // "Bureau": the e-mail as the spec draws it, the default
+        Phone,    // "Telephone": laid out 375 CSS pixels wide
+        Dark,     // "Sombre": as a client that forces dark mode shows it
+        NoImages, // "Sans images": remote images blocked
     };
     Q_ENUM(Mode)
 
@@ -43,7 +43,6 @@ public:
 
     Mode mode() const { return m_mode; }
     void setMode(Mode mode);
-
 
 Q_SIGNALS:
     void modeChanged();

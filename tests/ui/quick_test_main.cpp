@@ -104,7 +104,9 @@ public:
     // A loopback server of images that counts the requests it gets: its port.
     Q_INVOKABLE int startImageServer() { return m_images.start(); }
     Q_INVOKABLE int imageRequests() const { return m_images.requests(); }
-    Q_INVOKABLE QString environment(const QString &name) const { return qEnvironmentVariable(qUtf8Printable(name)); }
+    Q_INVOKABLE QString environment(const QString &name) const {
+        return qEnvironmentVariable(qUtf8Printable(name));
+    }
     Q_INVOKABLE void unsetEnvironment(const QString &name) const {
         qunsetenv(name.toLocal8Bit().constData());
     }

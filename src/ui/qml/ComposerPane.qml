@@ -104,7 +104,14 @@ Item {
         contentWidth: availableWidth
         clip: true
 
+        // The form never scrolls sideways.
+        ScrollBar.horizontal: ScrollBar {
+            policy: ScrollBar.AlwaysOff
+            visible: false
+            Accessible.name: "Defilement horizontal du formulaire"
+        }
         ScrollBar.vertical: ScrollBar {
+            Accessible.name: "Defilement du formulaire"
             parent: scroll
             x: scroll.width - width
             y: scroll.topPadding
@@ -241,6 +248,7 @@ Item {
                         boundsBehavior: Flickable.StopAtBounds
                         model: root.controller.customPresetModel
                         ScrollBar.vertical: ScrollBar {
+                            Accessible.name: "Defilement des presets perso"
                             policy: presetList.contentHeight > presetList.height
                                     ? ScrollBar.AlwaysOn : ScrollBar.AsNeeded
                         }

@@ -74,12 +74,11 @@ FocusScope {
 
         TextField {
             id: passwordField
+            // No Accessible.name here: see masked_text_accessibility.h.
+            echoMode: TextInput.Password
             objectName: "passwordField"
             Layout.fillWidth: true
-            focus: true
-            echoMode: TextInput.Password
             placeholderText: "Mot de passe"
-            Accessible.name: "Mot de passe"
             placeholderTextColor: AppTheme.placeholder
             font.family: AppTheme.fontFamily
             font.pixelSize: 18
@@ -101,6 +100,7 @@ FocusScope {
             text: root.lockState.password
             onTextEdited: root.lockState.password = text
             onAccepted: root.lockState.unlock()
+            Component.onCompleted: forceActiveFocus()
         }
 
         ToolbarButton {

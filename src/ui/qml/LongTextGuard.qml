@@ -62,6 +62,7 @@ Item {
             elide: Text.ElideRight
             Accessible.role: Accessible.StaticText
             Accessible.name: root.title + " : " + text
+            Accessible.ignored: !root.guarding
         }
 
         ToolbarButton {
@@ -74,6 +75,7 @@ Item {
             focusPolicy: Qt.StrongFocus
             Accessible.name: text + " : " + root.title
             Accessible.description: summary.text
+            Accessible.ignored: !root.guarding
             Keys.onReturnPressed: clicked()
             Keys.onEnterPressed: clicked()
             onClicked: {
