@@ -1,3 +1,4 @@
+#include "postgres_slot_store.h"
 #include "slot_store.h"
 #include "sqlite_slot_store.h"
 
@@ -17,9 +18,7 @@ std::unique_ptr<SlotStore> makeSlotStore(const QString &databaseUrl, QString *er
     }
     if (databaseUrl.startsWith(QStringLiteral("postgresql://")) ||
         databaseUrl.startsWith(QStringLiteral("postgres://"))) {
-        // PostgreSQL engine: return makePostgresSlotStore(databaseUrl, error);
-        *error = QStringLiteral("PostgreSQL n'est pas disponible dans cette version.");
-        return nullptr;
+        return makePostgresSlotStore(databaseUrl, error);
     }
     *error = QStringLiteral("Base de donnees invalide : attendu \"sqlite:CHEMIN\" ou "
                             "\"postgresql://UTILISATEUR@HOTE:PORT/BASE\".");

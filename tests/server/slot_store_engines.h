@@ -18,7 +18,7 @@ struct SlotStoreEngine {
 };
 
 // Every engine this machine has, each entry with fresh storage: SQLite in a temporary file
-// always.
+// always, PostgreSQL when scripts/with-test-postgres gives a cluster.
 std::vector<SlotStoreEngine> availableSlotStoreEngines();
 
 } // namespace velino::test
