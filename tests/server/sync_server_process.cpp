@@ -1,6 +1,7 @@
 #include "sync_server_process.h"
 
 #include <QDeadlineTimer>
+#include <QFile>
 #include <QUrl>
 
 #include <csignal>
@@ -19,6 +20,11 @@ SyncServerProcess::~SyncServerProcess() {
 }
 
 bool SyncServerProcess::start(const QStringList &arguments, QString *error) {
+    if (!errorFile_.open()) {
+        *error = QStringLiteral("no temporary file for the log");
+        return false;
+    }
+    process_.setStandardErrorFile(errorFile_.fileName());
     process_.start(QStringLiteral(VELINO_SYNC_SERVER_BINARY),
                    arguments +
                        QStringList{QStringLiteral("--listen"), QStringLiteral("127.0.0.1:0")});
@@ -58,8 +64,8 @@ int SyncServerProcess::terminate(int timeoutMs) {
 }
 
 QByteArray SyncServerProcess::errorOutput() {
-    errors_ += process_.readAllStandardError();
-    return errors_;
+    QFile file(errorFile_.fileName());
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 ProgramRun runSyncServer(const QStringList &arguments) {

@@ -4,6 +4,7 @@
 #include <QProcess>
 #include <QString>
 #include <QStringList>
+#include <QTemporaryFile>
 
 namespace velino::test {
 
@@ -27,7 +28,8 @@ public:
 private:
     QProcess process_;
     QString baseUrl_;
-    QByteArray errors_;
+    // The log goes to a file: a pipe nobody reads would stall the program once full.
+    QTemporaryFile errorFile_;
 };
 
 // Runs the program to its end with `arguments`; its exit code and standard error.
