@@ -71,19 +71,12 @@ int main(int argc, char **argv) {
         say(error);
         return 2;
     }
-    if (!store->open()) {
-        say(QStringLiteral("Base de donnees inaccessible : %1.").arg(options->databaseUrl));
-        return 1;
-    }
-
     SyncServiceConfig config;
     config.maxBodyBytes = options->maxBodyBytes;
     config.trustProxy = options->trustProxy;
     config.requestsPerMinute = options->requestsPerMinute;
     config.logoPng = *logo;
     SyncService service(*store, config);
-    RetentionSweeper sweeper(*store, options->retentionDays, kSweepInterval,
-                             [](const std::string &line) { say(QString::fromStdString(line)); });
 
     HttpServerOptions httpOptions;
     httpOptions.host = options->host.toStdString();
@@ -93,10 +86,17 @@ int main(int argc, char **argv) {
     httpOptions.plainHttp = options->plainHttp;
     httpOptions.threads = options->threads;
     HttpServer server(service, httpOptions);
+    // The certificate and the address first: a wrong one leaves no database behind.
     if (!server.bind(&error)) {
         say(error);
         return 1;
     }
+    if (!store->open()) {
+        say(QStringLiteral("Base de donnees inaccessible : %1.").arg(options->databaseUrl));
+        return 1;
+    }
+    RetentionSweeper sweeper(*store, options->retentionDays, kSweepInterval,
+                             [](const std::string &line) { say(QString::fromStdString(line)); });
 
     std::thread signalWaiter([&] {
         int signal = 0;
