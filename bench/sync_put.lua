@@ -14,7 +14,8 @@ function init(args)
   local file = assert(io.open(args[1], "rb"))
   template = file:read("*a")
   file:close()
-  counter = id * 1000000000
+  -- Several wrk runs at once (one per server process) pass distinct offsets.
+  counter = id * 1000000000 + (tonumber(args[2]) or 0)
 end
 
 function request()
