@@ -13,9 +13,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Enough for the request threads of one process; a busy database keeps a caller waiting at
-// most the wait below before the request is answered "unavailable".
-constexpr int maxConnections = 8;
+// Durable writes wait for the disk: more connections let PostgreSQL flush many commits at
+// once (32 load connections: 16 gave 1.2 to 1.7 times the PUT rate of 8). Two processes stay
+// well under PostgreSQL's default 100 connections. A caller waits at most `maxWaitForConnection`
+// for a free one before its request is answered "unavailable".
+constexpr int maxConnections = 16;
 constexpr auto maxWaitForConnection = 10s;
 
 QByteArray millisecondsText(const QDateTime &time) {

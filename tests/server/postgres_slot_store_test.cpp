@@ -146,8 +146,8 @@ TEST_F(PostgresSlotStoreTest, ConcurrentWritersOfTwoProcessesActAsOneService) {
     ASSERT_TRUE(first->open());
     ASSERT_TRUE(second->open());
 
-    constexpr int writers = 12; // more than one process's connections
-    constexpr int writesEach = 40;
+    constexpr int writers = 36; // more than the connections of one process
+    constexpr int writesEach = 20;
     const QByteArray shared = keyOf(QStringLiteral("SHARED-CODE-0000"));
     // Each payload names its writer and write: a reader can check it against the time.
     const auto write = [](int writer, int index) {
