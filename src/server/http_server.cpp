@@ -178,6 +178,19 @@ void HttpServer::install() {
         return httplib::Server::HandlerResponse::Unhandled;
     });
 
+    // A client that asks before sending its body learns at once that it is too large.
+    s.set_expect_100_continue_handler([this](const httplib::Request &req, httplib::Response &res) {
+        const std::optional<unsigned long long> length = declaredLength(req);
+        if (length && *length > static_cast<unsigned long long>(service_.maxBodyBytes())) {
+            exchange = ExchangeState{Clock::now(), true, false, false};
+            refuseAndClose(service_.bodyTooLarge(), res);
+            // Written by the library without its usual length header on this path.
+            res.set_header("Content-Length", std::to_string(res.body.size()));
+            return 413;
+        }
+        return 100;
+    });
+
     auto serve = [this](const httplib::Request &req, httplib::Response &res) {
         writeAnswer(service_.handle(toHttpRequest(req)), res);
     };
