@@ -114,6 +114,7 @@ void countTlsRecord(int writing, int, int contentType, const void *data, size_t 
         const int fd = SSL_get_fd(ssl);
         if (fd >= 0)
             dropSocket(fd);
+        headGuard = HeadGuard{}; // a later connection may get the same SSL address
     }
 }
 
@@ -210,6 +211,12 @@ void HttpServer::install() {
     s.set_keep_alive_timeout(options_.keepAliveIdle.count());
     s.set_keep_alive_max_count(100000);
     s.set_tcp_nodelay(true);
+    // Not the library's SO_REUSEPORT: a second server on the same port must fail to start,
+    // not silently share the requests with the first.
+    s.set_socket_options([](int fd) {
+        const int on = 1;
+        setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    });
 
     s.set_pre_routing_handler([](const httplib::Request &, httplib::Response &) {
         exchange = ExchangeState{Clock::now(), true, false, false};
