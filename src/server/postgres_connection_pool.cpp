@@ -36,8 +36,12 @@ PostgresConnectionPool::~PostgresConnectionPool() {
 std::optional<PostgresConnectionPool::Lease> PostgresConnectionPool::acquire() {
     {
         std::unique_lock lock(m_mutex);
-        const bool available = m_returned.wait_for(
-            lock, m_maxWait, [this] { return !m_idle.empty() || m_open < m_maxConnections; });
+        // One connection opened at a time: a burst of requests on an empty pool would
+        // otherwise start as many backends at once, and on a busy machine their start-up can
+        // outlast the connect timeout.
+        const bool available = m_returned.wait_for(lock, m_maxWait, [this] {
+            return !m_idle.empty() || (m_open < m_maxConnections && !m_connecting);
+        });
         if (!available) {
             return std::nullopt;
         }
@@ -47,13 +51,19 @@ std::optional<PostgresConnectionPool::Lease> PostgresConnectionPool::acquire() {
             return Lease(this, connection, true);
         }
         ++m_open;
+        m_connecting = true;
     }
     // Connecting takes a round trip or a timeout: not under the lock.
     pg_conn *connection = connect();
-    if (!connection) {
+    {
         std::lock_guard lock(m_mutex);
-        --m_open;
-        m_returned.notify_one();
+        m_connecting = false;
+        if (!connection) {
+            --m_open;
+        }
+    }
+    m_returned.notify_all();
+    if (!connection) {
         return std::nullopt;
     }
     return Lease(this, connection, false);

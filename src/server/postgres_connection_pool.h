@@ -15,7 +15,7 @@ namespace velino::server {
 
 // A few libpq connections shared by the request threads: each thread leases one connection
 // for one call, so no connection is ever used by two threads at once. Connections are opened
-// on demand, so a database that was down is reached again by the next call.
+// on demand, one at a time, so a database that was down is reached again by the next call.
 class PostgresConnectionPool {
 public:
     class Lease {
@@ -69,6 +69,7 @@ private:
     std::condition_variable m_returned;
     std::vector<pg_conn *> m_idle;
     int m_open = 0;
+    bool m_connecting = false;
     std::atomic<bool> m_failing = false;
 };
 

@@ -187,6 +187,13 @@ TEST_F(PostgresSlotStoreTest, ConcurrentWritersOfTwoProcessesActAsOneService) {
     EXPECT_EQ(failures, 0);
     EXPECT_EQ(tornReads, 0);
     EXPECT_EQ(first->count(), writers + 1);
+    // Each process stays within its pool (16 connections), however many threads call it.
+    const auto backends = PostgresSession(database.url())
+                              .run("SELECT count(*) FROM pg_stat_activity "
+                                   "WHERE datname = current_database()");
+    ASSERT_TRUE(backends);
+    EXPECT_LE(backends->toInt(), 2 * 16 + 1);
+    EXPECT_GT(backends->toInt(), 2);
     for (int writer = 0; writer < writers; ++writer) {
         StoredSlot read;
         const QByteArray own =
