@@ -43,6 +43,9 @@ std::optional<PostgresConnectionPool::Lease> PostgresConnectionPool::acquire() {
             return !m_idle.empty() || (m_open < m_maxConnections && !m_connecting);
         });
         if (!available) {
+            lock.unlock();
+            noteFailure("toutes les connexions sont occupees depuis " +
+                        QByteArray::number(qint64(m_maxWait.count())) + " ms");
             return std::nullopt;
         }
         if (!m_idle.empty()) {
