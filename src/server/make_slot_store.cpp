@@ -1,0 +1,28 @@
+#include "postgres_slot_store.h"
+#include "slot_store.h"
+#include "sqlite_slot_store.h"
+
+namespace velino::server {
+
+std::unique_ptr<SlotStore> makeSlotStore(const QString &databaseUrl, QString *error) {
+    error->clear();
+    const QString sqlitePrefix = QStringLiteral("sqlite:");
+    if (databaseUrl.startsWith(sqlitePrefix)) {
+        const QString path = databaseUrl.mid(sqlitePrefix.size());
+        if (path.isEmpty()) {
+            *error = QStringLiteral("Base de donnees invalide : il manque le chemin du fichier "
+                                    "apres \"sqlite:\".");
+            return nullptr;
+        }
+        return std::make_unique<SqliteSlotStore>(path);
+    }
+    if (databaseUrl.startsWith(QStringLiteral("postgresql://")) ||
+        databaseUrl.startsWith(QStringLiteral("postgres://"))) {
+        return makePostgresSlotStore(databaseUrl, error);
+    }
+    *error = QStringLiteral("Base de donnees invalide : attendu \"sqlite:CHEMIN\" ou "
+                            "\"postgresql://UTILISATEUR@HOTE:PORT/BASE\".");
+    return nullptr;
+}
+
+} // namespace velino::server

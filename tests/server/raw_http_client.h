@@ -1,0 +1,44 @@
+#pragma once
+
+#include <chrono>
+#include <map>
+#include <optional>
+#include <string>
+
+namespace velino::test {
+
+struct RawHttpAnswer {
+    int status = 0;
+    std::map<std::string, std::string> headers; // names in lower case
+    std::string body;
+};
+
+// A plain TCP connection to 127.0.0.1 that sends exactly the bytes it is given, for
+// requests no HTTP library would send (slow, malformed, lying about their length).
+class RawHttpConnection {
+public:
+    explicit RawHttpConnection(int port);
+    ~RawHttpConnection();
+    RawHttpConnection(const RawHttpConnection &) = delete;
+    RawHttpConnection &operator=(const RawHttpConnection &) = delete;
+
+    bool connected() const { return fd_ >= 0; }
+    // False when the peer no longer takes bytes.
+    bool send(const std::string &bytes);
+    // One answer with a Content-Length body, or nothing when the connection ends first or
+    // the time is over.
+    std::optional<RawHttpAnswer> readAnswer(std::chrono::milliseconds timeout);
+    // True when the server closes the connection (end of stream or reset) within `timeout`,
+    // whatever it sent before.
+    bool closedWithin(std::chrono::milliseconds timeout);
+
+private:
+    int fd_ = -1;
+    std::string buffer_;
+};
+
+// PUT or GET on a fresh connection; the answer, or nothing.
+std::optional<RawHttpAnswer> rawRequest(int port, const std::string &method,
+                                        const std::string &target, const std::string &body = {});
+
+} // namespace velino::test
