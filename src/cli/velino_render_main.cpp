@@ -5,10 +5,9 @@
 #include "json_reader.h"
 #include "mail_composer_data.h"
 #include "mail_template_context.h"
-#include "suggested_file_name.h"
+#include "rendered_mail_json.h"
 
 #include <QFile>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -115,22 +114,6 @@ MailComposerData readRecord(const Options &options) {
     return *record;
 }
 
-QJsonObject renderedJson(const MailTemplateContext &context) {
-    QJsonArray checklist;
-    for (const ChecklistItem &item : context.checklist())
-        checklist.append(
-            QJsonObject{{QStringLiteral("ok"), item.ok}, {QStringLiteral("text"), item.text}});
-    return QJsonObject{
-        {QStringLiteral("html"), context.htmlDocument()},
-        {QStringLiteral("text"), context.plainText()},
-        {QStringLiteral("subject"), context.subject},
-        {QStringLiteral("checklist"), checklist},
-        {QStringLiteral("formatStatus"), context.formatStatus()},
-        {QStringLiteral("detailsCount"), static_cast<qint64>(context.detailsCount())},
-        {QStringLiteral("fileName"), suggestedFileName(context.subject)},
-    };
-}
-
 QByteArray render(const Options &options, MailComposerData record) {
     if (options.repair)
         record.normalizeLegacyTextFields();
@@ -146,7 +129,7 @@ QByteArray render(const Options &options, MailComposerData record) {
         return context.plainText().toUtf8();
     if (options.format == u"subject")
         return context.subject.toUtf8();
-    return QJsonDocument(renderedJson(context)).toJson(QJsonDocument::Compact) + '\n';
+    return QJsonDocument(renderedMailJson(context)).toJson(QJsonDocument::Compact) + '\n';
 }
 
 bool writeAll(const QByteArray &bytes) {

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "mail_template_context.h"
+
+#include <QJsonObject>
+
+namespace velino {
+
+// What a rendering gives, as one JSON object: html, text, subject, checklist ({ok, text}
+// items), formatStatus, detailsCount and the suggested export fileName. velino-render's
+// JSON output and the phone page's render answer are this object.
+QJsonObject renderedMailJson(const MailTemplateContext &context);
+
+} // namespace velino
