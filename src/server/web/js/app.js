@@ -105,8 +105,13 @@ function scheduleRender() {
   renderTimer = setTimeout(() => renderNow(), RENDER_DELAY_MS);
 }
 
+function showPreviewError(message) {
+  $('preview-error').textContent = message;
+}
+
 function showRendered(answer) {
   rendered = answer;
+  showPreviewError('');
   $('format-status').textContent = answer.formatStatus;
   const list = $('checklist');
   list.replaceChildren(...answer.checklist.map((item) => {
@@ -138,7 +143,7 @@ async function renderNow(applyPreset) {
     showRendered(answer);
     return answer;
   } catch (error) {
-    if (round === renderRound) showError(`Apercu indisponible : ${error.message}`);
+    if (round === renderRound) showPreviewError(`Apercu indisponible : ${error.message}`);
     return null;
   }
 }
@@ -258,7 +263,7 @@ async function start(draft) {
       form.show(state.data);
       tiles.show(state.activePreset);
     }
-    showError(`Apercu indisponible : ${error.message}`);
+    showPreviewError(`Apercu indisponible : ${error.message}`);
   }
 }
 

@@ -102,13 +102,10 @@ export function buildForm(container, onInput) {
 export function buildPresetTiles(container, onChoose) {
   const buttons = new Map();
   for (const preset of presets) {
-    const summaryId = `preset-${preset.id}-summary`;
-    const button = element('button', {
-      type: 'button', class: 'tile', 'aria-pressed': 'false', 'aria-label': preset.title,
-      'aria-describedby': summaryId,
-    },
-    element('span', { class: 'tile-title', text: preset.title }),
-    element('span', { class: 'tile-summary', id: summaryId, text: preset.summary }));
+    // The tile's name is its title then its summary, as read on screen.
+    const button = element('button', { type: 'button', class: 'tile', 'aria-pressed': 'false' },
+      element('span', { class: 'tile-title', text: preset.title }),
+      element('span', { class: 'tile-summary', text: preset.summary }));
     button.addEventListener('click', () => onChoose(preset.id));
     buttons.set(preset.id, button);
     container.append(button);
