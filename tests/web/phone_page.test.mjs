@@ -96,13 +96,16 @@ function shownRecord(page) {
     [...document.querySelectorAll('[id^="field-"]')].map((input) => [input.name, input.value])));
 }
 
-// Waits for the render and preview that follow an edit, and returns them.
+// Waits for the render that follows an edit, then looks at the preview (the page lays the
+// e-mail out only once its frame is on screen) and returns both.
 async function settledRender(page, trigger) {
   const render = page.waitForResponse((r) => r.url().endsWith('/api/velino-render'));
   const preview = page.waitForResponse((r) => r.url().endsWith('/api/velino-preview'));
   await trigger();
-  const [renderResponse, previewResponse] = await Promise.all([render, preview]);
-  return { answer: await renderResponse.json(), previewHtml: await previewResponse.text(), previewStatus: previewResponse.status() };
+  const renderResponse = await render;
+  await page.locator('#preview-frame').scrollIntoViewIfNeeded();
+  const previewResponse = await preview;
+  return { answer: await renderResponse.json(), previewHtml: await previewResponse.text() };
 }
 
 describe('phone page', () => {

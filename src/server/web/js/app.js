@@ -1,7 +1,7 @@
 // VELINO Mobile: the code, the form, the preview and the two sync buttons.
 import * as api from './api.js';
 import { CODE_TOO_SHORT, generateCode, isLongEnough, normalizeCode } from './code.js';
-import { buildForm, buildPresetTiles, presets } from './form.js';
+import { bindForm, bindPresetTiles } from './form.js';
 
 const CODE_KEY = 'velino-code-v1';
 const DRAFT_KEY = 'velino-draft-v1';
@@ -92,13 +92,13 @@ $('copy-code').addEventListener('click', () => copy(currentCode(), 'Code copie.'
 
 // ---- form and preview
 
-const form = buildForm($('form'), (name, value) => {
+const form = bindForm(document, (name, value) => {
   if (!state.data) return;
   state.data[name] = value;
   saveDraft();
   scheduleRender();
 });
-const tiles = buildPresetTiles($('tiles'), choosePreset);
+const tiles = bindPresetTiles(document, choosePreset);
 
 function scheduleRender() {
   clearTimeout(renderTimer);
@@ -123,10 +123,25 @@ function showRendered(answer) {
   const encode = (text) => encodeURIComponent(text);
   $('open-mail').href = `mailto:${encode(state.data.recipientEmail).replace(/%40/g, '@')}` +
     `?subject=${encode(answer.subject)}&body=${encode(answer.text)}`;
+  previewPending = true;
+  showPreviewWhenSeen();
+}
+
+// The e-mail is laid out in its frame only when the frame is on screen (or nearly): the
+// form above it is what a phone shows first.
+let previewPending = false;
+let previewSeen = false;
+function showPreviewWhenSeen() {
+  if (!previewPending || !previewSeen) return;
+  previewPending = false;
   const previewForm = $('preview-form');
   previewForm.elements.state.value = JSON.stringify({ activePreset: state.activePreset, data: state.data });
   previewForm.submit();
 }
+new IntersectionObserver((entries) => {
+  previewSeen = entries.some((entry) => entry.isIntersecting);
+  showPreviewWhenSeen();
+}, { rootMargin: '400px 0px' }).observe($('preview-frame'));
 
 async function renderNow(applyPreset) {
   const round = ++renderRound;
@@ -151,8 +166,7 @@ async function renderNow(applyPreset) {
 async function choosePreset(id) {
   clearTimeout(renderTimer);
   if (await renderNow(id)) {
-    const preset = presets.find((p) => p.id === id);
-    $('action-status').textContent = `${preset.title} charge.`;
+    $('action-status').textContent = `${tiles.titleOf(id)} charge.`;
   }
 }
 
