@@ -137,6 +137,14 @@ describe('phone page', () => {
         assert.equal(await field(second, 'Code prive a saisir').inputValue(), kept);
       }
       await expectText(codeShown(second), 'AB12-CD34EF56GH78', 'typed code');
+
+      // Reset: back to the default record, nothing kept on the phone.
+      await field(second, 'Nom du client').fill('A effacer');
+      await second.waitForFunction(() => localStorage.getItem('velino-draft-v1')?.includes('A effacer'));
+      await button(second, 'Reinitialiser').tap();
+      await expectText(second.getByText('Contenu reinitialise.'), 'Contenu reinitialise.', 'reset');
+      assert.equal(await field(second, 'Nom du client').inputValue(), 'Mme Lambert');
+      assert.equal(await second.evaluate(() => localStorage.getItem('velino-draft-v1')), null);
       await second.close();
       await page.close();
     } finally {
@@ -171,6 +179,19 @@ describe('phone page', () => {
       await assertAccessible(page, 'sent');
       const shown = await shownRecord(page);
       assert.equal(Object.keys(shown).length, FIELDS);
+
+      // Sending from the phone: the subject and the text as rendered, and a mailto: link.
+      await button(page, "Copier l'objet").tap();
+      await expectText(page.getByText('Objet copie.'), 'Objet copie.', 'copy status');
+      assert.equal(await page.evaluate(() => navigator.clipboard.readText()), edited.answer.subject);
+      await button(page, 'Copier le texte').tap();
+      await expectText(page.getByText('Texte copie.'), 'Texte copie.', 'copy status');
+      assert.equal(await page.evaluate(() => navigator.clipboard.readText()), edited.answer.text);
+      const mailto = new URL(await page.getByRole('link', { name: 'Ouvrir dans Mail', exact: true }).getAttribute('href'));
+      assert.equal(mailto.protocol, 'mailto:');
+      assert.equal(decodeURIComponent(mailto.pathname), shown.recipientEmail);
+      assert.equal(decodeURIComponent(mailto.search.match(/subject=([^&]*)/)[1]), edited.answer.subject);
+      assert.equal(decodeURIComponent(mailto.search.match(/body=([^&]*)/)[1]), edited.answer.text);
 
       const pulled = await desktop('pull', server, code, path.join(workspace.dir, 'desktop-b'));
       assert.equal(pulled.activePreset, 'pret');

@@ -45,13 +45,15 @@ try {
   await settled(() => button("Recuperer depuis l'ordinateur").tap());
   await page.getByText(/^Brouillon recupere/).waitFor();
   await shot('pulled', '#sync-heading');
-  await shot('form', '#form');
+  await shot('form', '#card-destinataire');
 
   await settled(() => page.getByRole('button', { name: /^Appareil pret / }).tap());
   await settled(() => page.getByLabel('Nom du client', { exact: true }).fill('Lea Martin'));
   await previewShown();
+  await shot('preset-applied', '#presets-heading');
   await shot('editing-preview', '#preview-heading');
   await shot('checklist', '#checklist');
+  await shot('branding', '#card-identite');
 
   await button("Envoyer vers l'ordinateur").tap();
   await page.getByText(/^Brouillon envoye/).waitFor();

@@ -166,7 +166,7 @@ async function renderNow(applyPreset) {
 async function choosePreset(id) {
   clearTimeout(renderTimer);
   if (await renderNow(id)) {
-    $('action-status').textContent = `${tiles.titleOf(id)} charge.`;
+    $('preset-status').textContent = `${tiles.titleOf(id)} charge.`;
   }
 }
 
