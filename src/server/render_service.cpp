@@ -95,10 +95,10 @@ HttpResponse renderAnswer(const HttpRequest &request) {
 
 HttpResponse previewAnswer(const HttpRequest &request) {
     const std::optional<QByteArray> state = formField(request.body, QStringLiteral("state"));
-    QString error = QStringLiteral("champ \"state\" manquant");
-    std::optional<RenderRequest> decoded;
-    if (state)
-        decoded = decodeRenderRequest(*state, &(error = QString()));
+    if (!state)
+        return refusal(QStringLiteral("champ \"state\" manquant"));
+    QString error;
+    std::optional<RenderRequest> decoded = decodeRenderRequest(*state, &error);
     if (!decoded)
         return refusal(error);
     HttpResponse response;

@@ -103,7 +103,7 @@ async function settledRender(page, trigger) {
   const preview = page.waitForResponse((r) => r.url().endsWith('/api/velino-preview'));
   await trigger();
   const renderResponse = await render;
-  await page.locator('#preview-frame').scrollIntoViewIfNeeded();
+  await page.locator('#preview-box').scrollIntoViewIfNeeded();
   const previewResponse = await preview;
   return { answer: await renderResponse.json(), previewHtml: await previewResponse.text() };
 }
@@ -168,7 +168,11 @@ describe('phone page', () => {
       await settledRender(page, () => tile(page, 'Appareil pret').tap());
       assert.equal(await tile(page, 'Appareil pret').getAttribute('aria-pressed'), 'true');
       assert.equal(await field(page, 'Objet du mail').inputValue(), 'Votre appareil est pret');
+      const steps = await page.evaluate(() => history.length);
       const edited = await settledRender(page, () => field(page, 'Nom du client').fill('Lea Martin'));
+      assert.equal(await page.evaluate(() => history.length), steps, 'previews add no step to the back button');
+      const frames = page.frameLocator('#preview-box iframe:not([hidden])');
+      await expectText(frames.getByText('Votre appareil est pret', { exact: true }), 'Votre appareil est pret', 'preview shown');
       assert.equal(edited.answer.record.recipientName, 'Lea Martin');
       assert.equal(edited.answer.html, edited.previewHtml, 'preview frame shows the rendered e-mail');
       assert.match(edited.previewHtml, /Votre appareil est pret/);

@@ -22,7 +22,7 @@ try {
   };
   const previewShown = async () => {
     const preview = page.waitForResponse((r) => r.url().endsWith('/api/velino-preview'));
-    await page.locator('#preview-frame').scrollIntoViewIfNeeded();
+    await page.locator('#preview-box').scrollIntoViewIfNeeded();
     await preview;
     await page.waitForTimeout(300); // the frame paints the new document
   };

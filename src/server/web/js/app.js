@@ -127,21 +127,35 @@ function showRendered(answer) {
   showPreviewWhenSeen();
 }
 
-// The e-mail is laid out in its frame only when the frame is on screen (or nearly): the
-// form above it is what a phone shows first.
+// The e-mail is laid out only when its frame is on screen (or nearly): the form above it is
+// what a phone shows first. Each preview goes into a new frame, which replaces the shown one
+// once loaded: posting into the same frame again would add a step to the back button.
 let previewPending = false;
 let previewSeen = false;
+let previewCount = 0;
 function showPreviewWhenSeen() {
   if (!previewPending || !previewSeen) return;
   previewPending = false;
+  const box = $('preview-box');
+  const frame = document.createElement('iframe');
+  frame.name = `preview-${++previewCount}`;
+  frame.title = 'Apercu du mail';
+  frame.setAttribute('sandbox', '');
+  if (box.firstElementChild) frame.hidden = true;
+  box.append(frame);
+  frame.addEventListener('load', () => {
+    for (const old of [...box.children]) if (old !== frame) old.remove();
+    frame.hidden = false;
+  }, { once: true });
   const previewForm = $('preview-form');
+  previewForm.target = frame.name;
   previewForm.elements.state.value = JSON.stringify({ activePreset: state.activePreset, data: state.data });
   previewForm.submit();
 }
 new IntersectionObserver((entries) => {
   previewSeen = entries.some((entry) => entry.isIntersecting);
   showPreviewWhenSeen();
-}, { rootMargin: '400px 0px' }).observe($('preview-frame'));
+}, { rootMargin: '400px 0px' }).observe($('preview-box'));
 
 async function renderNow(applyPreset) {
   const round = ++renderRound;
