@@ -68,14 +68,9 @@ void refuseAndClose(const HttpResponse &answer, httplib::Response &res) {
     exchange.closeAfterAnswer = true;
 }
 
-// Replaces the connection's socket by one whose peer is gone: the library's next read ends
-// at once, so the unread rest of a refused body is never taken for a next request.
-void dropConnection(const httplib::Request &req) {
-    int fd = req.ssl ? SSL_get_fd(req.ssl) : -1;
-    if (fd < 0)
-        fd = socketOfConnection(req.local_port, req.remote_addr, req.remote_port);
-    if (fd < 0)
-        return;
+// Replaces a connection's socket by one whose peer is gone: the library's next read ends at
+// once, so the unread rest of a refused body is never taken for a next request.
+void dropSocket(int fd) {
     int pair[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair) != 0) {
         shutdown(fd, SHUT_RDWR);
@@ -84,6 +79,48 @@ void dropConnection(const httplib::Request &req) {
     close(pair[1]);
     dup3(pair[0], fd, O_CLOEXEC);
     close(pair[0]);
+}
+
+void dropConnection(const httplib::Request &req) {
+    int fd = req.ssl ? SSL_get_fd(req.ssl) : -1;
+    if (fd < 0)
+        fd = socketOfConnection(req.local_port, req.remote_addr, req.remote_port);
+    if (fd >= 0)
+        dropSocket(fd);
+}
+
+// The library keeps a request line or header line in memory until its end, however long.
+// Over TLS every record passes through this callback on the connection's thread: a request
+// whose line and headers take more than kMaxHeadBytes loses its connection. (With
+// --plain-http the reverse proxy in front bounds the headers.)
+constexpr size_t kMaxHeadBytes = 64 * 1024;
+struct HeadGuard {
+    const SSL *ssl = nullptr;
+    size_t bytes = 0;
+    bool readingBody = false;
+};
+thread_local HeadGuard headGuard;
+
+void countTlsRecord(int writing, int, int contentType, const void *data, size_t length, SSL *ssl,
+                    void *) {
+    constexpr size_t kRecordHeaderBytes = 5;
+    if (writing || contentType != SSL3_RT_HEADER || length < kRecordHeaderBytes)
+        return;
+    if (headGuard.ssl != ssl)
+        headGuard = HeadGuard{ssl, 0, false};
+    const auto *header = static_cast<const unsigned char *>(data);
+    headGuard.bytes += size_t(header[3]) << 8 | header[4];
+    if (!headGuard.readingBody && headGuard.bytes > kMaxHeadBytes) {
+        const int fd = SSL_get_fd(ssl);
+        if (fd >= 0)
+            dropSocket(fd);
+        headGuard = HeadGuard{}; // a later connection may get the same SSL address
+    }
+}
+
+void startRequestHead() {
+    headGuard.bytes = 0;
+    headGuard.readingBody = false;
 }
 
 bool isChunked(const httplib::Request &req) {
@@ -138,6 +175,8 @@ bool HttpServer::bind(QString *error) {
         const QByteArray cert = QFile::encodeName(options_.tlsCertFile);
         const QByteArray key = QFile::encodeName(options_.tlsKeyFile);
         auto tls = std::make_unique<httplib::SSLServer>(cert.constData(), key.constData());
+        if (tls->is_valid())
+            SSL_CTX_set_msg_callback(tls->ssl_context(), countTlsRecord);
         if (!tls->is_valid() ||
             SSL_CTX_set_min_proto_version(tls->ssl_context(), TLS1_2_VERSION) != 1 ||
             SSL_CTX_set_max_proto_version(tls->ssl_context(), TLS1_3_VERSION) != 1) {
@@ -172,10 +211,29 @@ void HttpServer::install() {
     s.set_keep_alive_timeout(options_.keepAliveIdle.count());
     s.set_keep_alive_max_count(100000);
     s.set_tcp_nodelay(true);
+    // Not the library's SO_REUSEPORT: a second server on the same port must fail to start,
+    // not silently share the requests with the first.
+    s.set_socket_options([](int fd) {
+        const int on = 1;
+        setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    });
 
     s.set_pre_routing_handler([](const httplib::Request &, httplib::Response &) {
         exchange = ExchangeState{Clock::now(), true, false, false};
         return httplib::Server::HandlerResponse::Unhandled;
+    });
+
+    // A client that asks before sending its body learns at once that it is too large.
+    s.set_expect_100_continue_handler([this](const httplib::Request &req, httplib::Response &res) {
+        const std::optional<unsigned long long> length = declaredLength(req);
+        if (length && *length > static_cast<unsigned long long>(service_.maxBodyBytes())) {
+            exchange = ExchangeState{Clock::now(), true, false, false};
+            refuseAndClose(service_.bodyTooLarge(), res);
+            // Written by the library without its usual length header on this path.
+            res.set_header("Content-Length", std::to_string(res.body.size()));
+            return 413;
+        }
+        return 100;
     });
 
     auto serve = [this](const httplib::Request &req, httplib::Response &res) {
@@ -201,6 +259,7 @@ void HttpServer::install() {
             }
         }
         if (chunked || hasLength) {
+            headGuard.readingBody = true; // bounded by the cap below
             bool tooLarge = false;
             const bool complete = reader([&](const char *data, size_t size) {
                 if (request.body.size() + size > cap) {
@@ -259,6 +318,7 @@ void HttpServer::install() {
         service_.recordExchange(toHttpRequest(req), res.status, duration);
         const bool drop = exchange.closeAfterAnswer;
         exchange = ExchangeState{};
+        startRequestHead();
         if (drop) {
             dropConnection(req);
             exchange.dropped = true;

@@ -19,6 +19,9 @@ namespace {
 constexpr int kSchemaVersion = 1;
 constexpr int kBusyTimeoutMs = 10000;
 constexpr size_t kMaxBatch = 512;
+// Write-ahead log pages after which the checkpoint thread is woken (SQLite's own default).
+constexpr int kCheckpointPages = 1000;
+constexpr std::chrono::seconds kCheckpointEvery{2};
 // Per read connection; keeps the page caches of many request threads small.
 constexpr auto kReaderCachePragma = "PRAGMA cache_size=-256";
 
@@ -134,9 +137,13 @@ SqliteSlotStore::~SqliteSlotStore() {
         stopping_ = true;
     }
     queueChanged_.notify_all();
+    checkpointWanted_.notify_all();
     if (writerThread_.joinable())
         writerThread_.join();
+    if (checkpointThread_.joinable())
+        checkpointThread_.join();
     idleReaders_.clear();
+    sqlite3_close(checkpointer_);
     sqlite3_close(writer_);
 }
 
@@ -151,13 +158,50 @@ bool SqliteSlotStore::open() {
     // FULL: every commit flushes the write-ahead log, so an answered PUT survives a crash of
     // the process or of the machine.
     if (!execute(db, "PRAGMA journal_mode=WAL") || !execute(db, "PRAGMA synchronous=FULL") ||
-        !createOrUpgradeSchema(db)) {
+        !execute(db, "PRAGMA wal_autocheckpoint=0") ||
+        !execute(db, "PRAGMA journal_size_limit=67108864") || !createOrUpgradeSchema(db)) {
+        sqlite3_close(db);
+        return false;
+    }
+    sqlite3 *checkpointer = openConnection(path_, SQLITE_OPEN_READWRITE);
+    if (!checkpointer || !execute(checkpointer, "PRAGMA synchronous=FULL")) {
+        sqlite3_close(checkpointer);
         sqlite3_close(db);
         return false;
     }
     writer_ = db;
+    checkpointer_ = checkpointer;
+    sqlite3_wal_hook(writer_, &SqliteSlotStore::walGrew, this);
     writerThread_ = std::thread([this] { writeLoop(); });
+    checkpointThread_ = std::thread([this] { checkpointLoop(); });
     return true;
+}
+
+int SqliteSlotStore::walGrew(void *self, sqlite3 *, const char *, int pages) {
+    if (pages >= kCheckpointPages) {
+        auto *store = static_cast<SqliteSlotStore *>(self);
+        {
+            std::lock_guard lock(store->queueMutex_);
+            store->walLarge_ = true;
+        }
+        store->checkpointWanted_.notify_one();
+    }
+    return SQLITE_OK;
+}
+
+// Passive checkpoints never wait for the writer nor hold it up; the log starts over from its
+// beginning once a checkpoint has copied all of it.
+void SqliteSlotStore::checkpointLoop() {
+    std::unique_lock lock(queueMutex_);
+    while (!stopping_) {
+        checkpointWanted_.wait_for(lock, kCheckpointEvery,
+                                   [this] { return stopping_ || walLarge_; });
+        walLarge_ = false;
+        lock.unlock();
+        sqlite3_wal_checkpoint_v2(checkpointer_, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr,
+                                  nullptr);
+        lock.lock();
+    }
 }
 
 SlotStore::Status SqliteSlotStore::put(const QByteArray &key, const StoredSlot &slot) {

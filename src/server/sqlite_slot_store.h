@@ -17,8 +17,9 @@ namespace velino::server {
 
 // Slots in one SQLite file (WAL journal, synchronous=FULL). Writes go through one writer
 // thread that commits whatever PUTs are waiting in one transaction (group commit), so many
-// writers share one fsync; a PUT returns once its transaction is on disk. Reads use a small
-// pool of read-only connections and run beside the writer.
+// writers share one fsync; a PUT returns once its transaction is on disk. Checkpoints (the
+// log copied into the database file) run on a thread of their own, beside the commits
+// instead of in their way. Reads use a pool of read-only connections, beside the writer.
 class SqliteSlotStore : public SlotStore {
 public:
     explicit SqliteSlotStore(const QString &path);
@@ -36,6 +37,8 @@ private:
     class ReadConnection;
 
     void writeLoop();
+    void checkpointLoop();
+    static int walGrew(void *self, sqlite3 *db, const char *name, int pages);
     bool commitBatch(const std::vector<std::shared_ptr<PendingWrite>> &batch);
     std::unique_ptr<ReadConnection> takeReader();
     void returnReader(std::unique_ptr<ReadConnection> reader);
@@ -50,6 +53,11 @@ private:
     std::deque<std::shared_ptr<PendingWrite>> queue_;
     bool stopping_ = false;
     std::thread writerThread_;
+
+    sqlite3 *checkpointer_ = nullptr;
+    std::condition_variable checkpointWanted_;
+    bool walLarge_ = false;
+    std::thread checkpointThread_;
 
     std::mutex readersMutex_;
     std::vector<std::unique_ptr<ReadConnection>> idleReaders_;

@@ -158,3 +158,25 @@ TEST(SyncServerProgramTest, RefusesToStartWithoutAWayToProtectConnections) {
 }
 
 } // namespace
+
+namespace {
+
+TEST(SyncServerProgramTest, SecondServerOnTheSamePortRefusesToStart) {
+    QTemporaryDir folder;
+    SyncServerProcess first;
+    QString error;
+    ASSERT_TRUE(first.start({QStringLiteral("--plain-http"), QStringLiteral("--database"),
+                             QStringLiteral("sqlite:") + folder.filePath(QStringLiteral("a.db"))},
+                            &error))
+        << error.toStdString();
+    const ProgramRun second = runSyncServer(
+        {QStringLiteral("--plain-http"), QStringLiteral("--listen"),
+         QStringLiteral("127.0.0.1:%1").arg(first.port()), QStringLiteral("--database"),
+         QStringLiteral("sqlite:") + folder.filePath(QStringLiteral("b.db"))});
+    EXPECT_EQ(second.exitCode, 1);
+    EXPECT_TRUE(second.errorOutput.contains(QStringLiteral("Impossible d'ecouter sur 127.0.0.1:")))
+        << second.errorOutput.toStdString();
+    EXPECT_EQ(first.terminate(), 0);
+}
+
+} // namespace

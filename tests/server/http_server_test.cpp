@@ -93,6 +93,17 @@ TEST_F(HttpServerTest, DeclaredOversizedBodyIsRefusedBeforeItIsSent) {
     EXPECT_EQ(store->count(), 0);
 }
 
+TEST_F(HttpServerTest, OversizedBodyIsRefusedInsteadOfContinue) {
+    RawHttpConnection connection(port());
+    ASSERT_TRUE(connection.send(
+        putHead("Expect: 100-continue\r\nContent-Length: " + std::to_string(kCap + 1) + "\r\n")));
+    const auto answer = connection.readAnswer(5s);
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->status, 413);
+    EXPECT_EQ(errorText(answer->body), QString::fromUtf8(texts::kBodyTooLarge).arg(kCap));
+    EXPECT_TRUE(connection.closedWithin(5s));
+}
+
 TEST_F(HttpServerTest, ChunkedBodyIsRefusedOncePastTheCap) {
     RawHttpConnection connection(port());
     ASSERT_TRUE(connection.send(putHead("Transfer-Encoding: chunked\r\n")));

@@ -85,3 +85,41 @@ TEST(SyncServerKillTest, AnsweredPutsSurviveKillNine) {
 }
 
 } // namespace
+
+namespace {
+
+// SIGTERM while a PUT is half sent: the PUT is still answered and stored, then the program
+// exits 0.
+TEST(SyncServerStopTest, SigtermFinishesTheRequestUnderWay) {
+    QTemporaryDir folder;
+    const QStringList arguments{QStringLiteral("--plain-http"), QStringLiteral("--database"),
+                                QStringLiteral("sqlite:") +
+                                    folder.filePath(QStringLiteral("sync.db"))};
+    SyncServerProcess server;
+    QString error;
+    ASSERT_TRUE(server.start(arguments, &error)) << error.toStdString();
+    const std::string body = encodeSyncRecord(defaultUpload()).toStdString();
+    RawHttpConnection connection(server.port());
+    ASSERT_TRUE(connection.send("PUT /api/velino-sync HTTP/1.1\r\nHost: 127.0.0.1\r\n"
+                                "Content-Length: " +
+                                std::to_string(body.size()) + "\r\n\r\n" + body.substr(0, 100)));
+    std::this_thread::sleep_for(300ms); // the server is reading the body now
+
+    server.sendTerminate();
+    EXPECT_EQ(server.waitForExit(300), -1) << "exited with a request under way";
+    ASSERT_TRUE(connection.send(body.substr(100)));
+    const auto answer = connection.readAnswer(10s);
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->status, 200) << answer->body;
+    EXPECT_EQ(server.waitForExit(), 0);
+
+    SyncServerProcess restarted;
+    ASSERT_TRUE(restarted.start(arguments, &error)) << error.toStdString();
+    const auto stored =
+        rawRequest(restarted.port(), "GET", "/api/velino-sync?code=" + std::string(kCode));
+    ASSERT_TRUE(stored);
+    EXPECT_EQ(stored->status, 200);
+    EXPECT_EQ(restarted.terminate(), 0);
+}
+
+} // namespace

@@ -57,7 +57,15 @@ void SyncServerProcess::killHard() {
 }
 
 int SyncServerProcess::terminate(int timeoutMs) {
+    sendTerminate();
+    return waitForExit(timeoutMs);
+}
+
+void SyncServerProcess::sendTerminate() {
     ::kill(pid_t(process_.processId()), SIGTERM);
+}
+
+int SyncServerProcess::waitForExit(int timeoutMs) {
     if (!process_.waitForFinished(timeoutMs) || process_.exitStatus() != QProcess::NormalExit)
         return -1;
     return process_.exitCode();

@@ -22,6 +22,8 @@ public:
     void killHard();
     // SIGTERM, then the exit code, or -1 when it does not exit normally in time.
     int terminate(int timeoutMs = 10000);
+    void sendTerminate();
+    int waitForExit(int timeoutMs = 10000);
     // Everything the program wrote on its standard error so far.
     QByteArray errorOutput();
 

@@ -1,0 +1,115 @@
+#include "http_server.h"
+#include "https_test_server.h"
+#include "sqlite_slot_store.h"
+
+#include <QFile>
+#include <QSslConfiguration>
+#include <QSslSocket>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+using namespace velino::server;
+using namespace velino::test;
+
+namespace {
+
+bool writeFile(const QString &path, const QByteArray &bytes) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+// The HTTP layer over TLS, with a certificate made by openssl for this run.
+class HttpsServerTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        QString error;
+        identity = TestTlsIdentity::generate(&error);
+        ASSERT_TRUE(identity) << error.toStdString();
+        ASSERT_TRUE(folder.isValid());
+        HttpServerOptions options;
+        options.port = 0;
+        options.tlsCertFile = folder.filePath(QStringLiteral("server.crt"));
+        options.tlsKeyFile = folder.filePath(QStringLiteral("server.key"));
+        options.threads = 4;
+        ASSERT_TRUE(writeFile(options.tlsCertFile, identity->serverCertificate.toPem()));
+        ASSERT_TRUE(writeFile(options.tlsKeyFile, identity->serverKey.toPem()));
+        store = std::make_unique<SqliteSlotStore>(folder.filePath(QStringLiteral("sync.db")));
+        ASSERT_TRUE(store->open());
+        SyncServiceConfig config;
+        config.log = [](const std::string &) {};
+        service = std::make_unique<SyncService>(*store, config);
+        server = std::make_unique<HttpServer>(*service, options);
+        ASSERT_TRUE(server->bind(&error)) << error.toStdString();
+        runner = std::thread([this] { server->run(); });
+    }
+
+    void TearDown() override {
+        if (server)
+            server->stop();
+        if (runner.joinable())
+            runner.join();
+    }
+
+    // A client socket trusting this run's authority, connected and encrypted.
+    std::unique_ptr<QSslSocket> connect(QSsl::SslProtocol protocol = QSsl::SecureProtocols) {
+        auto socket = std::make_unique<QSslSocket>();
+        QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+        tls.setCaCertificates({identity->caCertificate});
+        tls.setProtocol(protocol);
+        socket->setSslConfiguration(tls);
+        socket->connectToHostEncrypted(QStringLiteral("127.0.0.1"), quint16(server->port()));
+        socket->waitForEncrypted(5000);
+        return socket;
+    }
+
+    static QByteArray answerOf(QSslSocket &socket) {
+        QByteArray answer;
+        while (!answer.contains("\r\n\r\nok") && socket.waitForReadyRead(5000))
+            answer += socket.readAll();
+        return answer;
+    }
+
+    std::optional<TestTlsIdentity> identity;
+    QTemporaryDir folder;
+    std::unique_ptr<SqliteSlotStore> store;
+    std::unique_ptr<SyncService> service;
+    std::unique_ptr<HttpServer> server;
+    std::thread runner;
+};
+
+TEST_F(HttpsServerTest, SpeaksTls12And13OverKeptAliveConnections) {
+    for (const QSsl::SslProtocol protocol : {QSsl::TlsV1_2, QSsl::TlsV1_3}) {
+        auto socket = connect(protocol);
+        ASSERT_TRUE(socket->isEncrypted()) << socket->errorString().toStdString();
+        EXPECT_EQ(socket->sessionProtocol(), protocol);
+        for (int round = 0; round < 2; ++round) {
+            socket->write("GET /healthz HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
+            EXPECT_TRUE(answerOf(*socket).startsWith("HTTP/1.1 200 OK")) << round;
+        }
+    }
+}
+
+TEST_F(HttpsServerTest, EndlessHeaderLineLosesTheConnection) {
+    auto socket = connect();
+    ASSERT_TRUE(socket->isEncrypted()) << socket->errorString().toStdString();
+    socket->write("GET /healthz HTTP/1.1\r\nHost: 127.0.0.1\r\nX-Long: ");
+    const QByteArray chunk(64 * 1024, 'a');
+    int sent = 0;
+    // 64 MiB would be held in the server's memory if it kept reading.
+    while (sent < 1024 && socket->state() == QAbstractSocket::ConnectedState) {
+        socket->write(chunk);
+        socket->waitForBytesWritten(2000);
+        ++sent;
+    }
+    EXPECT_LT(sent, 1024);
+    // Ordinary requests with several kilobytes of headers still pass.
+    auto other = connect();
+    other->write("GET /healthz HTTP/1.1\r\nHost: 127.0.0.1\r\nX-Pad: " + QByteArray(6000, 'b') +
+                 "\r\n\r\n");
+    EXPECT_TRUE(answerOf(*other).startsWith("HTTP/1.1 200 OK"));
+}
+
+} // namespace
