@@ -135,6 +135,7 @@ describe('phone page', () => {
         await field(second, 'Code prive a saisir').fill(typed);
         await button(second, 'Utiliser ce code').tap();
         assert.equal(await field(second, 'Code prive a saisir').inputValue(), kept);
+        if (kept === 'ABC') await expectText(alertWith(second, texts.tooShort), texts.tooShort, 'short code');
       }
       await expectText(codeShown(second), 'AB12-CD34EF56GH78', 'typed code');
 
