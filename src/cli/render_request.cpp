@@ -2,9 +2,8 @@
 
 #include "json_reader.h"
 #include "mail_template_context.h"
-#include "suggested_file_name.h"
+#include "rendered_mail_json.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -70,25 +69,6 @@ MailComposerData decodeRenderInput(const QByteArray &bytes) {
     return *record;
 }
 
-namespace {
-
-QJsonObject renderedJson(const MailTemplateContext &context) {
-    QJsonArray checklist;
-    for (const ChecklistItem &item : context.checklist())
-        checklist.append(
-            QJsonObject{{QStringLiteral("ok"), item.ok}, {QStringLiteral("text"), item.text}});
-    return QJsonObject{
-        {QStringLiteral("html"), context.htmlDocument()},
-        {QStringLiteral("text"), context.plainText()},
-        {QStringLiteral("subject"), context.subject},
-        {QStringLiteral("checklist"), checklist},
-        {QStringLiteral("formatStatus"), context.formatStatus()},
-        {QStringLiteral("detailsCount"), static_cast<qint64>(context.detailsCount())},
-        {QStringLiteral("fileName"), suggestedFileName(context.subject)},
-    };
-}
-
-} // namespace
 
 QByteArray renderOutput(const RenderOptions &options, MailComposerData record) {
     if (options.repair)
@@ -105,7 +85,7 @@ QByteArray renderOutput(const RenderOptions &options, MailComposerData record) {
         return context.plainText().toUtf8();
     if (options.format == u"subject")
         return context.subject.toUtf8();
-    return QJsonDocument(renderedJson(context)).toJson(QJsonDocument::Compact) + '\n';
+    return QJsonDocument(renderedMailJson(context)).toJson(QJsonDocument::Compact) + '\n';
 }
 
 } // namespace velino::cli

@@ -2,6 +2,7 @@
 
 #include "connection_lookup.h"
 #include "sync_texts.h"
+#include "web_headers.h"
 
 #include <QFile>
 
@@ -55,7 +56,10 @@ HttpRequest toHttpRequest(const httplib::Request &in) {
     return out;
 }
 
-void writeAnswer(const HttpResponse &answer, httplib::Response &res) {
+// Every answer, also the refusals made here before the service is asked, carries the
+// security headers.
+void writeAnswer(HttpResponse answer, httplib::Response &res) {
+    addSecurityHeaders(answer);
     res.status = answer.status;
     for (const auto &[name, value] : answer.headers)
         res.set_header(name, value);

@@ -1,8 +1,11 @@
 #include "sync_service.h"
 
+#include "render_service.h"
 #include "sync_code.h"
 #include "sync_records.h"
 #include "sync_texts.h"
+#include "web_files.h"
+#include "web_headers.h"
 
 #include <cstdio>
 
@@ -102,11 +105,23 @@ void SyncService::recordExchange(const HttpRequest &request, int status,
 }
 
 HttpResponse SyncService::handle(const HttpRequest &request) {
+    HttpResponse response = route(request);
+    addSecurityHeaders(response);
+    return response;
+}
+
+HttpResponse SyncService::route(const HttpRequest &request) {
     const std::string client = clientAddressOf(request);
     if (!requestLimiter_.take(client))
         return errorResponse(429, QString::fromUtf8(texts::kTooManyRequests));
     if (request.path == "/api/velino-sync")
         return handleSync(request, client);
+    if (request.path == "/api/velino-render")
+        return request.method == "POST" ? renderAnswer(request) : methodNotAllowed("POST");
+    if (request.path == "/api/velino-preview")
+        return request.method == "POST" ? previewAnswer(request) : methodNotAllowed("POST");
+    if (std::optional<HttpResponse> file = webFile(request.path))
+        return isReading(request) ? *file : methodNotAllowed("GET, HEAD");
     if (request.path == "/photos/velino-logo.png")
         return logo(request);
     if (request.path == "/healthz")

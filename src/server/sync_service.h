@@ -26,9 +26,10 @@ struct SyncServiceConfig {
     std::function<void(const std::string &)> log; // one line per request; standard error when empty
 };
 
-// The sync service's answers: /api/velino-sync (PUT and GET), the logo, /healthz and
-// /metrics. Every refusal is a JSON error record with a French sentence. Safe to call from
-// several request threads at once.
+// The sync service's answers: /api/velino-sync (PUT and GET), the phone page with its
+// rendering (/velino.html, /api/velino-render, /api/velino-preview), the logo, /healthz and
+// /metrics. Every answer carries the security headers of web_headers.h. Every refusal is a JSON
+// error record with a French sentence. Safe to call from several request threads at once.
 class SyncService {
 public:
     SyncService(SlotStore &store, SyncServiceConfig config);
@@ -49,6 +50,7 @@ public:
     static HttpResponse errorResponse(int status, const QString &message);
 
 private:
+    HttpResponse route(const HttpRequest &request);
     HttpResponse handleSync(const HttpRequest &request, const std::string &client);
     HttpResponse putSlot(const HttpRequest &request);
     HttpResponse getSlot(const HttpRequest &request, const std::string &client);

@@ -50,6 +50,7 @@ TEST(VelinoRender, JsonOutputOfTheDefaultRecord) {
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     const QJsonObject out = QJsonDocument::fromJson(run.out).object();
     EXPECT_EQ(out.value("html").toString().toUtf8(), test::readTestData("default_email.html"));
+    EXPECT_EQ(out.value("htmlBytes").toInteger(), test::readTestData("default_email.html").size());
     EXPECT_EQ(out.value("text").toString().toUtf8(), test::readTestData("default_email.txt"));
     EXPECT_EQ(out.value("subject").toString(), "Votre devis Korvel est pret");
     EXPECT_EQ(out.value("formatStatus").toString(), "Pret a envoyer");
