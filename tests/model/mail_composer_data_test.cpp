@@ -123,14 +123,6 @@ TEST(ApplyPreset, DevisChangesOnlyThreeFieldsOfTheDefaultRecord) {
     EXPECT_EQ(changed, QStringList({"preheader", "ctaLabel", "closingNote"}));
 }
 
-TEST(ApplyPreset, PretWritesTheSameSubjectAndTitle) {
-    MailComposerData d = MailComposerData::blank();
-    d.applyPreset(PresetKind::Pret);
-    EXPECT_EQ(d.subject, "Votre appareil est pret");
-    EXPECT_EQ(d.mailTitle, d.subject);
-    EXPECT_EQ(d.highlight, QString::fromUtf16(u"Appareil pret \u00B7 Retrait a l'atelier"));
-}
-
 TEST(PresetKind, IdentifiersAreExactAndCaseSensitive) {
     EXPECT_EQ(presetKindFromId(u"relance"), PresetKind::Relance);
     EXPECT_FALSE(presetKindFromId(u"Relance").has_value());

@@ -1,4 +1,5 @@
 #include "identifiers.h"
+#include "preset_names.h"
 #include "store_fixture.h"
 
 #include <QJsonArray>
@@ -206,4 +207,25 @@ TEST_F(StoreTest, EqualUpdateTimesKeepTheirOrder) {
     store->setCustomPresetDraftName("B");
     store->saveAsNewCustomPreset(); // same instant: goes after A
     EXPECT_EQ(namesOf(*store), QStringList({"A", "B"}));
+}
+
+// Presets saved within the same instant keep their library order: the sort must be stable,
+// which small libraries do not show (libstdc++ sorts up to 16 entries by insertion).
+TEST(SortNewestFirst, KeepsTheOrderOfPresetsWithEqualTimestamps) {
+    QList<CustomMailPreset> library;
+    QStringList expected[2];
+    for (int i = 0; i < 40; ++i) {
+        CustomMailPreset preset;
+        preset.id = QUuid::createUuid();
+        preset.name = QString::number(i);
+        const bool newer = i % 5 == 0;
+        preset.updatedAt = Instant{newer ? 200.0 : 100.0};
+        expected[newer ? 0 : 1].append(preset.name);
+        library.append(preset);
+    }
+    sortNewestFirst(library);
+    QStringList names;
+    for (const CustomMailPreset &preset : library)
+        names.append(preset.name);
+    EXPECT_EQ(names, expected[0] + expected[1]);
 }

@@ -12,9 +12,12 @@ using velino::test::StoreTest;
 // A child process saves in a loop and is killed with SIGKILL at random moments; each time
 // the file on disk must hold one complete saved state.
 TEST_F(StoreTest, SavesSurviveAKillAtAnyMoment) {
-    QRandomGenerator random(QRandomGenerator::global()->generate());
-    int complete = 0;
+    const quint32 seed = QRandomGenerator::global()->generate();
+    SCOPED_TRACE(testing::Message() << "kill delays drawn with seed " << seed);
+    QRandomGenerator random(seed);
+    int roundsThatSaved = 0;
     for (int round = 0; round < 30; ++round) {
+        const QByteArray before = savedBytes();
         QProcess writer;
         writer.start(QStringLiteral(VELINO_STORE_WRITER_BINARY), {configFolder(), dataFolder()});
         ASSERT_TRUE(writer.waitForStarted());
@@ -31,7 +34,9 @@ TEST_F(StoreTest, SavesSurviveAKillAtAnyMoment) {
         const auto payload = SavedPayload::fromJson(savedBytes(), &error);
         ASSERT_TRUE(payload.has_value()) << "round " << round << ": " << error.toStdString();
         EXPECT_NE(payload->preset, PresetKind::Pret);
-        ++complete;
+        if (savedBytes() != before)
+            ++roundsThatSaved;
     }
-    EXPECT_EQ(complete, 30);
+    // Kills that always came before the first save would prove nothing.
+    EXPECT_GT(roundsThatSaved, 10);
 }

@@ -4,7 +4,6 @@
 
 #include <QFile>
 #include <QJsonArray>
-#include <QRandomGenerator>
 
 using namespace velino;
 using velino::test::StoreTest;
@@ -160,29 +159,6 @@ INSTANTIATE_TEST_SUITE_P(Cases, UnreadableDocument,
                                            "data without footerNote", "date string",
                                            "bad active id", "malformed preset",
                                            "preset not an object"));
-
-TEST_F(StoreTest, GarbageOfEveryShapeNeverCrashesTheLoad) {
-    const QByteArray valid = SavedPayload{}.toJson();
-    QRandomGenerator random(7);
-    QList<QByteArray> values = {
-        QByteArray(),
-        valid.left(valid.size() / 2),                      // truncated
-        QByteArray(100000, '[') + QByteArray(100000, ']'), // deeply nested
-        QByteArray("{\"preset\":\"devis\",\"data\":") + QByteArray(100000, '{'),
-    };
-    for (int i = 0; i < 5; ++i) {
-        QByteArray noise(random.bounded(1, 5000), '\0');
-        for (char &c : noise)
-            c = static_cast<char>(random.bounded(256));
-        values.append(noise);
-    }
-    for (const QByteArray &value : values) {
-        writeSaved(value);
-        const auto store = makeStore();
-        EXPECT_TRUE(store->data() == MailComposerData::defaultRecord());
-        EXPECT_EQ(savedDocument().value("preset").toString(), "devis");
-    }
-}
 
 TEST_F(StoreTest, LargeDocumentIsReadWhole) {
     // About 50 MB: one valid document with a very long footer and many presets.
