@@ -37,6 +37,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     response.statusCode = 400 + static_cast<int>(size % 200);
     response.body = bytes;
     const std::optional<VelinoError> refusal = validateSyncResponse(response);
-    FUZZ_CHECK(refusal.has_value() && !refusal->description.isEmpty(), "a refusal has a message");
+    // The service's own text as it is, even empty; the fixed sentence when there is none.
+    QString error;
+    const std::optional<VelinoSyncErrorResponse> record =
+        decodeSyncRecord<VelinoSyncErrorResponse>(bytes, &error);
+    FUZZ_CHECK(refusal.has_value() &&
+                   refusal->description ==
+                       (record ? record->error : QStringLiteral("Synchronisation impossible.")),
+               "a refusal shows the service's text or the fixed sentence");
     return 0;
 }

@@ -3,7 +3,9 @@
 #include "json_syntax.h"
 
 #include <QJsonDocument>
+
 #include <QJsonParseError>
+#include <algorithm>
 
 namespace velino {
 
@@ -78,8 +80,27 @@ QJsonValue JsonReader::required(QStringView key, QJsonValue::Type type, const ch
     return v;
 }
 
+namespace {
+
+// A "\uD800"-style escape without its other half has no UTF-8 form: it reads as U+FFFD, as
+// JsonWriter writes it, so that a document read and written again says the same.
+QString withoutLoneSurrogates(QString text) {
+    const auto isSurrogate = [](QChar c) { return c.isSurrogate(); };
+    if (std::none_of(text.cbegin(), text.cend(), isSurrogate))
+        return text;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate())
+            ++i;
+        else if (text[i].isSurrogate())
+            text[i] = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
+} // namespace
+
 QString JsonReader::string(QStringView key) {
-    return required(key, QJsonValue::String, "texte").toString();
+    return withoutLoneSurrogates(required(key, QJsonValue::String, "texte").toString());
 }
 
 bool JsonReader::boolean(QStringView key) {

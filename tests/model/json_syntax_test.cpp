@@ -77,6 +77,15 @@ TEST(JsonSyntax, AcceptsWhatRfc8259AcceptsAsQtReadsIt) {
                     .endsWith("imbrication trop profonde"));
 }
 
+TEST(JsonReader, LoneSurrogateEscapesReadAsTheReplacementCharacter) {
+    QString error;
+    const std::optional<QJsonObject> object =
+        parseJsonObject(R"({"a":"x\ud800y\udd13\ud83d\ude00"})", &error);
+    ASSERT_TRUE(object) << error.toStdString();
+    JsonReader reader(*object, QString(), &error);
+    EXPECT_EQ(reader.string(u"a"), QString::fromUtf16(u"x\uFFFDy\uFFFD\U0001F600"));
+}
+
 // Mutations of a real document: whatever the check lets through, Qt's parser reads too,
 // so the object model is only ever built from a document the check has vouched for.
 TEST(JsonSyntax, NeverLetsThroughWhatQtRefuses) {
