@@ -32,7 +32,7 @@ class PreviewMode : public QObject {
 
 public:
     enum Mode {
-        Desktop,  // "Bureau": the e-mail as the spec draws it, the default
+        Desktop,  // "Bureau": the e-mail as it is, the default
         Phone,    // "Telephone": laid out 375 CSS pixels wide
         Dark,     // "Sombre": as a client that forces dark mode shows it
         NoImages, // "Sans images": remote images blocked
