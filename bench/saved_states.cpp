@@ -12,6 +12,15 @@ namespace {
 
 constexpr qsizetype kFourMegabytes = 4 * 1000 * 1000;
 
+SavedPayload bodyOf(QString body) {
+    SavedPayload payload;
+    payload.data = MailComposerData::defaultRecord();
+    payload.data.mailBody = std::move(body);
+    return payload;
+}
+
+} // namespace
+
 // Words and blanks up to `size` characters; with `lineLength` > 0, a line break ends every
 // line of that many characters.
 QString longText(qsizetype size, qsizetype lineLength) {
@@ -31,15 +40,6 @@ QString longText(qsizetype size, qsizetype lineLength) {
     }
     return text;
 }
-
-SavedPayload bodyOf(QString body) {
-    SavedPayload payload;
-    payload.data = MailComposerData::defaultRecord();
-    payload.data.mailBody = std::move(body);
-    return payload;
-}
-
-} // namespace
 
 SavedPayload libraryOf1000Presets() {
     SavedPayload payload;

@@ -9,6 +9,10 @@
 // program would find them.
 namespace velino::bench {
 
+// Words and blanks up to `size` characters; with `lineLength` > 0, a line break ends every
+// line of that many characters. The long texts of the benchmark and of the window tests.
+QString longText(qsizetype size, qsizetype lineLength);
+
 // The default record and 1,000 saved presets of the four kinds, updated in a mixed order.
 SavedPayload libraryOf1000Presets();
 

@@ -3,6 +3,7 @@
 #include "qt_services.h"
 #include "qt_state_storage.h"
 #include "saved_payload.h"
+#include "saved_states.h"
 #include "scene_graph_backend.h"
 
 #include <QClipboard>
@@ -77,24 +78,9 @@ public:
         return saveState(payload);
     }
 
-    // `length` characters of words and blanks; with lineLength > 0, a line break ends
-    // every line of that many characters.
+    // `length` characters of words and blanks (see bench/saved_states.h).
     Q_INVOKABLE QString longText(int length, int lineLength) const {
-        static const QString words = QStringLiteral("ecran batterie clavier reparation devis ");
-        QString text;
-        text.reserve(length);
-        qsizetype column = 0;
-        qsizetype next = 0;
-        while (text.size() < length) {
-            if (lineLength > 0 && column == lineLength - 1) {
-                text += QLatin1Char('\n');
-                column = 0;
-                continue;
-            }
-            text += words[next++ % words.size()];
-            ++column;
-        }
-        return text;
+        return velino::bench::longText(length, lineLength);
     }
 
     Q_INVOKABLE void setEnvironment(const QString &name, const QString &value) const {
