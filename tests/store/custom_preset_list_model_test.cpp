@@ -65,12 +65,6 @@ protected:
             names << model.index(row).data(CustomPresetListModel::NameRole).toString();
         return names;
     }
-    static QStringList storeNames(const ComposerStore &store) {
-        QStringList names;
-        for (const CustomMailPreset &preset : store.customPresets())
-            names << preset.name;
-        return names;
-    }
     static int activeRow(const CustomPresetListModel &model) {
         int found = -1;
         for (int row = 0; row < model.rowCount(); ++row) {
@@ -142,7 +136,7 @@ TEST_F(CustomPresetListModelTest, EachOperationAnnouncesOnlyTheRowsItTouches) {
         clock->advance(60);
         c.operation(*store);
         EXPECT_EQ(log.entries, c.signalsSent);
-        EXPECT_EQ(shownNames(model), storeNames(*store));
+        EXPECT_EQ(shownNames(model), presetNames(*store));
         EXPECT_EQ(activeRow(model), c.activeRowAfter);
     }
 }

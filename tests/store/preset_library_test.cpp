@@ -7,17 +7,6 @@
 using namespace velino;
 using velino::test::StoreTest;
 
-namespace {
-
-QStringList namesOf(const ComposerStore &store) {
-    QStringList names;
-    for (const CustomMailPreset &preset : store.customPresets())
-        names << preset.name;
-    return names;
-}
-
-} // namespace
-
 TEST_F(StoreTest, SaveAsNewNormalisesTheNameAndMakesThePresetActive) {
     const auto store = makeStore();
     store->setActivePreset(PresetKind::Rdv);
@@ -63,7 +52,7 @@ TEST_F(StoreTest, NamesStayUniqueIgnoringCaseAndSpacing) {
         store->saveAsNewCustomPreset();
         clock->advance(1);
     }
-    EXPECT_EQ(namesOf(*store),
+    EXPECT_EQ(presetNames(*store),
               QStringList({"DEVIS ATELIER 3", "devis Atelier 2", "Devis atelier"}));
 
     // A name that only a numbered candidate blocks is kept as it is.
@@ -96,7 +85,7 @@ TEST_F(StoreTest, UpdateKeepsItsOwnNameAndMovesThePresetFirst) {
     store->loadCustomPreset(store->customPresets().last()); // "Premier"
     store->setDataField("footerNote", "Pied mis a jour");
     store->updateActiveCustomPreset();
-    EXPECT_EQ(namesOf(*store), QStringList({"Premier", "Second"}));
+    EXPECT_EQ(presetNames(*store), QStringList({"Premier", "Second"}));
     EXPECT_EQ(store->customPresets().first().data.footerNote, "Pied mis a jour");
     EXPECT_EQ(store->customPresets().first().updatedAt, clock->now());
     EXPECT_LT(store->customPresets().first().createdAt, clock->now());
@@ -206,7 +195,7 @@ TEST_F(StoreTest, EqualUpdateTimesKeepTheirOrder) {
     store->saveAsNewCustomPreset();
     store->setCustomPresetDraftName("B");
     store->saveAsNewCustomPreset(); // same instant: goes after A
-    EXPECT_EQ(namesOf(*store), QStringList({"A", "B"}));
+    EXPECT_EQ(presetNames(*store), QStringList({"A", "B"}));
 }
 
 // Presets saved within the same instant keep their library order: the sort must be stable,

@@ -73,6 +73,13 @@ protected:
         return s;
     }
 
+    static QStringList presetNames(const ComposerStore &store) {
+        QStringList names;
+        for (const CustomMailPreset &preset : store.customPresets())
+            names << preset.name;
+        return names;
+    }
+
     std::unique_ptr<ComposerStore> makeStore() {
         return std::make_unique<ComposerStore>(services());
     }
@@ -83,6 +90,7 @@ protected:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
     QJsonObject savedDocument() const { return QJsonDocument::fromJson(savedBytes()).object(); }
+    QString savedSubject() const { return savedDocument()[u"data"][u"subject"].toString(); }
     QString savedSyncCode() const {
         return QSettings(settingsPath(), QSettings::IniFormat)
             .value(ComposerStore::kSyncCodeKey)

@@ -79,10 +79,7 @@ TEST_F(StoreTest, ValidDocumentIsLoadedRepairedAndSortedNewestFirst) {
     EXPECT_EQ(store->activePreset(), PresetKind::Pret);
     EXPECT_EQ(store->data().highlight, kCurrentHighlight);
     EXPECT_EQ(store->data().subject, "Votre iPhone est pret");
-    QStringList names;
-    for (const CustomMailPreset &preset : store->customPresets())
-        names << preset.name;
-    EXPECT_EQ(names, QStringList({"Trente", "Vingt", "Vingt bis", "Dix"}));
+    EXPECT_EQ(presetNames(*store), QStringList({"Trente", "Vingt", "Vingt bis", "Dix"}));
     EXPECT_EQ(store->customPresets()[1].data.highlight, kCurrentHighlight);
     EXPECT_EQ(store->customPresets()[1].createdAt.sinceReference, 5.0);
     EXPECT_EQ(uuidText(*store->activeCustomPresetID()), c);
@@ -196,6 +193,5 @@ TEST_F(StoreTest, UnwritableDocumentIsReportedAndTheStoreKeepsWorking) {
     unblockDataFolder();
     store->applyPreset(PresetKind::Rdv);
     EXPECT_EQ(store->saveStatus(), QString::fromUtf16(u"Sauvegarde locale active \u00B7 14:07"));
-    EXPECT_EQ(savedDocument().value("data").toObject().value("subject").toString(),
-              "Confirmation de votre rendez-vous");
+    EXPECT_EQ(savedSubject(), "Confirmation de votre rendez-vous");
 }

@@ -34,12 +34,10 @@ protected:
         EXPECT_EQ(store.data().mailBody,
                   QString::fromUtf16(u"Ligne 1\nLigne \"2\" avec \\ une barre, un = et "
                                      u"\u00e9t\u00e9 \U0001F600\r\nfin"));
-        QStringList names;
-        for (const CustomMailPreset &preset : store.customPresets())
-            names << preset.name;
-        EXPECT_EQ(names, QStringList({"Relance \"douce\", 2e = ok",
-                                      QString::fromUtf16(u"Pret \\ atelier\nnord \u00e9"),
-                                      "Devis ecran"}));
+        EXPECT_EQ(
+            presetNames(store),
+            QStringList({"Relance \"douce\", 2e = ok",
+                         QString::fromUtf16(u"Pret \\ atelier\nnord \u00e9"), "Devis ecran"}));
         ASSERT_EQ(store.customPresets().size(), 3);
         EXPECT_EQ(store.customPresets()[0].data.highlight,
                   QString::fromUtf16(u"Montant estime \u00B7 Reponse par email")); // repaired

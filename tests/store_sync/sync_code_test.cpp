@@ -59,9 +59,7 @@ TEST_F(StoreSyncCodeTest, ATypedCodeIsNormalisedCutRememberedAndSent) {
     // The field's debounce, once it fires, keeps the same cut code. The content's debounce,
     // started later with the same delay, fires after it.
     store->setDataField("subject", "Apres le code");
-    ASSERT_TRUE(waitUntil(
-        [&] { return savedDocument()[u"data"][u"subject"].toString() == "Apres le code"; },
-        kSyncWait));
+    ASSERT_TRUE(waitUntil([&] { return savedSubject() == "Apres le code"; }, kSyncWait));
     EXPECT_EQ(savedSyncCode(), cut);
 }
 
