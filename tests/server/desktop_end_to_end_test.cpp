@@ -1,5 +1,4 @@
-#include "../store/store_fixture.h"
-#include "https_test_server.h"
+#include "../store_sync/tls_store_fixture.h"
 #include "server_test_records.h"
 #include "sync_server_process.h"
 
@@ -24,16 +23,10 @@ QString localTimeLabel(const QDateTime &utc) {
 
 // The desktop's own ComposerStore against the real velino-sync-server over HTTPS, its
 // certificate made by openssl for this run and trusted through the store's services only.
-class DesktopAgainstServerTest : public StoreTest {
+class DesktopAgainstServerTest : public TlsStoreTest {
 protected:
-    static void SetUpTestSuite() {
-        if (!identity_)
-            identity_ = TestTlsIdentity::generate(&identityError_);
-    }
-
     void SetUp() override {
-        StoreTest::SetUp();
-        ASSERT_TRUE(identity_.has_value()) << identityError_.toStdString();
+        ASSERT_NO_FATAL_FAILURE(TlsStoreTest::SetUp());
         const QString cert = dir.filePath(QStringLiteral("server.crt"));
         const QString key = dir.filePath(QStringLiteral("server.key"));
         ASSERT_TRUE(writeFile(cert, identity_->serverCertificate.toPem()));
@@ -66,8 +59,6 @@ protected:
     }
 
     SyncServerProcess server;
-    static inline std::optional<TestTlsIdentity> identity_;
-    static inline QString identityError_;
 };
 
 TEST_F(DesktopAgainstServerTest, PushedRecordIsPulledByAnotherDesktop) {

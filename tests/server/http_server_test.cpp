@@ -1,4 +1,4 @@
-#include "http_server.h"
+#include "http_server_fixture.h"
 #include "raw_http_client.h"
 #include "server_test_records.h"
 #include "sqlite_slot_store.h"
@@ -21,32 +21,16 @@ constexpr qint64 kCap = 8 * 1024 * 1024;
 
 // The HTTP layer on a real socket (plain HTTP on a free port of 127.0.0.1), cutting clients
 // after one second without progress instead of thirty.
-class HttpServerTest : public ::testing::Test {
+class HttpServerTest : public HttpServerFixture {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(folder.isValid());
-        store = std::make_unique<SqliteSlotStore>(folder.filePath(QStringLiteral("sync.db")));
-        ASSERT_TRUE(store->open());
-        SyncServiceConfig config;
-        config.log = [](const std::string &) {};
-        service = std::make_unique<SyncService>(*store, config);
         HttpServerOptions options;
         options.port = 0;
         options.plainHttp = true;
         options.ioTimeout = 1s;
         options.keepAliveIdle = 1s;
         options.threads = 8;
-        server = std::make_unique<HttpServer>(*service, options);
-        QString error;
-        ASSERT_TRUE(server->bind(&error)) << error.toStdString();
-        runner = std::thread([this] { server->run(); });
-    }
-
-    void TearDown() override {
-        if (server)
-            server->stop();
-        if (runner.joinable())
-            runner.join();
+        ASSERT_NO_FATAL_FAILURE(startServer({}, options));
     }
 
     int port() const { return server->port(); }
@@ -56,12 +40,6 @@ protected:
                "Content-Type: application/json\r\n" +
                extraHeaders + "\r\n";
     }
-
-    QTemporaryDir folder;
-    std::unique_ptr<SqliteSlotStore> store;
-    std::unique_ptr<SyncService> service;
-    std::unique_ptr<HttpServer> server;
-    std::thread runner;
 };
 
 TEST_F(HttpServerTest, KeepAliveCarriesSeveralRequests) {

@@ -1,4 +1,4 @@
-#include "http_server.h"
+#include "http_server_fixture.h"
 #include "https_test_server.h"
 #include "sqlite_slot_store.h"
 
@@ -22,7 +22,7 @@ bool writeFile(const QString &path, const QByteArray &bytes) {
 }
 
 // The HTTP layer over TLS, with a certificate made by openssl for this run.
-class HttpsServerTest : public ::testing::Test {
+class HttpsServerTest : public HttpServerFixture {
 protected:
     void SetUp() override {
         QString error;
@@ -36,21 +36,7 @@ protected:
         options.threads = 4;
         ASSERT_TRUE(writeFile(options.tlsCertFile, identity->serverCertificate.toPem()));
         ASSERT_TRUE(writeFile(options.tlsKeyFile, identity->serverKey.toPem()));
-        store = std::make_unique<SqliteSlotStore>(folder.filePath(QStringLiteral("sync.db")));
-        ASSERT_TRUE(store->open());
-        SyncServiceConfig config;
-        config.log = [](const std::string &) {};
-        service = std::make_unique<SyncService>(*store, config);
-        server = std::make_unique<HttpServer>(*service, options);
-        ASSERT_TRUE(server->bind(&error)) << error.toStdString();
-        runner = std::thread([this] { server->run(); });
-    }
-
-    void TearDown() override {
-        if (server)
-            server->stop();
-        if (runner.joinable())
-            runner.join();
+        ASSERT_NO_FATAL_FAILURE(startServer({}, options));
     }
 
     // A client socket trusting this run's authority, connected and encrypted.
@@ -73,11 +59,6 @@ protected:
     }
 
     std::optional<TestTlsIdentity> identity;
-    QTemporaryDir folder;
-    std::unique_ptr<SqliteSlotStore> store;
-    std::unique_ptr<SyncService> service;
-    std::unique_ptr<HttpServer> server;
-    std::thread runner;
 };
 
 TEST_F(HttpsServerTest, SpeaksTls12And13OverKeptAliveConnections) {

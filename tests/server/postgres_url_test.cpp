@@ -56,7 +56,11 @@ TEST(PostgresUrlTest, RefusesWhatItCannotUseInFrench) {
     const QString password = QStringLiteral(
         "Le mot de passe PostgreSQL ne se met pas dans l'adresse : donne-le par la variable "
         "PGPASSWORD ou un fichier .pgpass.");
-    const QString form = QStringLiteral(" : attendu postgresql://UTILISATEUR@HOTE:PORT/BASE");
+    const auto invalid = [](const char *reason) {
+        return QStringLiteral("Adresse PostgreSQL invalide (%1) : attendu "
+                              "postgresql://UTILISATEUR@HOTE:PORT/BASE")
+            .arg(QLatin1String(reason));
+    };
     const struct {
         const char *url;
         QString error;
@@ -65,26 +69,17 @@ TEST(PostgresUrlTest, RefusesWhatItCannotUseInFrench) {
         {"postgresql://velino:@db.lan/sync", password},
         {"postgresql://velino@db.lan/sync?password=secret", password},
         {"postgresql://velino@db.lan/sync?passfile=/tmp/p", password},
-        {"sqlite:/tmp/sync.db",
-         QStringLiteral("Adresse PostgreSQL invalide (schema inconnu)") + form},
-        {"mysql://velino@db.lan/sync",
-         QStringLiteral("Adresse PostgreSQL invalide (schema inconnu)") + form},
-        {"postgresql://velino@db.lan",
-         QStringLiteral("Adresse PostgreSQL invalide (nom de base manquant)") + form},
-        {"postgresql://velino@db.lan/",
-         QStringLiteral("Adresse PostgreSQL invalide (nom de base manquant)") + form},
-        {"postgresql://velino@db.lan:0/sync",
-         QStringLiteral("Adresse PostgreSQL invalide (port incorrect)") + form},
-        {"postgresql://velino@db.lan:65536/sync",
-         QStringLiteral("Adresse PostgreSQL invalide (port incorrect)") + form},
-        {"postgresql://velino@db.lan:54x/sync",
-         QStringLiteral("Adresse PostgreSQL invalide (port incorrect)") + form},
-        {"postgresql://velino@db.lan/sync?port=-1",
-         QStringLiteral("Adresse PostgreSQL invalide (port incorrect)") + form},
-        {"postgresql://velino@[::1/sync",
-         QStringLiteral("Adresse PostgreSQL invalide (crochet non ferme)") + form},
+        {"sqlite:/tmp/sync.db", invalid("schema inconnu")},
+        {"mysql://velino@db.lan/sync", invalid("schema inconnu")},
+        {"postgresql://velino@db.lan", invalid("nom de base manquant")},
+        {"postgresql://velino@db.lan/", invalid("nom de base manquant")},
+        {"postgresql://velino@db.lan:0/sync", invalid("port incorrect")},
+        {"postgresql://velino@db.lan:65536/sync", invalid("port incorrect")},
+        {"postgresql://velino@db.lan:54x/sync", invalid("port incorrect")},
+        {"postgresql://velino@db.lan/sync?port=-1", invalid("port incorrect")},
+        {"postgresql://velino@[::1/sync", invalid("crochet non ferme")},
         {"postgresql://velino@db.lan/sync?options=-c%20fsync=off",
-         QStringLiteral("Adresse PostgreSQL invalide (parametre inconnu options)") + form},
+         invalid("parametre inconnu options")},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.url);

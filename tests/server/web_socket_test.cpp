@@ -1,4 +1,4 @@
-#include "http_server.h"
+#include "http_server_fixture.h"
 #include "raw_http_client.h"
 #include "server_test_records.h"
 #include "sqlite_slot_store.h"
@@ -20,30 +20,17 @@ namespace {
 constexpr qint64 kSmallCap = 4096;
 
 // The phone page's addresses through the HTTP layer on a real socket, with a small body cap.
-class WebSocketTest : public ::testing::Test {
+class WebSocketTest : public HttpServerFixture {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(folder.isValid());
-        store = std::make_unique<SqliteSlotStore>(folder.filePath(QStringLiteral("sync.db")));
-        ASSERT_TRUE(store->open());
         SyncServiceConfig config;
         config.maxBodyBytes = kSmallCap;
-        config.log = [](const std::string &) {};
-        service = std::make_unique<SyncService>(*store, config);
         HttpServerOptions options;
         options.port = 0;
         options.plainHttp = true;
         options.ioTimeout = 1s;
         options.threads = 4;
-        server = std::make_unique<HttpServer>(*service, options);
-        QString error;
-        ASSERT_TRUE(server->bind(&error)) << error.toStdString();
-        runner = std::thread([this] { server->run(); });
-    }
-
-    void TearDown() override {
-        server->stop();
-        runner.join();
+        ASSERT_NO_FATAL_FAILURE(startServer(config, options));
     }
 
     std::optional<RawHttpAnswer> post(const std::string &path, const std::string &type,
@@ -56,12 +43,6 @@ protected:
             return std::nullopt;
         return connection.readAnswer(5s);
     }
-
-    QTemporaryDir folder;
-    std::unique_ptr<SqliteSlotStore> store;
-    std::unique_ptr<SyncService> service;
-    std::unique_ptr<HttpServer> server;
-    std::thread runner;
 };
 
 TEST_F(WebSocketTest, PageRenderAndPreviewKeepTheirHeadersAndTheBodyCap) {

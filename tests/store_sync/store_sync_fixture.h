@@ -1,7 +1,6 @@
 #pragma once
 
-#include "../store/store_fixture.h"
-#include "https_test_server.h"
+#include "tls_store_fixture.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -21,16 +20,10 @@ inline constexpr auto kAnswerTime = "2026-06-05T08:15:00Z"; // 10:15 in Paris
 
 // A store talking to a real HTTPS server on 127.0.0.1, whose certificate comes from an
 // authority made for this run and trusted through the store's services only.
-class StoreSyncTest : public StoreTest {
+class StoreSyncTest : public TlsStoreTest {
 protected:
-    static void SetUpTestSuite() {
-        if (!identity_)
-            identity_ = TestTlsIdentity::generate(&identityError_);
-    }
-
     void SetUp() override {
-        StoreTest::SetUp();
-        ASSERT_TRUE(identity_.has_value()) << identityError_.toStdString();
+        ASSERT_NO_FATAL_FAILURE(TlsStoreTest::SetUp());
         server = std::make_unique<HttpsTestServer>(*identity_);
         ASSERT_TRUE(server->listen());
     }
@@ -136,9 +129,6 @@ protected:
 
     std::unique_ptr<HttpsTestServer> server;
     std::chrono::milliseconds transferTimeout{15000};
-
-    static inline std::optional<TestTlsIdentity> identity_;
-    static inline QString identityError_;
 };
 
 } // namespace velino::test
