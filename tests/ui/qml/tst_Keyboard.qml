@@ -15,15 +15,15 @@ Item {
         name: "Keyboard"
         when: windowShown
 
+        property WindowDriver driver: WindowDriver {}
         property var window: null
 
         function init() {
             verify(TestSupport.resetSettings(), "settings wiped")
-            window = AppShell.openWindow()
+            window = driver.open()
             window.requestActivate()
             tryVerify(() => window.active, 5000)
-            window.lockState.password = "Falcon77!"
-            window.lockState.unlock()
+            driver.unlock()
             tryVerify(() => main() !== null, 5000, "main content")
             tryVerify(() => focusedName() === "field.recipientName", 3000,
                       "the client's name has the focus after unlocking")
@@ -33,31 +33,21 @@ Item {
         }
 
         function cleanup() {
-            window.close()
+            driver.close()
             window = null
             wait(0)
         }
 
         function find(item, test) {
-            if (!item)
-                return null
-            if (test(item))
-                return item
-            for (let i = 0; i < item.children.length; ++i) {
-                const found = find(item.children[i], test)
-                if (found)
-                    return found
-            }
-            return null
+            return driver.find(item, test)
         }
 
         function main() {
-            const loader = find(window.contentItem, (i) => i.objectName === "mainLoader")
-            return loader ? loader.item : null
+            return driver.main()
         }
 
         function named(name) {
-            const item = find(main(), (i) => i.objectName === name)
+            const item = driver.findNamed(main(), name)
             verify(item, name)
             return item
         }

@@ -16,42 +16,31 @@ Item {
         name: "Layout"
         when: windowShown
 
+        property WindowDriver driver: WindowDriver {}
         property var window: null
 
         function init() {
             verify(TestSupport.resetSettings(), "settings wiped")
-            window = AppShell.openWindow()
-            window.lockState.password = "Falcon77!"
-            window.lockState.unlock()
+            window = driver.openUnlocked()
             tryVerify(() => main() !== null, 5000, "main content")
         }
 
         function cleanup() {
-            window.close()
+            driver.close()
             window = null
             wait(0)
         }
 
         function main() {
-            const loader = find(window.contentItem, (i) => i.objectName === "mainLoader")
-            return loader ? loader.item : null
+            return driver.main()
         }
 
         function find(item, test) {
-            if (!item)
-                return null
-            if (test(item))
-                return item
-            for (let i = 0; i < item.children.length; ++i) {
-                const found = find(item.children[i], test)
-                if (found)
-                    return found
-            }
-            return null
+            return driver.find(item, test)
         }
 
         function named(name) {
-            const item = find(main(), (i) => i.objectName === name)
+            const item = driver.findNamed(main(), name)
             verify(item, name)
             return item
         }

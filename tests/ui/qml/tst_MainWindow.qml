@@ -100,15 +100,10 @@ Item {
             wait(0)
         }
 
+        property WindowDriver driver: WindowDriver {}
+
         function findNamed(item, name) {
-            if (!item || item.objectName === name)
-                return item || null
-            for (let i = 0; i < item.children.length; ++i) {
-                const found = findNamed(item.children[i], name)
-                if (found)
-                    return found
-            }
-            return null
+            return driver.findNamed(item, name)
         }
 
         function named(root, name) {
