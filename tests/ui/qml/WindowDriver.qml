@@ -37,12 +37,6 @@ QtObject {
         window.lockState.unlock()
     }
 
-    function openUnlocked() {
-        open()
-        unlock()
-        return window
-    }
-
     function close() {
         if (window)
             window.close()

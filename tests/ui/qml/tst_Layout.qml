@@ -21,7 +21,8 @@ Item {
 
         function init() {
             verify(TestSupport.resetSettings(), "settings wiped")
-            window = driver.openUnlocked()
+            window = driver.open()
+            driver.unlock()
             tryVerify(() => driver.main() !== null, 5000, "main content")
         }
 
