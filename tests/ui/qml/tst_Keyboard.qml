@@ -15,16 +15,16 @@ Item {
         name: "Keyboard"
         when: windowShown
 
+        property WindowDriver driver: WindowDriver {}
         property var window: null
 
         function init() {
             verify(TestSupport.resetSettings(), "settings wiped")
-            window = AppShell.openWindow()
+            window = driver.open()
             window.requestActivate()
             tryVerify(() => window.active, 5000)
-            window.lockState.password = "Falcon77!"
-            window.lockState.unlock()
-            tryVerify(() => main() !== null, 5000, "main content")
+            driver.unlock()
+            tryVerify(() => driver.main() !== null, 5000, "main content")
             tryVerify(() => focusedName() === "field.recipientName", 3000,
                       "the client's name has the focus after unlocking")
             tryVerify(() => onScreen(window.activeFocusItem), 2000, "and is on screen")
@@ -33,31 +33,13 @@ Item {
         }
 
         function cleanup() {
-            window.close()
+            driver.close()
             window = null
             wait(0)
         }
 
-        function find(item, test) {
-            if (!item)
-                return null
-            if (test(item))
-                return item
-            for (let i = 0; i < item.children.length; ++i) {
-                const found = find(item.children[i], test)
-                if (found)
-                    return found
-            }
-            return null
-        }
-
-        function main() {
-            const loader = find(window.contentItem, (i) => i.objectName === "mainLoader")
-            return loader ? loader.item : null
-        }
-
         function named(name) {
-            const item = find(main(), (i) => i.objectName === name)
+            const item = driver.findNamed(driver.main(), name)
             verify(item, name)
             return item
         }
@@ -83,7 +65,7 @@ Item {
                     || p.y + item.height > window.contentItem.height + 0.5)
                 return false
             // Inside the form, also inside its scrolled viewport.
-            const form = main().composerPane
+            const form = driver.main().composerPane
             for (let a = item; a; a = a.parent) {
                 if (a === form) {
                     const q = item.mapToItem(form, 0, 0)
@@ -153,9 +135,9 @@ Item {
             copy.forceActiveFocus(Qt.TabFocusReason)
             press(Qt.Key_Space)
             tryCompare(store, "lastAction", "Objet copie.")
-            verify(find(copy, (i) => i.shown === true && i.border !== undefined), "focus ring shown")
+            verify(driver.find(copy, (i) => i.shown === true && i.border !== undefined), "focus ring shown")
             named("copyTextButton").forceActiveFocus(Qt.MouseFocusReason)
-            verify(!find(named("copyTextButton"), (i) => i.shown === true && i.border !== undefined),
+            verify(!driver.find(named("copyTextButton"), (i) => i.shown === true && i.border !== undefined),
                    "no ring after a click")
             press(Qt.Key_Return)
             tryCompare(store, "lastAction", "Version texte copiee.")
@@ -179,7 +161,7 @@ Item {
         }
 
         function test_pageKeysScrollTheForm() {
-            const flick = main().composerPane.scrollView.contentItem
+            const flick = driver.main().composerPane.scrollView.contentItem
             named("openDraftButton").forceActiveFocus(Qt.TabFocusReason)
             verify(onScreen(named("openDraftButton")), "focused button revealed")
             press(Qt.Key_Home, Qt.ControlModifier)
@@ -200,7 +182,7 @@ Item {
             press(Qt.Key_Return)
             const alert = window.resetAlert
             tryVerify(() => alert.opened, 3000)
-            tryVerify(() => find(alert.contentItem, (i) => i.objectName === "resetCancelButton").activeFocus,
+            tryVerify(() => driver.find(alert.contentItem, (i) => i.objectName === "resetCancelButton").activeFocus,
                       2000, "Annuler has the focus")
             // Escape cancels and gives the focus back.
             press(Qt.Key_Escape)
@@ -211,7 +193,7 @@ Item {
             press(Qt.Key_Return)
             tryVerify(() => alert.opened, 3000)
             press(Qt.Key_Tab)
-            verify(find(alert.contentItem, (i) => i.objectName === "resetConfirmButton").activeFocus)
+            verify(driver.find(alert.contentItem, (i) => i.objectName === "resetConfirmButton").activeFocus)
             press(Qt.Key_Return)
             tryVerify(() => !alert.visible)
             compare(store.data.subject, "Votre devis Korvel est pret")
@@ -238,7 +220,7 @@ Item {
             }
             tryVerify(() => rows().length === 3, 3000)
             for (let left = 3; left > 0; --left) {
-                const remove = find(rows()[left > 1 ? 1 : 0], (i) => i.objectName === "removeButton")
+                const remove = driver.find(rows()[left > 1 ? 1 : 0], (i) => i.objectName === "removeButton")
                 verify(remove.Accessible.name.startsWith("Supprimer : "), remove.Accessible.name)
                 remove.forceActiveFocus(Qt.TabFocusReason)
                 press(Qt.Key_Space)

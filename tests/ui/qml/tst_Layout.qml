@@ -16,42 +16,24 @@ Item {
         name: "Layout"
         when: windowShown
 
+        property WindowDriver driver: WindowDriver {}
         property var window: null
 
         function init() {
             verify(TestSupport.resetSettings(), "settings wiped")
-            window = AppShell.openWindow()
-            window.lockState.password = "Falcon77!"
-            window.lockState.unlock()
-            tryVerify(() => main() !== null, 5000, "main content")
+            window = driver.open()
+            driver.unlock()
+            tryVerify(() => driver.main() !== null, 5000, "main content")
         }
 
         function cleanup() {
-            window.close()
+            driver.close()
             window = null
             wait(0)
         }
 
-        function main() {
-            const loader = find(window.contentItem, (i) => i.objectName === "mainLoader")
-            return loader ? loader.item : null
-        }
-
-        function find(item, test) {
-            if (!item)
-                return null
-            if (test(item))
-                return item
-            for (let i = 0; i < item.children.length; ++i) {
-                const found = find(item.children[i], test)
-                if (found)
-                    return found
-            }
-            return null
-        }
-
         function named(name) {
-            const item = find(main(), (i) => i.objectName === name)
+            const item = driver.findNamed(driver.main(), name)
             verify(item, name)
             return item
         }
@@ -59,7 +41,7 @@ Item {
         function setWidth(width) {
             window.width = width
             tryCompare(window, "width", width)
-            waitForRendering(main())
+            waitForRendering(driver.main())
         }
 
         // The item's rectangle in the window's content.
@@ -84,7 +66,7 @@ Item {
             const store = window.controller.store
             const editors = [["mailIntro", 90], ["mailBody", 150], ["closingNote", 96], ["footerNote", 84]]
             const check = (when) => {
-                waitForRendering(main())
+                waitForRendering(driver.main())
                 for (const [field, minimum] of editors) {
                     const wrapper = named("field." + field)
                     const editor = wrapper.editor
@@ -118,26 +100,26 @@ Item {
             compare(name.length, 63)
             store.customPresetDraftName = name
             store.saveAsNewCustomPreset()
-            const rowOf = () => find(main(), (i) => String(i.objectName).startsWith("customPresetRow."))
+            const rowOf = () => driver.find(driver.main(), (i) => String(i.objectName).startsWith("customPresetRow."))
             tryVerify(() => rowOf() !== null, 3000, "row of the saved preset")
             const row = rowOf()
             tryVerify(() => row.isActive)
-            waitForRendering(main())
-            const buttons = find(row, (i) => i.objectName === "presetButtons")
+            waitForRendering(driver.main())
+            const buttons = driver.find(row, (i) => i.objectName === "presetButtons")
             for (const button of ["loadButton", "overwriteButton", "removeButton"]) {
-                const b = find(buttons, (i) => i.objectName === button)
+                const b = driver.find(buttons, (i) => i.objectName === button)
                 verifyInside(b, row, button)
                 verify(b.width >= b.implicitWidth - 0.5, button + " whole")
             }
-            const chip = find(row, (i) => i.objectName === "activeChip")
+            const chip = driver.find(row, (i) => i.objectName === "activeChip")
             verify(chip.visible)
             verifyInside(chip, row, "Charge chip")
             verify(chip.width >= chip.implicitWidth - 0.5, "chip whole")
-            const label = find(row, (i) => i.objectName === "presetName")
+            const label = driver.find(row, (i) => i.objectName === "presetName")
             verify(label.truncated, "long name shortened")
             compare(label.ToolTip.text, name)
             verify(box(label).right <= box(chip).x, "name ends before the chip")
-            verify(find(row, (i) => i.objectName === "removeButton").destructive)
+            verify(driver.find(row, (i) => i.objectName === "removeButton").destructive)
         }
 
         function test_longStatusKeepsTheHeaderButtonsWhole() {
@@ -146,7 +128,7 @@ Item {
             store.customPresetDraftName = "Rendez-vous reparation ecran et batterie atelier"
             store.saveAsNewCustomPreset()
             verify(store.lastAction.length > 60, store.lastAction)
-            waitForRendering(main())
+            waitForRendering(driver.main())
             const header = named("headerBand")
             for (const button of ["newButton", "standalonePreviewButton", "exportButton", "openInMailButton"]) {
                 const b = named(button)
@@ -169,7 +151,7 @@ Item {
             window.controller.store.syncCode = code
             const field = named("syncCodeField")
             tryCompare(field.field, "text", code)
-            waitForRendering(main())
+            waitForRendering(driver.main())
             verify(field.field.contentWidth <= field.field.width, "code whole in its field")
             verify(field.width >= field.labelWidth, "label whole")
             const pull = named("pullButton")
@@ -191,10 +173,10 @@ Item {
             const at = alert.background.mapToItem(window.contentItem, alert.background.width - 12,
                                                   alert.background.height / 2)
             const before = grabImage(window.contentItem).pixel(at.x, at.y)
-            main().visible = false
+            driver.main().visible = false
             waitForRendering(window.contentItem)
             const after = grabImage(window.contentItem).pixel(at.x, at.y)
-            main().visible = true
+            driver.main().visible = true
             compare(String(after), String(before), "the alert's surface at " + at.x + "," + at.y)
             window.controller.dialogs.dismissAlert()
         }

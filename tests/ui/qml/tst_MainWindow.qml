@@ -41,10 +41,10 @@ Item {
                     }
                     const text = dialogs.alertText
                     const count = dialogs.pendingAlertCount
-                    const ok = testCase.findNamed(popup.contentItem, "alertOkButton")
+                    const ok = testCase.driver.findNamed(popup.contentItem, "alertOkButton")
                     answerer.shown = answerer.shown.concat([{
-                        title: testCase.findNamed(popup.contentItem, "alertTitle").text,
-                        message: testCase.findNamed(popup.contentItem, "alertMessage").text,
+                        title: testCase.driver.findNamed(popup.contentItem, "alertTitle").text,
+                        message: testCase.driver.findNamed(popup.contentItem, "alertMessage").text,
                         buttons: ok.parent.children.length, button: ok.text,
                         modal: popup.modal && dialogs.isModal }])
                     testCase.mouseClick(ok)
@@ -100,19 +100,10 @@ Item {
             wait(0)
         }
 
-        function findNamed(item, name) {
-            if (!item || item.objectName === name)
-                return item || null
-            for (let i = 0; i < item.children.length; ++i) {
-                const found = findNamed(item.children[i], name)
-                if (found)
-                    return found
-            }
-            return null
-        }
+        property WindowDriver driver: WindowDriver {}
 
         function named(root, name) {
-            const item = findNamed(root, name)
+            const item = driver.findNamed(root, name)
             verify(item, "item " + name)
             return item
         }
@@ -150,7 +141,7 @@ Item {
         }
 
         function lockItem(w, name) {
-            return named(findNamed(w.contentItem, "lockLoader").item, name)
+            return named(driver.findNamed(w.contentItem, "lockLoader").item, name)
         }
 
         function passwordField(w) {
@@ -163,7 +154,7 @@ Item {
             TestSupport.typeText(t.window, "Falcon77!")
             TestSupport.keyClick(t.window, Qt.Key_Return)
             tryVerify(() => t.window.lockState.isUnlocked)
-            const main = findNamed(t.window.contentItem, "mainLoader").item
+            const main = driver.findNamed(t.window.contentItem, "mainLoader").item
             verify(main)
             compare(main.objectName, "mainContent")
             t.main = main
@@ -226,11 +217,11 @@ Item {
             compare(w.minimumHeight, 900 + w.menuBarHeight)
             verify(w.width >= 1320 && w.contentItem.height >= 900, "content " + w.contentItem.height)
             compare(w.lockState.isUnlocked, false)
-            verify(findNamed(w.contentItem, "lockLoader").active)
-            verify(!findNamed(w.contentItem, "mainLoader").active)
+            verify(driver.findNamed(w.contentItem, "lockLoader").active)
+            verify(!driver.findNamed(w.contentItem, "mainLoader").active)
             const field = passwordField(w)
             const error = lockItem(w, "lockError")
-            const card = findNamed(w.contentItem, "lockLoader").item
+            const card = driver.findNamed(w.contentItem, "lockLoader").item
             tryVerify(() => field.activeFocus, 3000, "password field focused at start")
             const centre = card.mapToItem(w.contentItem, card.width / 2, card.height / 2)
             fuzzyCompare(centre.x, w.contentItem.width / 2, 1)
@@ -253,8 +244,8 @@ Item {
                 compare(error.text, "Mot de passe incorrect.")
                 verify(error.visible)
                 verify(field.activeFocus, "the user may retype at once")
-                verify(findNamed(w.contentItem, "lockLoader").active)
-                verify(!findNamed(w.contentItem, "mainLoader").active)
+                verify(driver.findNamed(w.contentItem, "lockLoader").active)
+                verify(!driver.findNamed(w.contentItem, "mainLoader").active)
             }
             // The card does not move when the error appears.
             waitForRendering(card)
@@ -289,9 +280,9 @@ Item {
             compare(w.lockState.isUnlocked, true)
             compare(w.lockState.errorText, "")
             compare(w.lockState.password, "")
-            verify(findNamed(w.contentItem, "mainLoader").active)
-            verify(!findNamed(w.contentItem, "lockLoader").active)
-            verify(named(findNamed(w.contentItem, "mainLoader").item, "headerBand"))
+            verify(driver.findNamed(w.contentItem, "mainLoader").active)
+            verify(!driver.findNamed(w.contentItem, "lockLoader").active)
+            verify(named(driver.findNamed(w.contentItem, "mainLoader").item, "headerBand"))
         }
 
         // ---- Windows and menus ---------------------------------------------------------
@@ -362,7 +353,7 @@ Item {
             verify(second.controller.store !== first.controller.store)
             verify(!second.lockState.isUnlocked)
             verify(first.lockState.isUnlocked)
-            verify(findNamed(second.contentItem, "lockLoader").active)
+            verify(driver.findNamed(second.contentItem, "lockLoader").active)
         }
 
         function test_closedWindowsAreReleased() {
@@ -576,7 +567,7 @@ Item {
         // The row of a saved preset; the list creates it at its next layout.
         function presetRow(t, id) {
             const name = "customPresetRow." + id
-            tryVerify(() => findNamed(el(t, "customPresetList"), name), 2000, name)
+            tryVerify(() => driver.findNamed(el(t, "customPresetList"), name), 2000, name)
             return el(t, name)
         }
 
@@ -775,7 +766,7 @@ Item {
         // The items of the file dialog's Qt Quick form (the one used without a native
         // dialog, as here).
         function fileDialogItem(w, name) {
-            return findNamed(w.contentItem.parent, name) || findNamed(w.overlay, name)
+            return driver.findNamed(w.contentItem.parent, name) || driver.findNamed(w.overlay, name)
         }
 
         function test_exportThroughTheFileDialog() {
@@ -815,9 +806,9 @@ Item {
                 w.exportDialog.accept()
                 tryVerify(() => w.replaceAlert.opened, 3000, "replacement question shown")
                 verify(!w.exportDialog || !w.exportDialog.visible)
-                compare(findNamed(w.replaceAlert.contentItem, "alertMessage").text,
+                compare(driver.findNamed(w.replaceAlert.contentItem, "alertMessage").text,
                         "Un fichier nomme \"votre-devis-korvel-est-pret.html\" existe deja. Le remplacer ?")
-                mouseClick(findNamed(w.replaceAlert.contentItem, "replaceConfirmButton"))
+                mouseClick(driver.findNamed(w.replaceAlert.contentItem, "replaceConfirmButton"))
                 tryVerify(() => !dialogs.isModal)
                 compare(t.store.lastAction, "HTML exporte vers votre-devis-korvel-est-pret.html.")
             } finally {
