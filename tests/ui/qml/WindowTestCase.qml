@@ -13,14 +13,20 @@ TestCase {
     readonly property string serviceHost: "127.0.0.1:9"
     readonly property string defaultSubject: "Votre devis Korvel est pret"
     property var opened: []
+    // The unlocked window each test starts with, when unlockEachTest is set.
+    property bool unlockEachTest: false
+    property var t: null
 
     function initTestCase() { TestSupport.setEnvironment("VELINO_SERVICE_HOST", serviceHost) }
     function cleanupTestCase() { TestSupport.unsetEnvironment("VELINO_SERVICE_HOST") }
-    function init() { verify(TestSupport.resetSettings(), "settings wiped") }
+
+    function init() {
+        verify(TestSupport.resetSettings(), "settings wiped")
+        t = unlockEachTest ? openUnlocked() : null
+    }
 
     function cleanup() {
-        for (const w of opened)
-            if (w) w.close()
+        opened.forEach(w => w?.close())
         opened = []
         wait(0)
     }
@@ -38,8 +44,7 @@ TestCase {
 
     function named(root, name) {
         const item = find(root, (i) => i.objectName === name)
-        verify(item, "item " + name)
-        return item
+        return verify(item, "item " + name), item
     }
 
     function el(t, name) { return named(t.main, name) }
@@ -80,8 +85,7 @@ TestCase {
 
     function typeInto(t, name, text) {
         const c = focusControl(t, name)
-        TestSupport.typeText(t.window, text)
-        return c
+        return TestSupport.typeText(t.window, text), c
     }
 
     function clearField(t, fieldName) {
@@ -91,9 +95,7 @@ TestCase {
         compare(c.text, "")
     }
 
-    function waitForDebounce(t, before) {
-        tryVerify(() => t.store.generatedHTML !== before, 3000, "regenerated after the debounce")
-    }
+    function waitForDebounce(t, before) { tryVerify(() => t.store.generatedHTML !== before, 3000, "regenerated after the debounce") }
 
     function waitForPreview(t) {
         const preview = el(t, "htmlPreview")

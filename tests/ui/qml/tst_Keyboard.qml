@@ -7,7 +7,6 @@ import VelinoTest
 // the dialogs are answered from the keyboard and give the focus back.
 WindowTestCase {
     name: "Keyboard"
-    property var t: null
 
     function init() {
         verify(TestSupport.resetSettings(), "settings wiped")
@@ -115,27 +114,39 @@ WindowTestCase {
         verify(flick.contentY < flick.contentHeight - flick.height - flick.height / 2)
     }
 
-    function test_resetDialogFromTheKeyboard() {
-        const alert = t.window.resetAlert, opener = el(t, "newButton")
-        opener.forceActiveFocus(Qt.TabFocusReason)
-        t.store.setDataField("subject", "Objet a oublier")
+    // "Nouveau" asks first: Escape or "Annuler" keep the content, "Reinitialiser" brings back the base template.
+    function test_resetAsksFirst() {
+        const alert = t.window.resetAlert, opener = el(t, "newButton"), edited = defaultSubject + " modifie"
+        typeInto(t, "field.subject", " modifie")
+        const ask = () => {
+            opener.forceActiveFocus(Qt.TabFocusReason)
+            press(Qt.Key_Return)
+            tryVerify(() => alert.opened && t.controller.showResetAlert, 3000)
+            compare(named(alert.contentItem, "alertTitle").text, "Revenir au template Korvel de base ?")
+            compare(named(alert.contentItem, "alertMessage").text, "Le contenu actuel sera remplace par le modele natif par defaut.")
+            tryVerify(() => named(alert.contentItem, "resetCancelButton").activeFocus, 2000, "Annuler has the focus")
+        }
+        const answered = () => {
+            tryVerify(() => !alert.visible && !t.controller.showResetAlert)
+            tryVerify(() => opener.activeFocus, 2000, "focus back on Nouveau")
+        }
+        for (const key of [Qt.Key_Escape, Qt.Key_Space]) {
+            ask()
+            press(key)
+            answered()
+            compare([t.store.data.subject, el(t, "field.subject").field.text], [edited, edited])
+        }
+        el(t, "presetTile.relance").forceActiveFocus(Qt.TabFocusReason)
         press(Qt.Key_Return)
-        tryVerify(() => alert.opened, 3000)
-        tryVerify(() => named(alert.contentItem, "resetCancelButton").activeFocus, 2000, "Annuler has the focus")
-        // Escape cancels and gives the focus back.
-        press(Qt.Key_Escape)
-        tryVerify(() => !alert.visible && !t.controller.showResetAlert)
-        tryVerify(() => opener.activeFocus, 2000, "focus back on Nouveau")
-        compare(t.store.data.subject, "Objet a oublier")
-        // Tab to "Reinitialiser", Return confirms.
-        press(Qt.Key_Return)
-        tryVerify(() => alert.opened, 3000)
+        ask()
         press(Qt.Key_Tab)
-        verify(named(alert.contentItem, "resetConfirmButton").activeFocus)
+        const confirm = named(alert.contentItem, "resetConfirmButton")
+        compare([confirm.activeFocus, confirm.text], [true, "Reinitialiser"])
         press(Qt.Key_Return)
-        tryVerify(() => !alert.visible)
-        compare(t.store.data.subject, defaultSubject)
-        tryVerify(() => opener.activeFocus, 2000, "focus back on Nouveau")
+        answered()
+        compare([t.store.data.subject, el(t, "field.subject").field.text, el(t, "field.mailTitle").field.text],
+                [defaultSubject, defaultSubject, "Votre devis est pret"])
+        compare([t.store.activePreset, el(t, "presetTile.devis").isActive, t.store.lastAction], ["devis", true, "Nouveau message."])
     }
 
     function rows() {

@@ -8,12 +8,7 @@ import VelinoTest
 // enough for a whole code, and dialogs that hide what is under them.
 WindowTestCase {
     name: "Layout"
-    property var t: null
-
-    function init() {
-        verify(TestSupport.resetSettings(), "settings wiped")
-        t = openUnlocked()
-    }
+    unlockEachTest: true
 
     function setWidth(width) {
         t.window.width = width
@@ -58,7 +53,8 @@ WindowTestCase {
         check("back to one line")
     }
 
-    function test_longPresetNameLeavesItsButtonsAndChip() {
+    // A long preset name, also in the status chip, leaves the row's and the header's buttons whole.
+    function test_longPresetNameLeavesTheButtonsWhole() {
         setWidth(1320)
         const name = "Devis iPhone ecran casse et batterie gonflee pour Mme Lambert 0" // 63 characters
         t.store.customPresetDraftName = name
@@ -75,14 +71,7 @@ WindowTestCase {
         compare(label.ToolTip.text, name)
         verify(box(label).right <= box(chip).x, "name ends before the chip")
         verify(named(row, "removeButton").destructive)
-    }
-
-    function test_longStatusKeepsTheHeaderButtonsWhole() {
-        setWidth(1320)
-        t.store.customPresetDraftName = "Rendez-vous reparation ecran et batterie atelier"
-        t.store.saveAsNewCustomPreset()
         verify(t.store.lastAction.length > 60, t.store.lastAction)
-        waitForRendering(t.main)
         verifyWhole(["newButton", "standalonePreviewButton", "exportButton", "openInMailButton"], el(t, "headerBand"))
         verifyWhole(["formatChip", "saveChip"])
         verify(box(el(t, "actionChip")).right <= box(el(t, "newButton")).x, "chips end before the buttons")
@@ -105,23 +94,5 @@ WindowTestCase {
             compare(el(t, button).height, el(t, "exportButton").height, button + " on one line")
         verify(inside(el(t, "pushButton"), el(t, "syncCard")), "push button inside its card")
         verify(el(t, "previewPane").width >= 620, "preview keeps its minimum")
-    }
-
-    // What is under an alert does not show through it.
-    function test_alertsAreOpaque() {
-        setWidth(1320)
-        const alert = t.window.warningAlert, content = t.window.contentItem
-        t.store.syncCode = "abc"
-        t.store.pushToWeb()
-        tryVerify(() => alert.opened, 3000)
-        waitForRendering(content)
-        const at = alert.background.mapToItem(content, alert.background.width - 12, alert.background.height / 2)
-        const before = grabImage(content).pixel(at.x, at.y)
-        t.main.visible = false
-        waitForRendering(content)
-        const after = grabImage(content).pixel(at.x, at.y)
-        t.main.visible = true
-        compare(String(after), String(before), "the alert's surface at " + at.x + "," + at.y)
-        t.controller.dialogs.dismissAlert()
     }
 }
