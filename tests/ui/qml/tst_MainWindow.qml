@@ -32,8 +32,7 @@ WindowTestCase {
         locked(true)
         tryVerify(() => field.activeFocus, 3000, "password field focused at start")
         const centre = card.mapToItem(w.contentItem, card.width / 2, card.height / 2)
-        fuzzyCompare(centre.x, w.contentItem.width / 2, 1)
-        fuzzyCompare(centre.y, w.contentItem.height / 2, 1)
+        verify(Math.abs(centre.x - w.contentItem.width / 2) <= 1 && Math.abs(centre.y - w.contentItem.height / 2) <= 1, "centred")
         compare([field.placeholderText, button.text, error.text], ["Mot de passe", "Entrer dans Velino", ""])
         verify(error.height >= 18, "the error line is laid out while empty")
         const [cardHeight, errorY] = [card.height, error.y]
@@ -41,10 +40,7 @@ WindowTestCase {
             TestSupport.typeText(w, text)
             compare([field.text, w.lockState.password], [text, text], "the field writes the lock state")
             verify(text === "" || field.displayText !== text, "masked")
-            if (data.submit === "button")
-                mouseClick(button)
-            else
-                TestSupport.keyClick(w, data.submit)
+            data.submit === "button" ? mouseClick(button) : TestSupport.keyClick(w, data.submit)
         }
         submit(data.wrong)
         locked(true)
@@ -225,46 +221,17 @@ WindowTestCase {
         return el(t, "customPresetRow." + id)
     }
 
-    function activeTiles(t) {
-        return ["devis", "pret", "rdv", "relance"].map(id => el(t, "presetTile." + id)).filter(tile => tile.isActive).map(tile => tile.objectName)
-    }
-
-    function test_presetTilesFollowTheStore() {
-        const t = openUnlocked()
+    function test_presetsFollowTheStore() {
+        const t = openUnlocked(), save = el(t, "saveAsNewButton"), update = el(t, "updateLoadedButton")
+        const line = el(t, "loadedPresetLine"), empty = el(t, "emptyPresetState"), list = el(t, "customPresetList")
         const tiles = ["devis", "pret", "rdv", "relance"].map(id => el(t, "presetTile." + id))
+        const active = () => tiles.filter(tile => tile.isActive).map(tile => tile.objectName.slice("presetTile.".length))
+        const nothingLoaded = () => compare([update.enabled, line.text, empty.visible, list.visible],
+                                            [false, "Aucun preset perso charge pour l'instant.", true, false])
+        nothingLoaded()
         compare(tiles.map(tile => tile.text), ["Devis", "Appareil pret", "Rendez-vous", "Relance"])
         verify(tiles.every(tile => tile.summary.length > 0), "every tile has its summary")
-        compare(activeTiles(t), ["presetTile.devis"])
-        mouseClick(el(t, "presetTile.pret"))
-        compare([t.store.activePreset, activeTiles(t), el(t, "actionChip").text], ["pret", ["presetTile.pret"], "Appareil pret charge."])
-        compare(el(t, "field.subject").field.text, t.store.data.subject)
-        verify(t.store.data.subject !== defaultSubject)
-        // A loaded saved preset: no tile is highlighted, though its source is "pret".
-        typeInto(t, "presetNameField", "Retrait rapide")
-        mouseClick(el(t, "saveAsNewButton"))
-        compare([t.store.customPresets.length, t.store.activePreset, activeTiles(t)], [1, "pret", []])
-        verify(t.store.activeCustomPresetID.length > 0)
-        // Choosing a tile clears the saved preset's highlight.
-        mouseClick(el(t, "presetTile.rdv"))
-        compare([activeTiles(t), t.store.activeCustomPresetID], [["presetTile.rdv"], ""])
-        const row = presetRow(t, t.store.customPresets[0].id)
-        compare(row.isActive, false)
-        // Loading the saved preset again: its row lights up, the tiles go dark.
-        mouseClick(named(row, "loadButton"))
-        compare([activeTiles(t), presetRow(t, t.store.customPresets[0].id).isActive], [[], true])
-        compare(t.store.data.subject, el(t, "field.subject").field.text)
-    }
-
-    function test_savingAndUpdatingPresets() {
-        const t = openUnlocked()
-        const update = el(t, "updateLoadedButton"), line = el(t, "loadedPresetLine"), empty = el(t, "emptyPresetState")
-        const save = el(t, "saveAsNewButton")
-        const nothingLoaded = () => {
-            compare([update.enabled, line.text, empty.visible, el(t, "customPresetList").visible],
-                    [false, "Aucun preset perso charge pour l'instant.", true, false])
-        }
-        nothingLoaded()
-        compare([update.text, save.text, save.enabled], ["Mettre a jour le charge", "Enregistrer comme nouveau", false])
+        compare([active(), update.text, save.text, save.enabled], [["devis"], "Mettre a jour le charge", "Enregistrer comme nouveau", false])
         compare(named(empty, "emptyText").text,
                 "Enregistre un preset perso pour rappeler un mail entier, ses champs et sa signature en un clic.")
         const nameField = typeInto(t, "presetNameField", "   ")
@@ -273,19 +240,25 @@ WindowTestCase {
         TestSupport.typeText(t.window, "Ecran iPhone")
         compare(save.enabled, true)
         mouseClick(save)
-        compare(t.store.customPresets.length, 1)
-        const entry = t.store.customPresets[0], row = presetRow(t, entry.id)
-        verify(row.visible && named(row, "activeChip").visible && named(row, "loadButton").primary)
-        compare([row.isActive, row.name, named(row, "activeChip").text, named(row, "presetSource").text],
-                [true, "Ecran iPhone", "Charge", "Devis · " + entry.subjectLine])
-        compare([update.enabled, line.text, empty.visible, el(t, "customPresetList").visible],
-                [true, "Preset charge : Ecran iPhone", false, true])
+        // The saved preset is the loaded one: its row lights up, no tile does, though its source is "devis".
+        const entry = t.store.customPresets[0], row = () => presetRow(t, t.store.customPresets[0].id)
+        compare([t.store.customPresets.length, t.store.activePreset, active(), row().isActive], [1, "devis", [], true])
+        compare([row().name, named(row(), "activeChip").text, named(row(), "presetSource").text],
+                ["Ecran iPhone", "Charge", "Devis · " + entry.subjectLine])
+        compare([update.enabled, line.text, empty.visible, list.visible], [true, "Preset charge : Ecran iPhone", false, true])
+        // Choosing a tile clears the saved preset's highlight; loading the preset brings it back.
+        mouseClick(el(t, "presetTile.pret"))
+        compare([t.store.activePreset, active(), el(t, "actionChip").text, t.store.activeCustomPresetID, row().isActive],
+                ["pret", ["pret"], "Appareil pret charge.", "", false])
+        verify(t.store.data.subject !== defaultSubject && el(t, "field.subject").field.text === t.store.data.subject)
+        mouseClick(named(row(), "loadButton"))
+        compare([active(), row().isActive, el(t, "field.subject").field.text], [[], true, defaultSubject])
         // Update through the button: the preset takes the current content.
         typeInto(t, "field.subject", " (mis a jour)")
         mouseClick(update)
         compare(t.store.customPresets[0].subjectLine, defaultSubject + " (mis a jour)")
         // Deleting asks nothing and brings the empty state back.
-        mouseClick(named(presetRow(t, t.store.customPresets[0].id), "removeButton"))
+        mouseClick(named(row(), "removeButton"))
         compare(t.store.customPresets.length, 0)
         tryVerify(() => empty.visible)
         nothingLoaded()
