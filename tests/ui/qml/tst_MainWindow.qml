@@ -198,8 +198,11 @@ WindowTestCase {
         t.store.customPresetDraftName = "Essai"
         tryVerify(() => preview.loader.loadCount === loads + 1, 2000)
         compare(t.store.generatedHTML, html)
-        // The Edit menu's commands act on the page when it has the focus.
-        waitForPreview(t)
+    }
+
+    // The Edit menu's commands act on the page when it has the focus.
+    function test_editMenuSelectsAndCopiesInThePreview() {
+        const t = openUnlocked(), preview = waitForPreview(t)
         preview.webView.forceActiveFocus()
         const selection = () => {
             let value = null
@@ -302,25 +305,19 @@ WindowTestCase {
         compare(el(t, "syncStatusLine").text, message)
     }
 
-    // The file dialog's items: its Qt Quick form, used here without a native dialog.
-    function fileDialogItem(w, name) {
-        return find(w.contentItem.parent, (i) => i.objectName === name) || named(w.overlay, name)
-    }
-
     function test_exportThroughTheFileDialog() {
         const t = openUnlocked(), w = t.window, dialogs = t.controller.dialogs, before = t.store.lastAction
         const file = "votre-devis-korvel-est-pret.html", exported = "HTML exporte vers " + file + "."
         // The dialog opens in the home folder when there is no Documents folder.
         const home = TestSupport.makeTemporaryFolder()
         TestSupport.setEnvironment("HOME", home)
-        const openDialog = () => {
-            mouseClick(el(t, "exportButton"))
-            tryVerify(() => w.exportDialog && w.exportDialog.visible, 3000, "file dialog shown")
-        }
+        const openDialog = () => (mouseClick(el(t, "exportButton")), tryVerify(() => w.exportDialog?.visible, 3000, "dialog shown"))
         try {
             openDialog()
             compare([w.exportDialog.title, w.exportDialog.currentFolder], ["Exporter le mail HTML", "file://" + home])
-            tryCompare(fileDialogItem(w, "fileNameTextField"), "text", file)
+            // The dialog's Qt Quick form, used here without a native dialog.
+            const name = find(w.contentItem.parent, (i) => i.objectName === "fileNameTextField") || named(w.overlay, "fileNameTextField")
+            tryCompare(name, "text", file)
             w.exportDialog.reject()
             tryVerify(() => !dialogs.isModal)
             compare(t.store.lastAction, before, "Annuler changes nothing")
@@ -328,8 +325,7 @@ WindowTestCase {
             openDialog()
             w.exportDialog.accept()
             tryVerify(() => TestSupport.fileExists(home + "/" + file), 3000, file)
-            compare(TestSupport.readTextFile(home + "/" + file), t.store.generatedHTML)
-            compare([t.store.lastAction, dialogs.isModal], [exported, false])
+            compare([TestSupport.readTextFile(home + "/" + file), t.store.lastAction, dialogs.isModal], [t.store.generatedHTML, exported, false])
             // The same name again: the window asks before replacing, once.
             openDialog()
             w.exportDialog.accept()
