@@ -67,11 +67,9 @@ TestCase {
         TestSupport.typeText(t.window, "Falcon77!")
         TestSupport.keyClick(t.window, Qt.Key_Return)
         tryVerify(() => t.window.lockState.isUnlocked)
-        t.main = named(t.window.contentItem, "mainLoader").item
-        compare(t.main.objectName, "mainContent")
-        t.controller = t.window.controller
-        t.store = t.controller.store
-        return t
+        const main = named(t.window.contentItem, "mainLoader").item
+        compare(main.objectName, "mainContent")
+        return Object.assign(t, { main: main, controller: t.window.controller, store: t.window.controller.store })
     }
 
     // The control of `name` (a form field's: "field." + its name), focused, cursor at its end.
@@ -122,8 +120,7 @@ TestCase {
 
     // Scrolls the form column so that `item` is on screen, where a click can reach it.
     function reveal(t, item) {
-        const flick = t.main.composerPane.scrollView.contentItem
-        const y = item.mapToItem(flick.contentItem, 0, 0).y
+        const flick = t.main.composerPane.scrollView.contentItem, y = item.mapToItem(flick.contentItem, 0, 0).y
         flick.contentY = Math.max(0, Math.min(y - 120, flick.contentHeight - flick.height))
         waitForRendering(t.main)
         verify(onScreen(t, item), item.objectName + " on screen")
@@ -134,10 +131,10 @@ TestCase {
     function answerAlert(t) {
         const popup = t.window.warningAlert, dialogs = t.controller.dialogs
         tryVerify(() => popup.opened, 5000, "alert shown")
-        const ok = named(popup.contentItem, "alertOkButton")
-        const shown = { title: named(popup.contentItem, "alertTitle").text, buttons: ok.parent.children.length,
-                        message: named(popup.contentItem, "alertMessage").text, button: ok.text,
-                        modal: popup.modal && dialogs.isModal }
+        const ok = named(popup.contentItem, "alertOkButton"), text = (name) => named(popup.contentItem, name).text
+        const shown = { title: text("alertTitle"), message: text("alertMessage"), buttons: ok.parent.children.length,
+                        button: ok.text, modal: popup.modal && dialogs.isModal }
+
         mouseClick(ok)
         tryVerify(() => !dialogs.alertVisible && !popup.visible, 3000, "alert closed by OK")
         return shown

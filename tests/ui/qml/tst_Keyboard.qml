@@ -41,8 +41,9 @@ WindowTestCase {
             if (name === "htmlPreview")
                 continue // the page's own links
             verify(onScreen(t, t.window.activeFocusItem), name + " fully on screen when focused")
-            if (seen.indexOf(name) < 0)
+            if (!seen.includes(name))
                 seen.push(name)
+
         }
         compare(focusedName(), "newButton", "Tab goes round the whole window; seen: " + seen.join(", "))
         const expected = ["newButton", "standalonePreviewButton", "exportButton", "openInMailButton",
@@ -53,14 +54,9 @@ WindowTestCase {
                           "field.detailLabel1", "field.detailValue4", "field.ctaLabel", "field.ctaURL",
                           "field.closingNote", "openDraftButton", "field.logoURL", "field.accentPrimary",
                           "field.senderEmail", "field.footerNote", "copySubjectButton", "copyTextButton", "copyMailButton"]
-        let last = -1
-        for (const name of expected) {
-            const at = seen.indexOf(name)
-            verify(at > last, name + " reached with Tab, in reading order; seen: " + seen.join(", "))
-            last = at
-        }
+        compare(seen.filter(name => expected.includes(name)), expected, "reached with Tab, in reading order")
         // The disabled buttons are skipped, not lost: they join once enabled.
-        verify(seen.indexOf("saveAsNewButton") < 0 && seen.indexOf("updateLoadedButton") < 0)
+        verify(!seen.includes("saveAsNewButton") && !seen.includes("updateLoadedButton"))
     }
 
     function test_spaceReturnAndArrowsAct() {
@@ -88,16 +84,14 @@ WindowTestCase {
     }
 
     function test_tabLeavesEditorsWithoutTypingIntoTheRecord(data) {
-        const before = t.store.data[data.field]
-        const editor = el(t, "field." + data.field).editor
+        const before = t.store.data[data.field], editor = el(t, "field." + data.field).editor
         for (const [key, modifiers] of [[Qt.Key_Tab, 0], [Qt.Key_Backtab, Qt.ShiftModifier]]) {
             editor.forceActiveFocus(Qt.TabFocusReason)
             editor.cursorPosition = 3
             press(key, modifiers)
             verify(!editor.activeFocus, "leaves with " + key)
         }
-        compare(editor.text, before, "shown unchanged")
-        compare(t.store.data[data.field], before, "unchanged in the record")
+        compare([editor.text, t.store.data[data.field]], [before, before], "unchanged on screen and in the record")
     }
 
     function test_pageKeysScrollTheForm() {
@@ -136,7 +130,7 @@ WindowTestCase {
             answered()
             compare([t.store.data.subject, el(t, "field.subject").field.text], [edited, edited])
         }
-        el(t, "presetTile.relance").forceActiveFocus(Qt.TabFocusReason)
+        focusOn("presetTile.relance")
         press(Qt.Key_Return)
         ask()
         press(Qt.Key_Tab)
