@@ -26,20 +26,14 @@ TestCase {
     }
 
     function cleanup() {
-        opened.forEach(w => w?.close())
-        opened = []
+        opened.splice(0).forEach(w => w?.close())
         wait(0)
     }
 
     function find(item, test) {
         if (!item || test(item))
             return item
-        for (let i = 0; i < item.children.length; ++i) {
-            const found = find(item.children[i], test)
-            if (found)
-                return found
-        }
-        return null
+        return Array.from(item.children).reduce((found, child) => found || find(child, test), null)
     }
 
     function named(root, name) {
@@ -49,7 +43,6 @@ TestCase {
 
     function el(t, name) { return named(t.main, name) }
     function lockItem(w, name) { return named(named(w.contentItem, "lockLoader").item, name) }
-    // The text control of a form field's wrapper.
     function control(wrapper) { return wrapper.field !== undefined ? wrapper.field : wrapper.editor }
 
     function openWindow() {
@@ -101,8 +94,8 @@ TestCase {
         return preview
     }
 
-    // The item's rectangle in the window's content.
-    function box(item) {
+    function box
+(item) {
         const p = item.mapToItem(item.Window.contentItem, 0, 0)
         return { x: p.x, y: p.y, right: p.x + item.width, bottom: p.y + item.height }
     }

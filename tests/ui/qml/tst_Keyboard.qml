@@ -2,9 +2,8 @@ import QtQuick
 import QtTest
 import VelinoTest
 
-// The main window with the keyboard alone: every control in the Tab order, in reading
-// order, on screen when focused; Space and Return act; Tab never types into the record;
-// the dialogs are answered from the keyboard and give the focus back.
+// The main window with the keyboard alone: Tab reaches every control in reading order, on
+// screen; keys act; dialogs are answered from the keyboard and give the focus back.
 WindowTestCase {
     name: "Keyboard"
 
@@ -16,8 +15,7 @@ WindowTestCase {
         waitForPreview(t)
     }
 
-    // The focused control's objectName, or its nearest named ancestor's ("field.subject" for
-    // the input inside that field).
+    // The focused control's objectName, or its nearest named ancestor's ("field.subject" for its input).
     function focusedName() {
         for (let item = t.window.activeFocusItem; item; item = item.parent)
             if (item.objectName)
@@ -67,7 +65,6 @@ WindowTestCase {
             press(key)
             compare([focusedName(), t.store.activePreset], [focused, active])
         }
-        // Space and Return on a button; the focus ring shows keyboard focus only.
         const ring = (name) => find(el(t, name), (i) => i.shown === true && i.border !== undefined)
         focusOn("copySubjectButton")
         press(Qt.Key_Space)
@@ -106,6 +103,8 @@ WindowTestCase {
         fuzzyCompare(flick.contentY, flick.contentHeight - flick.height, 1)
         press(Qt.Key_PageUp)
         verify(flick.contentY < flick.contentHeight - flick.height - flick.height / 2)
+
+
     }
 
     // "Nouveau" asks first: Escape or "Annuler" keep the content, "Reinitialiser" brings back the base template.
@@ -145,10 +144,7 @@ WindowTestCase {
 
     // Deleting from the keyboard leaves the focus on the next row, then on the name field.
     function test_focusAfterDeletingPresets() {
-        for (const name of ["Premier", "Deuxieme", "Troisieme"]) {
-            t.store.customPresetDraftName = name
-            t.store.saveAsNewCustomPreset()
-        }
+        ["Premier", "Deuxieme", "Troisieme"].forEach(name => (t.store.customPresetDraftName = name, t.store.saveAsNewCustomPreset()))
         const list = el(t, "customPresetList")
         tryVerify(() => list.count === 3 && list.itemAtIndex(2), 3000)
         for (let left = 3; left > 0; --left) {

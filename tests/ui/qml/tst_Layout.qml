@@ -3,9 +3,7 @@ import QtQuick.Controls
 import QtTest
 import VelinoTest
 
-// The main window's layout measured at the sizes a user gives it: editors as high as
-// their text, rows and header buttons whole next to long texts, the sync card wide
-// enough for a whole code, and dialogs that hide what is under them.
+// The main window's layout measured at the sizes a user gives it.
 WindowTestCase {
     name: "Layout"
     unlockEachTest: true
@@ -26,9 +24,10 @@ WindowTestCase {
         }
     }
 
-    function test_editorsAreAsHighAsTheirText_data() { return [{ tag: "1320", width: 1320 }, { tag: "1900", width: 1900 }] }
+    function test_widths_data() { return [1320, 1700, 1900, 2200].map(width => ({ tag: String(width), width: width })) }
 
-    function test_editorsAreAsHighAsTheirText(data) {
+    // At each width: editors as high as their text, cards as high as their content, a whole sync code.
+    function test_widths(data) {
         setWidth(data.width)
         const check = (when) => {
             waitForRendering(t.main)
@@ -40,17 +39,25 @@ WindowTestCase {
                        field + " " + editor.height + " high for " + content + " of text (" + when + ")")
                 verify(wrapper.height <= editor.y + editor.height + 0.5, field + " takes no height beyond its editor")
             }
-            // The cards hold their content and nothing more.
             for (const card of ["messageCard", "actionCard", "identityCard"])
                 verify(el(t, card).height <= el(t, card).implicitHeight + 0.5, card + " (" + when + ")")
         }
         check("default texts")
-        t.store.setDataField("closingNote", "Ligne de fin\n".repeat(14))
-        tryVerify(() => el(t, "field.closingNote").editor.height > 200)
-        check("fourteen lines")
-        t.store.setDataField("closingNote", "Une seule ligne.")
-        tryVerify(() => el(t, "field.closingNote").editor.height < 120)
-        check("back to one line")
+        for (const [text, high, when] of [["Ligne de fin\n".repeat(14), (h) => h > 200, "fourteen lines"],
+                                          ["Une seule ligne.", (h) => h < 120, "back to one line"]]) {
+            t.store.setDataField("closingNote", text)
+            tryVerify(() => high(el(t, "field.closingNote").editor.height), 3000, when)
+            check(when)
+        }
+        const code = "K7QF-2M9X-PL4D-8RWA-C3NZ-H6TB", field = el(t, "syncCodeField")
+        t.store.syncCode = code
+        tryCompare(field.field, "text", code)
+        waitForRendering(t.main)
+        verify(field.field.contentWidth <= field.field.width && field.width >= field.labelWidth, "code and label whole")
+        for (const button of ["pullButton", "pushButton"])
+            compare(el(t, button).height, el(t, "exportButton").height, button + " on one line")
+        verify(inside(el(t, "pushButton"), el(t, "syncCard")), "push button inside its card")
+        verify(el(t, "previewPane").width >= 620, "preview keeps its minimum")
     }
 
     // A long preset name, also in the status chip, leaves the row's and the header's buttons whole.
@@ -75,24 +82,5 @@ WindowTestCase {
         verifyWhole(["newButton", "standalonePreviewButton", "exportButton", "openInMailButton"], el(t, "headerBand"))
         verifyWhole(["formatChip", "saveChip"])
         verify(box(el(t, "actionChip")).right <= box(el(t, "newButton")).x, "chips end before the buttons")
-    }
-
-    function test_syncCardShowsAWholeCode_data() {
-        return [{ tag: "1320", width: 1320 }, { tag: "1700", width: 1700 }, { tag: "2200", width: 2200 }]
-    }
-
-    function test_syncCardShowsAWholeCode(data) {
-        setWidth(data.width)
-        const code = "K7QF-2M9X-PL4D-8RWA-C3NZ-H6TB"
-        t.store.syncCode = code
-        const field = el(t, "syncCodeField")
-        tryCompare(field.field, "text", code)
-        waitForRendering(t.main)
-        verify(field.field.contentWidth <= field.field.width, "code whole in its field")
-        verify(field.width >= field.labelWidth, "label whole")
-        for (const button of ["pullButton", "pushButton"])
-            compare(el(t, button).height, el(t, "exportButton").height, button + " on one line")
-        verify(inside(el(t, "pushButton"), el(t, "syncCard")), "push button inside its card")
-        verify(el(t, "previewPane").width >= 620, "preview keeps its minimum")
     }
 }

@@ -3,8 +3,7 @@ import QtTest
 import Velino
 import VelinoTest
 
-// The real window of the application shell: lock screen, menus, form, presets, reset,
-// sync, export and very large saved states.
+// The real window of the application shell, from its lock screen to very large saved states.
 WindowTestCase {
     id: testCase
     name: "MainWindow"
@@ -14,11 +13,10 @@ WindowTestCase {
     Component { id: signalSpyComponent; SignalSpy {} }
 
     function test_lockScreenRefusesThenUnlocks_data() {
-        return [{ tag: "space before, Return", wrong: " Falcon77!", submit: Qt.Key_Return },
-                { tag: "lower case, button", wrong: "falcon77!", submit: "button" },
-                { tag: "space after, keypad Enter", wrong: "Falcon77! ", submit: Qt.Key_Enter },
-                { tag: "too short, Return", wrong: "Falcon77", submit: Qt.Key_Return },
-                { tag: "empty, Return", wrong: "", submit: Qt.Key_Return }]
+        return [[" Falcon77!", Qt.Key_Return, "space before"], ["falcon77!", "button", "lower case, button"],
+                ["Falcon77! ", Qt.Key_Enter, "space after, keypad Enter"], ["Falcon77", Qt.Key_Return, "too short"],
+                ["", Qt.Key_Return, "empty"]].map(([wrong, submit, tag]) => ({ tag: tag, wrong: wrong, submit: submit }))
+
     }
 
     function test_lockScreenRefusesThenUnlocks(data) {
@@ -54,13 +52,6 @@ WindowTestCase {
         verify(named(named(w.contentItem, "mainLoader").item, "headerBand"))
     }
 
-    function findAction(menuBar, name) {
-        for (let m = 0; m < menuBar.count; ++m)
-            for (let i = 0; i < menuBar.menuAt(m).count; ++i)
-                if (menuBar.menuAt(m).itemAt(i)?.action?.objectName === name)
-                    return menuBar.menuAt(m).itemAt(i).action
-        return null
-    }
 
     function test_editMenuActsOnTheFocusedField() {
         const t = openUnlocked(), edit = t.window.menuBar.menuAt(0), actions = [0, 1, 2, 3].map(i => edit.itemAt(i).action)
@@ -84,8 +75,8 @@ WindowTestCase {
 
     function test_newWindowIsIndependentStartsLockedAndIsReleased() {
         const first = openUnlocked().window, count = AppShell.windowCount
-        const action = findAction(first.menuBar, "newWindowAction")
-        compare(action.text, "Nouvelle fenetre")
+        const action = first.menuBar.menuAt(1).itemAt(0).action
+        compare([action.objectName, action.text], ["newWindowAction", "Nouvelle fenetre"])
         action.trigger()
         compare(AppShell.windowCount, count + 1)
         const second = AppShell.windowAt(count)
@@ -98,9 +89,9 @@ WindowTestCase {
 
     function test_headerAndCards() {
         const t = openUnlocked(), m = t.main
-        for (const [name, property] of [["formatChip", "currentFormatStatus"], ["saveChip", "saveStatus"], ["actionChip", "lastAction"]])
-            verify(el(t, name).text === t.store[property] && t.store[property].length > 0, name)
-        compare(el(t, "actionChip").text, "Application prete.")
+        compare(["formatChip", "saveChip", "actionChip", "actionChip"].map(name => el(t, name).text),
+                [t.store.currentFormatStatus, t.store.saveStatus, t.store.lastAction, "Application prete."])
+        verify(t.store.currentFormatStatus.length > 0 && t.store.saveStatus.length > 0, "status chips not empty")
         compare(["newButton", "standalonePreviewButton", "exportButton", "openInMailButton", "copySubjectButton",
                  "copyTextButton", "copyMailButton", "openDraftButton"].filter(name => !el(t, name).enabled), [], "disabled")
         const inOrder = (names, axis) => compare(names.slice().sort((a, b) => el(t, a).mapToItem(m, 0, 0)[axis]
@@ -120,10 +111,8 @@ WindowTestCase {
         for (const [name, ...texts] of summaries)
             compare(["summaryTitle", "summaryValue", "summaryCaption"].map(part => named(el(t, name), part).text), texts, name)
         inOrder(summaries.map(s => s[0]), "x")
-        // Both panes at least at their minimum widths in the minimum window.
         verify(m.composerPane.width >= 540 && m.previewPane.width >= 620, m.composerPane.width + ", " + m.previewPane.width)
         verify(m.composerPane.x + m.composerPane.width <= m.previewPane.x)
-        // Without details the summary counts none.
         for (let i = 1; i <= 4; ++i)
             ["detailLabel", "detailValue"].forEach(field => clearField(t, field + i))
         tryCompare(t.store, "currentDetailsCount", 0, 3000)
@@ -196,16 +185,8 @@ WindowTestCase {
     function test_editMenuSelectsAndCopiesInThePreview() {
         const t = openUnlocked(), preview = waitForPreview(t)
         preview.webView.forceActiveFocus()
-        const selection = () => {
-            let value = null
-            preview.webView.runJavaScript("window.getSelection().toString()", (result) => { value = result })
-            tryVerify(() => value !== null, 5000)
-            return value
-        }
-        compare(selection(), "")
-        verify(t.window.editCommands.selectAll())
-        tryVerify(() => selection().indexOf("Votre devis est pret") >= 0, 5000)
         TestSupport.setClipboardText("")
+        verify(t.window.editCommands.selectAll())
         verify(t.window.editCommands.copy())
         tryVerify(() => TestSupport.clipboardText().indexOf("Votre devis est pret") >= 0, 5000)
     }
@@ -248,7 +229,6 @@ WindowTestCase {
         verify(t.store.data.subject !== defaultSubject && el(t, "field.subject").field.text === t.store.data.subject)
         mouseClick(named(row(), "loadButton"))
         compare([active(), row().isActive, el(t, "field.subject").field.text], [[], true, defaultSubject])
-        // Update through the button: the preset takes the current content.
         typeInto(t, "field.subject", " (mis a jour)")
         mouseClick(update)
         compare(t.store.customPresets[0].subjectLine, defaultSubject + " (mis a jour)")
@@ -268,7 +248,6 @@ WindowTestCase {
         for (const button of [push, pull]) {
             verify(push.enabled && pull.enabled, "enabled before " + button.text)
             mouseClick(button)
-            // The request is under way: nothing has answered yet.
             compare([t.store.isSyncing, push.enabled, pull.enabled], [true, false, false], button.text)
             tryCompare(t.store, "isSyncing", false, 15000)
             // The refused connection is reported in the status line and in an alert.
@@ -313,7 +292,6 @@ WindowTestCase {
             w.exportDialog.reject()
             tryVerify(() => !dialogs.isModal)
             compare(t.store.lastAction, before, "Annuler changes nothing")
-            // Accepted as offered: written in the dialog's folder.
             openDialog()
             w.exportDialog.accept()
             tryVerify(() => TestSupport.fileExists(home + "/" + file), 3000, file)
@@ -380,12 +358,11 @@ WindowTestCase {
         verify(summary.visible && /^Texte tres long \(.* [MK]o\) : ecran batterie/.test(summary.text), summary.text)
         compare([editor.text, editor.visible], ["", false], "nothing of the long text is laid out")
         compare([button.text, button.Accessible.name], ["Modifier quand meme", "Modifier quand meme : " + wrapper.title])
-        // Typing elsewhere regenerates and saves with the long text whole.
+        // Typing elsewhere regenerates and saves with the long text whole; the preview shows it cut, and says so.
         const before = t.store.generatedHTML
         typeInto(t, "field.recipientName", "Z")
         waitForDebounce(t, before)
         verify(t.store.data[data.field] === expected && summary.visible, "record unchanged, still summarised")
-        // The preview shows the e-mail with the long text cut, and says so.
         const preview = el(t, "htmlPreview")
         verify(preview.html.length < 100000, "preview of " + preview.html.length + " characters")
         verify(preview.html.indexOf(t.store.data.recipientName) >= 0, "preview follows the edit")
