@@ -3,9 +3,8 @@ import QtTest
 import Velino
 import VelinoTest
 
-// A test of the application's real windows, with their real stores and settings in a
-// temporary folder wiped before each test. Keys go to those windows, not to the test's own.
-// A window is held as { window, main, store, controller }.
+// A test of the application's real windows (settings in a temporary folder, wiped before each test); keys go
+// to those windows, not to the test's own. A window is held as { window, main, store, controller }.
 TestCase {
     when: windowShown
 
@@ -47,7 +46,6 @@ TestCase {
 
     function openWindow() {
         const w = AppShell.openWindow()
-        verify(w)
         opened.push(w)
         w.requestActivate()
         tryVerify(() => w.visible && w.active, 5000)
@@ -79,20 +77,22 @@ TestCase {
         return TestSupport.typeText(t.window, text), c
     }
 
+    // Empties a form field; returns the HTML from before.
     function clearField(t, fieldName) {
-        const c = focusControl(t, "field." + fieldName)
+        const c = focusControl(t, "field." + fieldName), before = t.store.generatedHTML
         c.selectAll()
         TestSupport.keyClick(t.window, Qt.Key_Backspace)
-        compare(c.text, "")
+        return compare(c.text, ""), before
     }
 
-    function waitForDebounce(t, before) { tryVerify(() => t.store.generatedHTML !== before, 3000, "regenerated after the debounce") }
+    function waitForDebounce(t, before) { tryVerify(() => t.store.generatedHTML !== before, 3000, "regenerated") }
+
 
     function waitForPreview(t) {
         const preview = el(t, "htmlPreview")
-        tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000, "preview shown")
-        return preview
+        return tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000, "preview shown"), preview
     }
+
 
     function box
 (item) {
@@ -111,7 +111,7 @@ TestCase {
         return inside(item, t.window.contentItem) && (!find(form, (i) => i === item) || inside(item, form))
     }
 
-    // Scrolls the form column so that `item` is on screen, where a click can reach it.
+    // Scrolls the form so that `item` is on screen, where a click can reach it.
     function reveal(t, item) {
         const flick = t.main.composerPane.scrollView.contentItem, y = item.mapToItem(flick.contentItem, 0, 0).y
         flick.contentY = Math.max(0, Math.min(y - 120, flick.contentHeight - flick.height))

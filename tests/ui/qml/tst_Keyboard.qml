@@ -41,17 +41,14 @@ WindowTestCase {
             verify(onScreen(t, t.window.activeFocusItem), name + " fully on screen when focused")
             if (!seen.includes(name))
                 seen.push(name)
-
         }
         compare(focusedName(), "newButton", "Tab goes round the whole window; seen: " + seen.join(", "))
-        const expected = ["newButton", "standalonePreviewButton", "exportButton", "openInMailButton",
-                          "presetTile.devis", "presetTile.pret", "presetTile.rdv", "presetTile.relance",
-                          "presetNameField", "field.recipientName", "field.recipientEmail", "field.subject",
-                          "field.preheader", "syncCodeField", "pullButton", "pushButton", "webInterfaceLink",
-                          "field.mailTitle", "field.mailIntro", "field.mailBody", "field.highlight",
-                          "field.detailLabel1", "field.detailValue4", "field.ctaLabel", "field.ctaURL",
-                          "field.closingNote", "openDraftButton", "field.logoURL", "field.accentPrimary",
-                          "field.senderEmail", "field.footerNote", "copySubjectButton", "copyTextButton", "copyMailButton"]
+        const expected = ("newButton standalonePreviewButton exportButton openInMailButton presetTile.devis presetTile.pret "
+                          + "presetTile.rdv presetTile.relance presetNameField field.recipientName field.recipientEmail "
+                          + "field.subject field.preheader syncCodeField pullButton pushButton webInterfaceLink field.mailTitle "
+                          + "field.mailIntro field.mailBody field.highlight field.detailLabel1 field.detailValue4 field.ctaLabel "
+                          + "field.ctaURL field.closingNote openDraftButton field.logoURL field.accentPrimary field.senderEmail "
+                          + "field.footerNote copySubjectButton copyTextButton copyMailButton").split(" ")
         compare(seen.filter(name => expected.includes(name)), expected, "reached with Tab, in reading order")
         // The disabled buttons are skipped, not lost: they join once enabled.
         verify(!seen.includes("saveAsNewButton") && !seen.includes("updateLoadedButton"))
@@ -60,10 +57,10 @@ WindowTestCase {
     function test_spaceReturnAndArrowsAct() {
         // Return on a tile applies it; the arrows move between tiles.
         focusOn("presetTile.devis")
-        for (const [key, focused, active] of [[Qt.Key_Right, "presetTile.pret", "devis"], [Qt.Key_Return, "presetTile.pret", "pret"],
-                                              [Qt.Key_Left, "presetTile.devis", "pret"], [Qt.Key_Space, "presetTile.devis", "devis"]]) {
+        for (const [key, focused, active] of [[Qt.Key_Right, "pret", "devis"], [Qt.Key_Return, "pret", "pret"],
+                                              [Qt.Key_Left, "devis", "pret"], [Qt.Key_Space, "devis", "devis"]]) {
             press(key)
-            compare([focusedName(), t.store.activePreset], [focused, active])
+            compare([focusedName(), t.store.activePreset], ["presetTile." + focused, active])
         }
         const ring = (name) => find(el(t, name), (i) => i.shown === true && i.border !== undefined)
         focusOn("copySubjectButton")
@@ -76,19 +73,21 @@ WindowTestCase {
         tryCompare(t.store, "lastAction", "Version texte copiee.")
     }
 
-    function test_tabLeavesEditorsWithoutTypingIntoTheRecord_data() {
-        return ["mailIntro", "mailBody", "closingNote", "footerNote"].map(field => ({ tag: field, field: field }))
-    }
+    function test_tabLeavesEditors_data() { return ["mailIntro", "mailBody", "closingNote", "footerNote"].map(tag => ({ tag })) }
 
-    function test_tabLeavesEditorsWithoutTypingIntoTheRecord(data) {
-        const before = t.store.data[data.field], editor = el(t, "field." + data.field).editor
+
+
+    // Tab and Shift+Tab leave a text editor and type nothing into it.
+    function test_tabLeavesEditors(data) {
+
+        const before = t.store.data[data.tag], editor = el(t, "field." + data.tag).editor
         for (const [key, modifiers] of [[Qt.Key_Tab, 0], [Qt.Key_Backtab, Qt.ShiftModifier]]) {
             editor.forceActiveFocus(Qt.TabFocusReason)
             editor.cursorPosition = 3
             press(key, modifiers)
             verify(!editor.activeFocus, "leaves with " + key)
         }
-        compare([editor.text, t.store.data[data.field]], [before, before], "unchanged on screen and in the record")
+        compare([editor.text, t.store.data[data.tag]], [before, before], "unchanged on screen and in the record")
     }
 
     function test_pageKeysScrollTheForm() {
@@ -115,8 +114,8 @@ WindowTestCase {
             opener.forceActiveFocus(Qt.TabFocusReason)
             press(Qt.Key_Return)
             tryVerify(() => alert.opened && t.controller.showResetAlert, 3000)
-            compare(named(alert.contentItem, "alertTitle").text, "Revenir au template Korvel de base ?")
-            compare(named(alert.contentItem, "alertMessage").text, "Le contenu actuel sera remplace par le modele natif par defaut.")
+            compare(["alertTitle", "alertMessage"].map(name => named(alert.contentItem, name).text),
+                    ["Revenir au template Korvel de base ?", "Le contenu actuel sera remplace par le modele natif par defaut."])
             tryVerify(() => named(alert.contentItem, "resetCancelButton").activeFocus, 2000, "Annuler has the focus")
         }
         const answered = () => {
@@ -139,12 +138,15 @@ WindowTestCase {
         answered()
         compare([t.store.data.subject, el(t, "field.subject").field.text, el(t, "field.mailTitle").field.text],
                 [defaultSubject, defaultSubject, "Votre devis est pret"])
-        compare([t.store.activePreset, el(t, "presetTile.devis").isActive, t.store.lastAction], ["devis", true, "Nouveau message."])
+        compare([t.store.activePreset, el(t, "presetTile.devis").isActive, t.store.lastAction],
+                ["devis", true, "Nouveau message."])
     }
 
     // Deleting from the keyboard leaves the focus on the next row, then on the name field.
     function test_focusAfterDeletingPresets() {
-        ["Premier", "Deuxieme", "Troisieme"].forEach(name => (t.store.customPresetDraftName = name, t.store.saveAsNewCustomPreset()))
+        for (const name of ["Premier", "Deuxieme", "Troisieme"])
+            t.store.customPresetDraftName = name, t.store.saveAsNewCustomPreset()
+
         const list = el(t, "customPresetList")
         tryVerify(() => list.count === 3 && list.itemAtIndex(2), 3000)
         for (let left = 3; left > 0; --left) {

@@ -19,8 +19,8 @@ WindowTestCase {
             const item = typeof name === "string" ? el(t, name) : name
             verify(item.width >= item.implicitWidth - 0.5, item.objectName + " whole")
             if (within)
-                verify(inside(item, within), item.objectName + ": " + JSON.stringify(box(item)) + " inside "
-                       + JSON.stringify(box(within)))
+                verify(inside(item, within), item.objectName + " " + JSON.stringify(box(item)) + " in " + within.objectName)
+
         }
     }
 
@@ -70,11 +70,10 @@ WindowTestCase {
         tryVerify(() => rowOf() !== null && rowOf().isActive, 3000, "row of the saved preset")
         const row = rowOf()
         waitForRendering(t.main)
-        const chip = named(row, "activeChip")
-        verify(chip.visible)
+        const chip = named(row, "activeChip"), label = named(row, "presetName")
+        verify(chip.visible && label.truncated, "chip shown, long name shortened")
         verifyWhole([named(row, "loadButton"), named(row, "overwriteButton"), named(row, "removeButton"), chip], row)
-        const label = named(row, "presetName")
-        verify(label.truncated, "long name shortened")
+
         compare(label.ToolTip.text, name)
         verify(box(label).right <= box(chip).x, "name ends before the chip")
         verify(named(row, "removeButton").destructive)
