@@ -87,12 +87,10 @@ TestCase {
 
     function waitForDebounce(t, before) { tryVerify(() => t.store.generatedHTML !== before, 3000, "regenerated") }
 
-
     function waitForPreview(t) {
         const preview = el(t, "htmlPreview")
         return tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000, "preview shown"), preview
     }
-
 
     function box
 (item) {
@@ -127,7 +125,6 @@ TestCase {
         const ok = named(popup.contentItem, "alertOkButton"), text = (name) => named(popup.contentItem, name).text
         const shown = { title: text("alertTitle"), message: text("alertMessage"), buttons: ok.parent.children.length,
                         button: ok.text, modal: popup.modal && dialogs.isModal }
-
         mouseClick(ok)
         tryVerify(() => !dialogs.alertVisible && !popup.visible, 3000, "alert closed by OK")
         return shown

@@ -75,11 +75,8 @@ WindowTestCase {
 
     function test_tabLeavesEditors_data() { return ["mailIntro", "mailBody", "closingNote", "footerNote"].map(tag => ({ tag })) }
 
-
-
     // Tab and Shift+Tab leave a text editor and type nothing into it.
     function test_tabLeavesEditors(data) {
-
         const before = t.store.data[data.tag], editor = el(t, "field." + data.tag).editor
         for (const [key, modifiers] of [[Qt.Key_Tab, 0], [Qt.Key_Backtab, Qt.ShiftModifier]]) {
             editor.forceActiveFocus(Qt.TabFocusReason)
@@ -102,8 +99,6 @@ WindowTestCase {
         fuzzyCompare(flick.contentY, flick.contentHeight - flick.height, 1)
         press(Qt.Key_PageUp)
         verify(flick.contentY < flick.contentHeight - flick.height - flick.height / 2)
-
-
     }
 
     // "Nouveau" asks first: Escape or "Annuler" keep the content, "Reinitialiser" brings back the base template.
@@ -146,7 +141,6 @@ WindowTestCase {
     function test_focusAfterDeletingPresets() {
         for (const name of ["Premier", "Deuxieme", "Troisieme"])
             t.store.customPresetDraftName = name, t.store.saveAsNewCustomPreset()
-
         const list = el(t, "customPresetList")
         tryVerify(() => list.count === 3 && list.itemAtIndex(2), 3000)
         for (let left = 3; left > 0; --left) {

@@ -20,7 +20,6 @@ WindowTestCase {
             verify(item.width >= item.implicitWidth - 0.5, item.objectName + " whole")
             if (within)
                 verify(inside(item, within), item.objectName + " " + JSON.stringify(box(item)) + " in " + within.objectName)
-
         }
     }
 
@@ -73,7 +72,6 @@ WindowTestCase {
         const chip = named(row, "activeChip"), label = named(row, "presetName")
         verify(chip.visible && label.truncated, "chip shown, long name shortened")
         verifyWhole([named(row, "loadButton"), named(row, "overwriteButton"), named(row, "removeButton"), chip], row)
-
         compare(label.ToolTip.text, name)
         verify(box(label).right <= box(chip).x, "name ends before the chip")
         verify(named(row, "removeButton").destructive)

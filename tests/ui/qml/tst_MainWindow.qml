@@ -16,7 +16,6 @@ WindowTestCase {
         return [[" Falcon77!", Qt.Key_Return, "space before"], ["falcon77!", "button", "lower case, button"],
                 ["Falcon77! ", Qt.Key_Enter, "space after, keypad Enter"], ["Falcon77", Qt.Key_Return, "too short"],
                 ["", Qt.Key_Return, "empty"]].map(([wrong, submit, tag]) => ({ tag: tag, wrong: wrong, submit: submit }))
-
     }
 
     function test_lockScreenRefusesThenUnlocks(data) {
@@ -49,9 +48,7 @@ WindowTestCase {
         submit("Falcon77!")
         locked(false)
         compare([w.lockState.errorText, w.lockState.password], ["", ""])
-
     }
-
 
     function test_editMenuActsOnTheFocusedField() {
         const t = openUnlocked(), edit = t.window.menuBar.menuAt(0), actions = [0, 1, 2, 3].map(i => edit.itemAt(i).action)
@@ -129,7 +126,6 @@ WindowTestCase {
                        ["detailLabel4", "detailValue4"], ["ctaLabel", "ctaURL"], ["logoURL", "accentPrimary"],
                        ["accentSecondary", "titleFont"], ["senderRole", "senderPhone"]]
         for (const [left, right] of pairs) {
-
             compare(at(left).y, at(right).y, left + " and " + right + " on one row")
             fuzzyCompare(at(right).x - (at(left).x + width(left)), 14, 1)
             fuzzyCompare(width(left), width(right), 1)
@@ -148,8 +144,6 @@ WindowTestCase {
         compare([fields.length, fields.slice().sort()], [31, Object.keys(t.store.data).sort()])
         const colours = { accentPrimary: "#123456", accentSecondary: "#abcdef" }
         const clock = createTemporaryObject(htmlClock, testCase, { target: t.store })
-
-
         for (const name of fields) {
             if (name === "recipientEmail") // the address shows in the e-mail only when no name is given
                 waitForDebounce(t, clearField(t, "recipientName"))
@@ -320,7 +314,6 @@ WindowTestCase {
         compare(list.count, 1000)
         verify(list.height <= list.maximumHeight, "the list keeps its own height")
         verify(created() > 0 && created() <= 15, created() + " rows created for 1000 presets")
-
         const spies = ["modelReset", "dataChanged", "rowsInserted", "rowsRemoved", "rowsMoved", "layoutChanged"].map(name =>
             createTemporaryObject(signalSpyComponent, testCase, { target: t.controller.customPresetModel, signalName: name }))
         const counts = () => spies.map(spy => spy.count)
@@ -334,7 +327,6 @@ WindowTestCase {
         // Overwriting it moves its row to the top; deleting it removes that row.
         mouseClick(named(list.itemAtIndex(1), "overwriteButton"))
         tryVerify(() => list.itemAtIndex(0)?.presetId === t.store.activeCustomPresetID, 2000, "overwritten row on top")
-
         compare(spies[4].count, 1)
         mouseClick(named(list.itemAtIndex(0), "removeButton"))
         tryCompare(list, "count", 999)
