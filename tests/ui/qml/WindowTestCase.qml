@@ -1,0 +1,132 @@
+import QtQuick
+import QtTest
+import Velino
+import VelinoTest
+
+// A test of the application's real windows (settings in a temporary folder, wiped before each test); keys go
+// to those windows, not to the test's own. A window is held as { window, main, store, controller }.
+TestCase {
+    when: windowShown
+
+    // A closed local port: a push fails at once, and nothing leaves the machine.
+    readonly property string serviceHost: "127.0.0.1:9"
+    readonly property string defaultSubject: "Votre devis Korvel est pret"
+    property var opened: []
+    // The unlocked window each test starts with, when unlockEachTest is set.
+    property bool unlockEachTest: false
+    property var t: null
+
+    function initTestCase() { TestSupport.setEnvironment("VELINO_SERVICE_HOST", serviceHost) }
+    function cleanupTestCase() { TestSupport.unsetEnvironment("VELINO_SERVICE_HOST") }
+
+    function init() {
+        verify(TestSupport.resetSettings(), "settings wiped")
+        t = unlockEachTest ? openUnlocked() : null
+    }
+
+    function cleanup() {
+        opened.splice(0).forEach(w => w?.close())
+        wait(0)
+    }
+
+    function find(item, test) {
+        if (!item || test(item))
+            return item
+        return Array.from(item.children).reduce((found, child) => found || find(child, test), null)
+    }
+
+    function named(root, name) {
+        const item = find(root, (i) => i.objectName === name)
+        return verify(item, "item " + name), item
+    }
+
+    function el(t, name) { return named(t.main, name) }
+    function lockItem(w, name) { return named(named(w.contentItem, "lockLoader").item, name) }
+    function control(wrapper) { return wrapper.field !== undefined ? wrapper.field : wrapper.editor }
+
+    function openWindow() {
+        const w = AppShell.openWindow()
+        opened.push(w)
+        w.requestActivate()
+        tryVerify(() => w.visible && w.active, 5000)
+        return { window: w }
+    }
+
+    function openUnlocked() {
+        const t = openWindow()
+        tryVerify(() => lockItem(t.window, "passwordField").activeFocus, 3000, "password field focused")
+        TestSupport.typeText(t.window, "Falcon77!")
+        TestSupport.keyClick(t.window, Qt.Key_Return)
+        tryVerify(() => t.window.lockState.isUnlocked)
+        const main = named(t.window.contentItem, "mainLoader").item
+        compare(main.objectName, "mainContent")
+        return Object.assign(t, { main: main, controller: t.window.controller, store: t.window.controller.store })
+    }
+
+    // The control of `name` (a form field's: "field." + its name), focused, cursor at its end.
+    function focusControl(t, name) {
+        const c = control(el(t, name))
+        c.forceActiveFocus()
+        tryVerify(() => c.activeFocus, 2000, name + " focused")
+        c.cursorPosition = c.length
+        return c
+    }
+
+    function typeInto(t, name, text) {
+        const c = focusControl(t, name)
+        return TestSupport.typeText(t.window, text), c
+    }
+
+    // Empties a form field; returns the HTML from before.
+    function clearField(t, fieldName) {
+        const c = focusControl(t, "field." + fieldName), before = t.store.generatedHTML
+        c.selectAll()
+        TestSupport.keyClick(t.window, Qt.Key_Backspace)
+        return compare(c.text, ""), before
+    }
+
+    function waitForDebounce(t, before) { tryVerify(() => t.store.generatedHTML !== before, 3000, "regenerated") }
+
+    function waitForPreview(t) {
+        const preview = el(t, "htmlPreview")
+        return tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000, "preview shown"), preview
+    }
+
+    function box
+(item) {
+        const p = item.mapToItem(item.Window.contentItem, 0, 0)
+        return { x: p.x, y: p.y, right: p.x + item.width, bottom: p.y + item.height }
+    }
+
+    function inside(inner, outer) {
+        const a = box(inner), b = box(outer)
+        return a.x >= b.x - 0.5 && a.right <= b.right + 0.5 && a.y >= b.y - 0.5 && a.bottom <= b.bottom + 0.5
+    }
+
+    // On screen, and inside the form's scrolled viewport when in the form.
+    function onScreen(t, item) {
+        const form = t.main.composerPane
+        return inside(item, t.window.contentItem) && (!find(form, (i) => i === item) || inside(item, form))
+    }
+
+    // Scrolls the form so that `item` is on screen, where a click can reach it.
+    function reveal(t, item) {
+        const flick = t.main.composerPane.scrollView.contentItem, y = item.mapToItem(flick.contentItem, 0, 0).y
+        flick.contentY = Math.max(0, Math.min(y - 120, flick.contentHeight - flick.height))
+        waitForRendering(t.main)
+        verify(onScreen(t, item), item.objectName + " on screen")
+        return item
+    }
+
+    // Answers the warning on screen with its "OK", as a user would; returns what it showed.
+    function answerAlert(t) {
+        const popup = t.window.warningAlert, dialogs = t.controller.dialogs
+        tryVerify(() => popup.opened, 5000, "alert shown")
+        const ok = named(popup.contentItem, "alertOkButton"), text = (name) => named(popup.contentItem, name).text
+        const shown = { title: text("alertTitle"), message: text("alertMessage"), buttons: ok.parent.children.length,
+                        button: ok.text, modal: popup.modal && dialogs.isModal }
+        mouseClick(ok)
+        tryVerify(() => !dialogs.alertVisible && !popup.visible, 3000, "alert closed by OK")
+        return shown
+    }
+}
