@@ -4,15 +4,12 @@
 #include <gtest/gtest.h>
 
 using namespace velino;
+using test::defaultWith;
 
 namespace {
 
 bool check(const MailComposerData &d, int index) {
     return MailTemplateContext(d).checklist().at(index).ok;
-}
-
-QString subjectOf(int count, const QString &unit = "a") {
-    return unit.repeated(count);
 }
 
 } // namespace
@@ -27,57 +24,49 @@ TEST(Checklist, DefaultRecordPassesAllEightChecks) {
     EXPECT_EQ(items[7].text, "La signature inspire confiance.");
     EXPECT_EQ(c.formatStatus(), "Pret a envoyer");
     EXPECT_EQ(c.detailsCount(), 4);
+    // Fresh identities for each computation.
+    const auto again = c.checklist();
+    for (int i = 0; i < 8; ++i)
+        EXPECT_NE(items[i].id, again[i].id);
+    EXPECT_NE(c.details[0].id, MailTemplateContext(c.data).details[0].id);
 }
 
+// Between 12 and 90 user-perceived characters: decomposed accents and joined emoji count
+// once each, a flag right after an emoji is one character of its own.
 TEST(Checklist, SubjectLengthBoundsCountUserPerceivedCharacters) {
-    using test::defaultWith;
-    EXPECT_FALSE(check(defaultWith(u"subject", subjectOf(11)), 1));
-    EXPECT_TRUE(check(defaultWith(u"subject", subjectOf(12)), 1));
-    EXPECT_TRUE(check(defaultWith(u"subject", subjectOf(90)), 1));
-    EXPECT_FALSE(check(defaultWith(u"subject", subjectOf(91)), 1));
-    EXPECT_TRUE(check(defaultWith(u"subject", "  " + subjectOf(12) + "  "), 1));
-    // Decomposed accents and joined emoji count once each.
-    const QString decomposed = QString::fromUtf16(u"e\u0301");
-    EXPECT_FALSE(check(defaultWith(u"subject", subjectOf(11, decomposed)), 1));
-    EXPECT_TRUE(check(defaultWith(u"subject", subjectOf(90, decomposed)), 1));
+    const QString accent = QString::fromUtf16(u"e\u0301");
     const QString family = QString::fromUtf16(u"\U0001F468\u200D\U0001F469\u200D\U0001F467");
-    EXPECT_TRUE(check(defaultWith(u"subject", subjectOf(12, family)), 1));
-    EXPECT_FALSE(check(defaultWith(u"subject", subjectOf(91, family)), 1));
-    // A flag right after an emoji is one character of its own.
     const QString emojiFlag = QString::fromUtf16(u"\U0001F600\U0001F1EB\U0001F1F7");
-    EXPECT_FALSE(check(defaultWith(u"subject", emojiFlag + subjectOf(9)), 1));
-    EXPECT_TRUE(check(defaultWith(u"subject", emojiFlag + subjectOf(10)), 1));
-    const ChecklistItem failing =
-        MailTemplateContext(defaultWith(u"subject", "court")).checklist().at(1);
-    EXPECT_EQ(failing.text, "Garde un objet entre 12 et 90 caracteres pour une lecture nette.");
+    const QString a = "a";
+    for (const QString &fits :
+         {a.repeated(12), a.repeated(90), "  " + a.repeated(12) + "  ", accent.repeated(90),
+          family.repeated(12), emojiFlag + a.repeated(10)})
+        EXPECT_TRUE(check(defaultWith(u"subject", fits), 1)) << fits.toStdString();
+    for (const QString &outside : {a.repeated(11), a.repeated(91), accent.repeated(11),
+                                   family.repeated(91), emojiFlag + a.repeated(9)})
+        EXPECT_FALSE(check(defaultWith(u"subject", outside), 1)) << outside.toStdString();
+    EXPECT_EQ(MailTemplateContext(defaultWith(u"subject", "court")).checklist().at(1).text,
+              "Garde un objet entre 12 et 90 caracteres pour une lecture nette.");
 }
 
-TEST(Checklist, RecipientActionAndSignatureRules) {
-    using test::defaultWith;
+TEST(Checklist, RecipientActionDetailsAndSignatureRules) {
     EXPECT_FALSE(check(defaultWith(u"recipientEmail", "   "), 0));
-
-    MailComposerData noLink = MailComposerData::defaultRecord();
-    noLink.ctaURL = "";
-    noLink.senderEmail = "";
-    EXPECT_FALSE(check(noLink, 6));
-    noLink.senderEmail = "s@k.fr";
-    EXPECT_TRUE(check(noLink, 6));
     EXPECT_FALSE(check(defaultWith(u"ctaLabel", " "), 6));
-
-    MailComposerData signature = MailComposerData::defaultRecord();
-    signature.senderEmail = "";
-    EXPECT_TRUE(check(signature, 7)); // name and phone
-    signature.senderName = "";
-    EXPECT_FALSE(check(signature, 7));
-    EXPECT_EQ(MailTemplateContext(signature).checklist().at(7).text,
-              "Ajoute un nom et un contact dans la signature.");
-}
-
-TEST(Checklist, DetailsCheckNeedsTwoRows) {
     MailComposerData d = MailComposerData::defaultRecord();
+    d.ctaURL = d.senderEmail = "";
+    EXPECT_FALSE(check(d, 6)); // no link at all
+    EXPECT_TRUE(check(d, 7));  // name and phone sign
+    d.senderEmail = "s@k.fr";
+    EXPECT_TRUE(check(d, 6));
+    d.senderEmail = d.senderName = "";
+    EXPECT_FALSE(check(d, 7));
+    EXPECT_EQ(MailTemplateContext(d).checklist().at(7).text,
+              "Ajoute un nom et un contact dans la signature.");
+
+    d = MailComposerData::defaultRecord();
     d.detailLabel2 = d.detailValue2 = d.detailLabel3 = d.detailValue3 = "";
     d.detailLabel4 = d.detailValue4 = "";
-    EXPECT_FALSE(check(d, 4));
+    EXPECT_FALSE(check(d, 4)); // the details need two rows
     d.detailValue4 = "x";
     EXPECT_TRUE(check(d, 4));
 }
@@ -94,15 +83,4 @@ TEST(FormatStatus, ThresholdsDifferFromTheChecklist) {
     d.detailLabel2 = d.detailValue2 = "";
     EXPECT_EQ(MailTemplateContext(d).formatStatus(), "A completer");
     EXPECT_EQ(MailTemplateContext(MailComposerData::blank()).formatStatus(), "A completer");
-}
-
-TEST(Checklist, IdentitiesAreFreshForEachComputation) {
-    const MailTemplateContext c(MailComposerData::defaultRecord());
-    const auto first = c.checklist();
-    const auto second = c.checklist();
-    for (int i = 0; i < 8; ++i) {
-        EXPECT_EQ(first[i].text, second[i].text);
-        EXPECT_NE(first[i].id, second[i].id);
-    }
-    EXPECT_NE(c.details[0].id, MailTemplateContext(c.data).details[0].id);
 }

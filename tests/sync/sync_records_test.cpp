@@ -12,13 +12,10 @@ using namespace velino;
 // What the store never shows (the phone's saved presets are read, then left aside) but the
 // decoder must still read right. Its refusals are checked through a store pulling them.
 TEST(SyncRecords, DownloadAnswerRoundTripsWithItsSavedPresets) {
-    CustomMailPreset preset;
-    preset.id = randomUuid();
-    preset.name = "Relance tablette";
-    preset.sourcePreset = PresetKind::Relance;
-    preset.data = test::defaultWith(u"subject", "Votre tablette vous attend");
-    preset.createdAt = Instant{788918400.0};
-    preset.updatedAt = Instant{788918460.0};
+    const CustomMailPreset preset{
+        randomUuid(),         "Relance tablette",
+        PresetKind::Relance,  test::defaultWith(u"subject", "Votre tablette vous attend"),
+        Instant{788918400.0}, Instant{788918460.0}};
 
     VelinoSyncDownloadResponse response;
     response.ok = true;
@@ -35,9 +32,7 @@ TEST(SyncRecords, DownloadAnswerRoundTripsWithItsSavedPresets) {
     const auto decoded = decodeSyncRecord<VelinoSyncDownloadResponse>(bytes(answer), &error);
     ASSERT_TRUE(decoded.has_value()) << error.toStdString();
     EXPECT_EQ(decoded->toJson(), answer);
-    ASSERT_EQ(decoded->snapshot.payload.customPresets.size(), 1);
-    EXPECT_EQ(decoded->snapshot.payload.customPresets[0].name, "Relance tablette");
-    EXPECT_EQ(decoded->snapshot.payload.customPresets[0].updatedAt, Instant{788918460.0});
+    EXPECT_TRUE(decoded->snapshot.payload.customPresets.value(0) == preset);
     EXPECT_EQ(decoded->snapshot.payload.activeCustomPresetID, preset.id);
 
     // A lower-case identifier and a time with an offset name the same values.
