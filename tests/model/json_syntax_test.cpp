@@ -1,10 +1,5 @@
 #include "json_reader.h"
 #include "json_syntax.h"
-#include "mail_composer_data.h"
-
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QRandomGenerator>
 
 #include <gtest/gtest.h>
 
@@ -15,12 +10,6 @@ namespace {
 QString syntaxError(const QByteArray &json) {
     QString error;
     return checkJsonSyntax(json, &error) ? QString() : error;
-}
-
-bool qtAccepts(const QByteArray &json) {
-    QJsonParseError error{};
-    QJsonDocument::fromJson(json, &error);
-    return error.error == QJsonParseError::NoError;
 }
 
 } // namespace
@@ -62,12 +51,11 @@ TEST(JsonSyntax, RefusesEveryFormOutsideRfc8259AndSaysWhere) {
     }
 }
 
-TEST(JsonSyntax, AcceptsWhatRfc8259AcceptsAsQtReadsIt) {
+TEST(JsonSyntax, AcceptsWhatRfc8259Accepts) {
     const QByteArray valid =
         " {\"a\": [1, -0, -0.5e+3, 2E-2, true, false, null, {\"b\": \"\\u00e9\\ud83d\\ude00\\n\\/"
         "\xC3\xA9\xF0\x9F\x98\x80\"}], \"c\": {}, \"d\": [], \"e\": \"\", \"\": 0}\r\n";
     EXPECT_EQ(syntaxError(valid), QString());
-    EXPECT_TRUE(qtAccepts(valid));
     EXPECT_EQ(syntaxError(QByteArray(512, '[') + QByteArray(512, ']')), QString());
     // Far deeper documents are refused without exhausting the stack.
     EXPECT_TRUE(syntaxError(QByteArray(100000, '[') + QByteArray(100000, ']'))
@@ -80,37 +68,4 @@ TEST(JsonReader, LoneSurrogateEscapesReadAsTheReplacementCharacter) {
     ASSERT_TRUE(object) << error.toStdString();
     JsonReader reader(*object, QString(), &error);
     EXPECT_EQ(reader.string(u"a"), QString::fromUtf16(u"x\uFFFDy\uFFFD\U0001F600"));
-}
-
-// Mutations of a real document: whatever the check lets through, Qt's parser reads too,
-// so the object model is only ever built from a document the check has vouched for.
-TEST(JsonSyntax, NeverLetsThroughWhatQtRefuses) {
-    const quint32 seed = 1122;
-    QRandomGenerator random(seed);
-    const QByteArray document =
-        QJsonDocument(
-            QJsonObject{{"data", MailComposerData::defaultRecord().toJson()},
-                        {"list", QJsonArray{1.5, -2, true, QJsonValue::Null, "t\xc3\xa9l\\\"x"}}})
-            .toJson();
-    int accepted = 0;
-    for (int round = 0; round < 2000; ++round) {
-        QByteArray mutated = document;
-        for (int edits = random.bounded(1, 4); edits > 0; --edits) {
-            const int at = random.bounded(static_cast<int>(mutated.size()));
-            const int edit = random.bounded(3);
-            if (edit == 0)
-                mutated[at] = "{}[],:\"\\0-e.t \x01\xC3"[random.bounded(16)];
-            else if (edit == 1)
-                mutated.remove(at, 1);
-            else
-                mutated.insert(at, "\"}],:1"[random.bounded(6)]);
-        }
-        const bool passes = syntaxError(mutated).isEmpty();
-        accepted += passes ? 1 : 0;
-        ASSERT_TRUE(!passes || qtAccepts(mutated))
-            << "seed " << seed << ": " << mutated.toStdString();
-    }
-    // Some mutations keep the document valid (an edit inside a text): both sides were seen.
-    EXPECT_GT(accepted, 0);
-    EXPECT_LT(accepted, 2000);
 }

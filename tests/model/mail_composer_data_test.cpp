@@ -20,21 +20,18 @@ QStringList changedFields(const MailComposerData &before, const MailComposerData
 
 } // namespace
 
-// The reference record the golden documents render is the compiled-in default (and the
-// blank golden document shows the fallbacks).
+// The golden documents render the reference record: it is the compiled-in default.
 TEST(MailComposerData, DefaultRecordIsTheReferenceRecord) {
     const QJsonObject reference =
         QJsonDocument::fromJson(test::readTestData("default_record.json")).object();
     EXPECT_EQ(MailComposerData::defaultRecord().toJson(), reference);
 }
 
-// All 31 keys as texts: the default record's JSON is checked against the reference record.
 TEST(MailComposerData, JsonRoundTripTrimsNothing) {
     const MailComposerData d = test::blankWith(u"mailIntro", "  a\n\nb  ");
     QString error;
     const auto back = MailComposerData::fromJson(d.toJson(), QString(), &error);
     ASSERT_TRUE(back.has_value()) << error.toStdString();
-    EXPECT_EQ(back->mailIntro, "  a\n\nb  ");
     EXPECT_TRUE(*back == d);
 }
 
@@ -74,9 +71,6 @@ TEST(ApplyPreset, OverwritesMessageTextsAndKeepsRecipientBrandingAndSignature) {
         d.*field.member = "x";
     const MailComposerData before = d;
     d.applyPreset(PresetKind::Rdv);
-    EXPECT_EQ(d.detailLabel3, "Rendez-vous");
-    EXPECT_EQ(d.detailValue3, "Mardi a 14h30");
-    EXPECT_EQ(d.ctaURL, "mailto:contact@korvel.example");
     const QStringList changed = changedFields(before, d);
     EXPECT_EQ(changed.size(), 17);
     for (const char *kept :
@@ -105,8 +99,6 @@ TEST(PresetKind, IdentifiersAreExactAndCaseSensitive) {
     EXPECT_EQ(presetKindFromId(u"relance"), PresetKind::Relance);
     EXPECT_FALSE(presetKindFromId(u"Relance").has_value());
     EXPECT_FALSE(presetKindFromId(u" devis").has_value());
-    EXPECT_EQ(presetTitle(PresetKind::Pret), "Appareil pret");
-    EXPECT_EQ(presetId(PresetKind::Rdv), "rdv");
 }
 
 // Percent escapes are decoded only when well-formed UTF-8; pluses become blanks only in

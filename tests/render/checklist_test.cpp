@@ -15,33 +15,22 @@ bool check(const MailComposerData &d, int index) {
 } // namespace
 
 // That the default record passes all eight checks is checked through velino-render.
-TEST(Checklist, EightChecksWithFreshIdentitiesForEachComputation) {
+TEST(Checklist, EachComputationGivesFreshIdentities) {
     const MailTemplateContext c(MailComposerData::defaultRecord());
-    const QList<ChecklistItem> items = c.checklist(), again = c.checklist();
-    ASSERT_EQ(items.size(), 8);
-    EXPECT_EQ(items[0].text, "Le destinataire est renseigne.");
-    EXPECT_EQ(items[7].text, "La signature inspire confiance.");
-    for (int i = 0; i < 8; ++i)
-        EXPECT_NE(items[i].id, again[i].id);
+    EXPECT_NE(c.checklist().at(7).id, c.checklist().at(7).id);
     EXPECT_NE(c.details[0].id, MailTemplateContext(c.data).details[0].id);
 }
 
-// Between 12 and 90 user-perceived characters: decomposed accents and joined emoji count
-// once each, a flag right after an emoji is one character of its own.
+// Between 12 and 90 user-perceived characters (the counting itself is tested in text_test).
 TEST(Checklist, SubjectLengthBoundsCountUserPerceivedCharacters) {
     const QString accent = QString::fromUtf16(u"e\u0301");
-    const QString family = QString::fromUtf16(u"\U0001F468\u200D\U0001F469\u200D\U0001F467");
-    const QString emojiFlag = QString::fromUtf16(u"\U0001F600\U0001F1EB\U0001F1F7");
-    const QString a = "a";
-    for (const QString &fits :
-         {a.repeated(12), a.repeated(90), "  " + a.repeated(12) + "  ", accent.repeated(90),
-          family.repeated(12), emojiFlag + a.repeated(10)})
-        EXPECT_TRUE(check(defaultWith(u"subject", fits), 1)) << fits.toStdString();
-    for (const QString &outside : {a.repeated(11), a.repeated(91), accent.repeated(11),
-                                   family.repeated(91), emojiFlag + a.repeated(9)})
-        EXPECT_FALSE(check(defaultWith(u"subject", outside), 1)) << outside.toStdString();
-    EXPECT_EQ(MailTemplateContext(defaultWith(u"subject", "court")).checklist().at(1).text,
-              "Garde un objet entre 12 et 90 caracteres pour une lecture nette.");
+    const std::pair<QString, bool> cases[] = {
+        {QString(12, u'a'), true},    {QString(90, u'a'), true},  {"  " + QString(12, u'a'), true},
+        {accent.repeated(90), true},  {QString(11, u'a'), false}, {QString(91, u'a'), false},
+        {accent.repeated(11), false},
+    };
+    for (const auto &[subject, fits] : cases)
+        EXPECT_EQ(check(defaultWith(u"subject", subject), 1), fits) << subject.toStdString();
 }
 
 TEST(Checklist, RecipientActionDetailsAndSignatureRules) {
@@ -55,8 +44,6 @@ TEST(Checklist, RecipientActionDetailsAndSignatureRules) {
     EXPECT_TRUE(check(d, 6));
     d.senderEmail = d.senderName = "";
     EXPECT_FALSE(check(d, 7));
-    EXPECT_EQ(MailTemplateContext(d).checklist().at(7).text,
-              "Ajoute un nom et un contact dans la signature.");
 
     d = MailComposerData::defaultRecord();
     d.detailLabel2 = d.detailValue2 = d.detailLabel3 = d.detailValue3 = "";
@@ -77,5 +64,4 @@ TEST(FormatStatus, ThresholdsDifferFromTheChecklist) {
     EXPECT_EQ(MailTemplateContext(d).formatStatus(), "En preparation"); // two rows
     d.detailLabel2 = d.detailValue2 = "";
     EXPECT_EQ(MailTemplateContext(d).formatStatus(), "A completer");
-    EXPECT_EQ(MailTemplateContext(MailComposerData::blank()).formatStatus(), "A completer");
 }
