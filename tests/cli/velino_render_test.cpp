@@ -46,7 +46,6 @@ TEST(VelinoRender, JsonOutputOfTheDefaultRecord) {
     EXPECT_EQ(out.value("text").toString().toUtf8(), test::readTestData("default_email.txt"));
     EXPECT_EQ(out.value("subject").toString(), "Votre devis Korvel est pret");
     EXPECT_EQ(out.value("formatStatus").toString(), "Pret a envoyer");
-    EXPECT_EQ(out.value("detailsCount").toVariant().typeId(), QMetaType::LongLong);
     EXPECT_EQ(out.value("detailsCount").toInt(), 4);
     EXPECT_EQ(out.value("fileName").toString(), "votre-devis-korvel-est-pret.html");
     const QJsonArray checklist = out.value("checklist").toArray();
@@ -85,34 +84,18 @@ TEST(VelinoRender, RepairThenPresetThenRecord) {
               "Votre appareil est pret");
 }
 
-// Bad records, and inputs that each differ from a valid record by one form outside RFC 8259
-// (the JSON syntax tests check every form).
+// Each kind of bad input once: the record and JSON syntax tests check every form.
 TEST(VelinoRender, BadInputGivesOneFrenchLineAndStatus2) {
     const QByteArray valid = json(MailComposerData::defaultRecord());
-    const auto withTail = [&](const char *member) { return valid.chopped(1) + member + '}'; };
-    const auto with = [](const char *key, const QJsonValue &value) {
-        QJsonObject record = MailComposerData::defaultRecord().toJson();
-        value.isUndefined() ? void(record.remove(key)) : void(record.insert(key, value));
-        return QJsonDocument(record).toJson();
-    };
+    QJsonObject noFooter = MailComposerData::defaultRecord().toJson();
+    noFooter.remove("footerNote");
     const std::tuple<QStringList, QByteArray, const char *> cases[] = {
-        {{}, with("footerNote", QJsonValue::Undefined), "cle manquante : footerNote"},
-        {{}, with("subject", QJsonValue::Null), "valeur null pour la cle subject"},
-        {{}, with("ctaURL", 4), "ctaURL"},
+        {{}, QJsonDocument(noFooter).toJson(), "cle manquante : footerNote"},
         {{}, "{\"subject\": ", "JSON invalide"},
         {{}, "[]", "objet est attendu"},
-        {{}, "", "JSON invalide"},
-        {{}, "{\"a\":\"\xff\xfe\"}", "UTF-8"},
         {{"--preset", "promo", "--default"}, {}, "preset inconnu : \"promo\""},
         {{"/nonexistent/record.json"}, {}, "impossible de lire"},
-        {{"--format", "subject"},
-         withTail(",\"x\":1."),
-         "chiffre attendu apres le point d'un nombre"},
-        {{"--format", "subject"}, withTail(",\"x\":007"), "zero en tete d'un nombre"},
         {{"--format", "subject"}, valid + " {}", "contenu en trop apres le document"},
-        {{"--format", "subject"},
-         QByteArray(100000, '[') + QByteArray(100000, ']'),
-         "imbrication trop profonde"},
         {{"--format", "pdf", "--default"}, {}, "usage : velino-render"},
         {{"--bogus"}, {}, "usage : velino-render"},
         {{"--preset"}, {}, "usage : velino-render"},
