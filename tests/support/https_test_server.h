@@ -42,7 +42,7 @@ struct TestHttpAnswer {
     QByteArray contentType = "application/json";
     QByteArray body;
     bool declareLength = true; // or else delimited by closing the connection
-    bool silent = false;       // keeps the connection open and never writes anything
+    bool silent = false;       // never answers
 
     static TestHttpAnswer json(int status, const QByteArray &body) {
         return {status, "application/json", body};
@@ -50,8 +50,8 @@ struct TestHttpAnswer {
     static TestHttpAnswer never() { return {200, {}, {}, true, true}; }
 };
 
-// An HTTPS/1.1 server on 127.0.0.1 running on the calling thread's event loop. Each
-// connection carries one request, answered by the handler, then closed.
+// An HTTPS/1.1 server on 127.0.0.1, on the calling thread's event loop: one request per
+// connection, answered by the handler (404 until one is set), then closed.
 class HttpsTestServer : public QObject {
     Q_OBJECT
 
@@ -63,9 +63,7 @@ public:
 
     bool listen(); // on a free port of 127.0.0.1
     QUrl url(const QString &path) const;
-    // Answers 404 with an empty body until a handler is set.
     void setHandler(Handler handler) { handler_ = std::move(handler); }
-    // Every complete request received, in order.
     const QList<TestHttpRequest> &requests() const { return requests_; }
 
 private:
