@@ -1,11 +1,7 @@
-// The desktop's side of the phone page's browser tests: the real ComposerStore pushing to
-// and pulling from velino-sync-server, with its state in a folder of the test's own.
-//   velino_desktop_sync_helper certificates DIR
-//       writes DIR/ca.crt, DIR/server.crt and DIR/server.key (127.0.0.1), made by openssl
-//   velino_desktop_sync_helper push|pull ENDPOINT CA_FILE CODE STATE_DIR
-//       push: sends the default record; pull: fetches and prints one JSON line
-//       {"activePreset", "record", "html", "syncStatus"}
-// Exit status 0 on success; 1 with the French sync text on standard error otherwise.
+// The desktop's side of the phone page's browser tests: the real ComposerStore and
+// velino-sync-server. "certificates DIR" writes ca.crt, server.crt and server.key for
+// 127.0.0.1; "push|pull ENDPOINT CA_FILE CODE STATE_DIR" sends the default record or fetches
+// and prints {"activePreset", "record", "html", "syncStatus"}. Failures exit 1 with the text.
 
 #include "composer_store.h"
 #include "https_test_server.h"

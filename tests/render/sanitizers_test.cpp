@@ -52,16 +52,14 @@ TEST(SanitizeFontStack, KeepsLettersNumbersAndTheEightListedCharacters) {
         EXPECT_EQ(sanitizeFontStack(stack, "fallback"), kept) << stack.toStdString();
 }
 
+// The empty address, the sender's and www. are written by the golden documents.
 TEST(SanitizeURL, CoversEveryBranch) {
     for (const char *asTyped : {"Http://k.fr", "HTTPS://k.fr/a b", "tel:0612", "a. b", "contact",
                                 "a@b .fr", "ftp:relative"})
         EXPECT_EQ(sanitizeURL(asTyped, ""), asTyped);
     const std::array<const char *, 3> cases[] = {
-        {"", "", "#"},
-        {" \n", " a@b.fr ", "mailto:a@b.fr"},
         {" MAILTO:x@y ", "", "MAILTO:x@y"},
         {"client@korvel.example", "", "mailto:client@korvel.example"},
-        {"WWW.Korvel.example", "", "https://WWW.Korvel.example"},
         {"www.a b", "", "https://www.a b"}, // www. is tested before spaces
         {"korvel.example/rdv", "", "https://korvel.example/rdv"},
         {"#", "x@y", "#"},
