@@ -5,6 +5,7 @@
 
 using namespace velino;
 
+// The e-mail's own hidden preheader is checked by the readability test.
 TEST(HtmlImportFilter, LeavesOutHiddenElementsAndKeepsEverythingElse) {
     const auto prepared = [](const char *html) {
         return prepareHtmlForImport(QString::fromUtf8(html));
@@ -25,10 +26,6 @@ TEST(HtmlImportFilter, LeavesOutHiddenElementsAndKeepsEverythingElse) {
                                 "a < b <3 <", "<td style=\"background:#fff\">v</td>"})
         EXPECT_EQ(prepared(visible), QString::fromUtf8(visible));
     const std::pair<const char *, const char *> cases[] = {
-        // The preheader as the e-mail writes it.
-        {"<body>\n  <div style=\"display:none; max-height:0; overflow:hidden; opacity:0; "
-         "mso-hide:all;\">\n    Avant-texte\n  </div>\n  <table><tr><td>Korvel</td></tr></table>",
-         "<body>\n  \n  <table><tr><td>Korvel</td></tr></table>"},
         {"<p>v</p><div style=\"display:none\">le reste", "<p>v</p>"},
         // Gradients become their average colour.
         {"<td style=\"padding:1px; background:linear-gradient(135deg, #000000, #ffffff)\">v</td>",
