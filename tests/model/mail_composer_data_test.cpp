@@ -27,32 +27,13 @@ TEST(MailComposerData, DefaultRecordIsTheReferenceRecord) {
     EXPECT_EQ(MailComposerData::defaultRecord().toJson(), reference);
 }
 
-TEST(MailComposerData, JsonRoundTripTrimsNothing) {
-    const MailComposerData d = test::blankWith(u"mailIntro", "  a\n\nb  ");
-    QString error;
-    const auto back = MailComposerData::fromJson(d.toJson(), QString(), &error);
-    ASSERT_TRUE(back.has_value()) << error.toStdString();
-    EXPECT_TRUE(*back == d);
-}
-
-TEST(MailComposerData, DecodingIsStrictAndNamesTheKey) {
+// The golden documents read records as typed; the refusals' messages are checked through
+// velino-render and the store's pull test.
+TEST(MailComposerData, DecodingIgnoresUnknownKeys) {
     QJsonObject json = MailComposerData::defaultRecord().toJson();
     json.insert("unknownKey", 12);
-    QString unknownKeyError;
-    EXPECT_TRUE(MailComposerData::fromJson(json, QString(), &unknownKeyError).has_value());
-    const std::pair<QJsonValue, const char *> cases[] = {
-        {QJsonValue::Undefined, "cle manquante : footerNote"},
-        {QJsonValue::Null, "valeur null pour la cle footerNote"},
-        {3, "type incorrect pour la cle footerNote : texte attendu, nombre trouve"},
-    };
-    for (const auto &[value, message] : cases) {
-        QJsonObject bad = json;
-        value.isUndefined() ? void(bad.remove("footerNote"))
-                            : void(bad.insert("footerNote", value));
-        QString error; // the first error only is kept
-        EXPECT_FALSE(MailComposerData::fromJson(bad, QString(), &error).has_value());
-        EXPECT_EQ(error, message);
-    }
+    QString error;
+    EXPECT_TRUE(MailComposerData::fromJson(json, QString(), &error).has_value());
 }
 
 TEST(MailComposerData, EqualityIsCanonicalEquivalenceFieldByField) {
