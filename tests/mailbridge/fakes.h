@@ -1,5 +1,6 @@
 #pragma once
 
+#include "mail_bridge.h"
 #include "platform_services.h"
 
 #include <QMap>
@@ -68,6 +69,17 @@ public:
         opened.append(url);
         return accepts;
     }
+};
+
+// A bridge for one platform over the fakes above.
+struct FakePlatform {
+    explicit FakePlatform(MailPlatform platform)
+        : bridge(makeMailAppExecutor(platform, launcher, files, ids), opener) {}
+    FakeLauncher launcher;
+    FakeFiles files;
+    FakeIds ids;
+    FakeOpener opener;
+    MailBridge bridge;
 };
 
 } // namespace velino::test

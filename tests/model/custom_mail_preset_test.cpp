@@ -1,9 +1,6 @@
 #include "custom_mail_preset.h"
-#include "detail_item.h"
 #include "identifiers.h"
 #include "test_records.h"
-
-#include <QJsonArray>
 
 #include <gtest/gtest.h>
 
@@ -12,19 +9,18 @@ using namespace velino;
 namespace {
 
 CustomMailPreset samplePreset() {
-    CustomMailPreset p;
-    p.id = randomUuid();
-    p.name = "Devis atelier";
-    p.sourcePreset = PresetKind::Relance;
-    p.data = MailComposerData::defaultRecord();
-    p.createdAt = Instant{788918400.25};
-    p.updatedAt = Instant{788918460.5};
-    return p;
+    return {randomUuid(),          "Devis atelier",
+            PresetKind::Relance,   MailComposerData::defaultRecord(),
+            Instant{788918400.25}, Instant{788918460.5}};
 }
 
 std::optional<CustomMailPreset> decode(const QJsonObject &json, TimestampForm form,
                                        QString *error) {
     return CustomMailPreset::fromJson(json, form, "customPresets[0]", error);
+}
+
+QDateTime utc(int year, int month, int day, int hour, int minute, int second = 0) {
+    return QDateTime(QDate(year, month, day), QTime(hour, minute, second), Qt::UTC);
 }
 
 } // namespace
@@ -40,53 +36,35 @@ TEST(CustomMailPreset, SubjectLineFallsBackToTheDefaultSubjectWhenBlank) {
 TEST(CustomMailPreset, RoundTripsInBothTimestampForms) {
     const CustomMailPreset p = samplePreset();
     QString error;
-
     const QJsonObject numeric = p.toJson(TimestampForm::ReferenceSeconds);
-    EXPECT_EQ(numeric.value("createdAt").toDouble(), 788918400.25);
-    EXPECT_EQ(numeric.value("id").toString(), uuidText(p.id));
     EXPECT_EQ(numeric.value("sourcePreset").toString(), "relance");
     const auto fromNumeric = decode(numeric, TimestampForm::ReferenceSeconds, &error);
     ASSERT_TRUE(fromNumeric.has_value()) << error.toStdString();
     EXPECT_TRUE(*fromNumeric == p);
-
-    // The text form keeps whole seconds only.
+    // The text form keeps whole seconds only, and equality compares the exact instants.
     const QJsonObject iso = p.toJson(TimestampForm::Iso8601);
     EXPECT_EQ(iso.value("createdAt").toString(), "2026-01-01T00:00:00Z");
     EXPECT_EQ(iso.value("updatedAt").toString(), "2026-01-01T00:01:00Z");
     const auto fromIso = decode(iso, TimestampForm::Iso8601, &error);
     ASSERT_TRUE(fromIso.has_value()) << error.toStdString();
     EXPECT_EQ(fromIso->updatedAt.sinceReference, 788918460.0);
+    EXPECT_FALSE(*fromIso == p);
 }
 
-TEST(CustomMailPreset, DecodingFailsOnEveryMalformedKey) {
+// The store's pull test checks the French messages of a phone's preset (ISO dates); here
+// the forms only the desktop's own document (reference seconds) refuses.
+TEST(CustomMailPreset, DecodingRefusesTextTimesAndNullNames) {
     const QJsonObject good = samplePreset().toJson(TimestampForm::ReferenceSeconds);
-    const auto failsWith = [&](const QString &key, const QJsonValue &value,
-                               TimestampForm form = TimestampForm::ReferenceSeconds) {
+    for (const auto &[key, value] :
+         {std::pair<QString, QJsonValue>("updatedAt", "2026-01-01T00:00:00Z"),
+          {"name", QJsonValue::Null},
+          {"sourcePreset", "promo"}}) {
         QJsonObject json = good;
-        if (value.isUndefined())
-            json.remove(key);
-        else
-            json.insert(key, value);
+        json.insert(key, value);
         QString error;
-        EXPECT_FALSE(decode(json, form, &error).has_value()) << key.toStdString();
-        return error;
-    };
-    EXPECT_EQ(failsWith("createdAt", QJsonValue::Undefined),
-              "cle manquante : customPresets[0].createdAt");
-    EXPECT_EQ(failsWith("sourcePreset", "promo"),
-              "preset inconnu pour la cle customPresets[0].sourcePreset : \"promo\"");
-    EXPECT_EQ(failsWith("id", "123"), "UUID invalide pour la cle customPresets[0].id : \"123\"");
-    EXPECT_FALSE(failsWith("updatedAt", "2026-01-01T00:00:00Z").isEmpty());
-    EXPECT_FALSE(failsWith("updatedAt", 788918400, TimestampForm::Iso8601).isEmpty());
-    EXPECT_FALSE(failsWith("name", QJsonValue::Null).isEmpty());
-
-    QJsonObject badData = good;
-    QJsonObject data = badData.value("data").toObject();
-    data.remove("senderRole");
-    badData.insert("data", data);
-    QString error;
-    EXPECT_FALSE(decode(badData, TimestampForm::ReferenceSeconds, &error).has_value());
-    EXPECT_EQ(error, "cle manquante : customPresets[0].data.senderRole");
+        EXPECT_FALSE(decode(json, TimestampForm::ReferenceSeconds, &error).has_value());
+        EXPECT_TRUE(error.contains("customPresets[0]." + key)) << error.toStdString();
+    }
 }
 
 TEST(CustomMailPreset, UuidIsReadInEitherCaseAndWrittenUpperCase) {
@@ -102,38 +80,14 @@ TEST(CustomMailPreset, UuidIsReadInEitherCaseAndWrittenUpperCase) {
         EXPECT_FALSE(parseUuid(QString::fromLatin1(bad)).has_value()) << bad;
 }
 
-TEST(CustomMailPreset, EqualityComparesEveryFieldIncludingTheExactInstant) {
-    const CustomMailPreset a = samplePreset();
-    CustomMailPreset b = a;
-    b.name = QString::fromUtf16(u"Devis atelier");
-    EXPECT_TRUE(a == b);
-    b.updatedAt.sinceReference += 0.001;
-    EXPECT_FALSE(a == b);
-}
-
-TEST(Instant, ReferenceSecondsMapToCalendarTime) {
-    EXPECT_EQ(Instant{788918400}.toDateTime(), QDateTime(QDate(2026, 1, 1), QTime(0, 0), Qt::UTC));
-    EXPECT_EQ(
-        Instant::fromDateTime(QDateTime(QDate(2001, 1, 1), QTime(0, 0, 1), Qt::UTC)).sinceReference,
-        1.0);
-}
-
-TEST(Instant, IsoTextAcceptsWholeSecondsWithAZoneOnly) {
+TEST(Instant, ReferenceSecondsAndIsoTextWithAZoneMapToCalendarTime) {
+    EXPECT_EQ(Instant{788918400}.toDateTime(), utc(2026, 1, 1, 0, 0));
+    EXPECT_EQ(Instant::fromDateTime(utc(2001, 1, 1, 0, 0, 1)).sinceReference, 1.0);
     EXPECT_EQ(parseIsoText(u"2026-06-05T08:15:00Z")->sinceReference,
               parseIsoText(u"2026-06-05T10:15:00+02:00")->sinceReference);
-    EXPECT_EQ(parseIsoText(u"2026-06-05T08:15:00-01:30")->toDateTime(),
-              QDateTime(QDate(2026, 6, 5), QTime(9, 45), Qt::UTC));
+    EXPECT_EQ(parseIsoText(u"2026-06-05T08:15:00-01:30")->toDateTime(), utc(2026, 6, 5, 9, 45));
     for (const char16_t *bad :
          {u"2026-06-05T08:15:00.5Z", u"2026-06-05T08:15:00", u"2026-06-05", u"2026-02-30T08:15:00Z",
           u"2026-06-05 08:15:00Z", u"2026-06-05T08:15:00+0200", u"2026-06-05t08:15:00z", u""})
         EXPECT_FALSE(parseIsoText(bad).has_value()) << QString::fromUtf16(bad).toStdString();
-}
-
-TEST(Identifiers, CompanionRowsGetFreshVersion4Identities) {
-    const DetailItem a("Appareil", "iPhone");
-    const DetailItem b("Appareil", "iPhone");
-    EXPECT_NE(a.id, b.id);
-    EXPECT_EQ(a.id.version(), QUuid::Random);
-    EXPECT_EQ(a.id.variant(), QUuid::DCE);
-    EXPECT_NE(ChecklistItem(true, "x").id, ChecklistItem(true, "x").id);
 }

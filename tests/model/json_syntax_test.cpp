@@ -1,10 +1,5 @@
 #include "json_reader.h"
 #include "json_syntax.h"
-#include "mail_composer_data.h"
-
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QRandomGenerator>
 
 #include <gtest/gtest.h>
 
@@ -17,19 +12,10 @@ QString syntaxError(const QByteArray &json) {
     return checkJsonSyntax(json, &error) ? QString() : error;
 }
 
-bool qtAccepts(const QByteArray &json) {
-    QJsonParseError error{};
-    QJsonDocument::fromJson(json, &error);
-    return error.error == QJsonParseError::NoError;
-}
-
 } // namespace
 
 TEST(JsonSyntax, RefusesEveryFormOutsideRfc8259AndSaysWhere) {
-    const struct {
-        const char *json;
-        const char *error;
-    } cases[] = {
+    const std::pair<const char *, const char *> cases[] = {
         {"{\"a\":1.}", "octet 7 : chiffre attendu apres le point d'un nombre"},
         {"{\"a\":\"x\ty\"}", "octet 7 : caractere de controle non echappe dans un texte"},
         {"{\"a\":01}", "octet 6 : zero en tete d'un nombre"},
@@ -58,19 +44,18 @@ TEST(JsonSyntax, RefusesEveryFormOutsideRfc8259AndSaysWhere) {
         {"", "octet 0 : fin inattendue du document"},
         {"[", "octet 1 : fin inattendue du document"},
     };
-    for (const auto &c : cases) {
-        EXPECT_EQ(syntaxError(c.json), QStringLiteral("JSON invalide a l'") + c.error) << c.json;
-        QString error;
-        EXPECT_FALSE(parseJsonObject(c.json, &error)) << c.json;
+    for (const auto &[json, error] : cases) {
+        EXPECT_EQ(syntaxError(json), QStringLiteral("JSON invalide a l'") + error) << json;
+        QString message;
+        EXPECT_FALSE(parseJsonObject(json, &message)) << json;
     }
 }
 
-TEST(JsonSyntax, AcceptsWhatRfc8259AcceptsAsQtReadsIt) {
+TEST(JsonSyntax, AcceptsWhatRfc8259Accepts) {
     const QByteArray valid =
         " {\"a\": [1, -0, -0.5e+3, 2E-2, true, false, null, {\"b\": \"\\u00e9\\ud83d\\ude00\\n\\/"
         "\xC3\xA9\xF0\x9F\x98\x80\"}], \"c\": {}, \"d\": [], \"e\": \"\", \"\": 0}\r\n";
     EXPECT_EQ(syntaxError(valid), QString());
-    EXPECT_TRUE(qtAccepts(valid));
     EXPECT_EQ(syntaxError(QByteArray(512, '[') + QByteArray(512, ']')), QString());
     // Far deeper documents are refused without exhausting the stack.
     EXPECT_TRUE(syntaxError(QByteArray(100000, '[') + QByteArray(100000, ']'))
@@ -79,45 +64,8 @@ TEST(JsonSyntax, AcceptsWhatRfc8259AcceptsAsQtReadsIt) {
 
 TEST(JsonReader, LoneSurrogateEscapesReadAsTheReplacementCharacter) {
     QString error;
-    const std::optional<QJsonObject> object =
-        parseJsonObject(R"({"a":"x\ud800y\udd13\ud83d\ude00"})", &error);
+    const auto object = parseJsonObject(R"({"a":"x\ud800y\udd13\ud83d\ude00"})", &error);
     ASSERT_TRUE(object) << error.toStdString();
     JsonReader reader(*object, QString(), &error);
     EXPECT_EQ(reader.string(u"a"), QString::fromUtf16(u"x\uFFFDy\uFFFD\U0001F600"));
-}
-
-// Mutations of a real document: whatever the check lets through, Qt's parser reads too,
-// so the object model is only ever built from a document the check has vouched for.
-TEST(JsonSyntax, NeverLetsThroughWhatQtRefuses) {
-    const quint32 seed = 1122;
-    QRandomGenerator random(seed);
-    const QByteArray document =
-        QJsonDocument(
-            QJsonObject{{"data", MailComposerData::defaultRecord().toJson()},
-                        {"list", QJsonArray{1.5, -2, true, QJsonValue::Null, "t\xc3\xa9l\\\"x"}}})
-            .toJson();
-    int accepted = 0;
-    for (int round = 0; round < 2000; ++round) {
-        QByteArray mutated = document;
-        for (int edits = random.bounded(1, 4); edits > 0; --edits) {
-            const int at = random.bounded(static_cast<int>(mutated.size()));
-            switch (random.bounded(3)) {
-            case 0:
-                mutated[at] = "{}[],:\"\\0-e.t \x01\xC3"[random.bounded(16)];
-                break;
-            case 1:
-                mutated.remove(at, 1);
-                break;
-            default:
-                mutated.insert(at, "\"}],:1"[random.bounded(6)]);
-            }
-        }
-        if (syntaxError(mutated).isEmpty()) {
-            ++accepted;
-            ASSERT_TRUE(qtAccepts(mutated)) << "seed " << seed << ": " << mutated.toStdString();
-        }
-    }
-    // Some mutations keep the document valid (an edit inside a text): both sides were seen.
-    EXPECT_GT(accepted, 0);
-    EXPECT_LT(accepted, 2000);
 }

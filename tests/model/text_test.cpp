@@ -13,13 +13,14 @@ using namespace velino;
 
 namespace {
 
-struct Case {
-    const char16_t *input;
-    const char16_t *expected;
-};
+using Cases = std::initializer_list<std::pair<const char16_t *, const char16_t *>>;
 
-QString q(const char16_t *text) {
-    return QString::fromUtf16(text);
+const auto q = [](const char16_t *text) { return QString::fromUtf16(text); };
+
+// Every input of the table through one text function.
+void expectMapped(const std::function<QString(const QString &)> &map, Cases cases) {
+    for (const auto &[input, expected] : cases)
+        EXPECT_EQ(map(q(input)), q(expected)) << q(input).toStdString();
 }
 
 } // namespace
@@ -30,15 +31,11 @@ TEST(Trim, RemovesWhiteSpaceAtBothEndsOnly) {
     EXPECT_EQ(text::trimmed(edges + "a \u00A0b" + edges), q(u"a \u00A0b"));
     EXPECT_TRUE(text::isBlank(edges));
     // Zero-width space and the Mongolian vowel separator are format characters, not spaces.
-    const QString zeroWidth = q(u"\u200Bx\u180E");
-    EXPECT_EQ(text::trimmed(zeroWidth), zeroWidth);
+    EXPECT_EQ(text::trimmed(q(u"\u200Bx\u180E")), q(u"\u200Bx\u180E"));
 }
 
 TEST(GraphemeClusters, CountExtendedClustersOfUnicode15) {
-    const struct {
-        const char16_t *text;
-        qsizetype count;
-    } cases[] = {
+    const std::pair<const char16_t *, qsizetype> cases[] = {
         {u"\U0001F600\U0001F1EB\U0001F1F7abcdefghi", 11},           // a flag right after an emoji
         {u"e\u0301te\u0301", 3},                                    // combining accents
         {u"\U0001F468\u200D\U0001F469\u200D\U0001F467", 1},         // joined family
@@ -49,73 +46,53 @@ TEST(GraphemeClusters, CountExtendedClustersOfUnicode15) {
         {u"a\r\nb\n\rc", 6},                                        // CR LF only is one cluster
         {u"\u0E01\u0E33\u0E01", 2},                                 // Thai spacing mark joins
     };
-    for (const auto &c : cases)
-        EXPECT_EQ(text::characterCount(q(c.text)), c.count) << q(c.text).toStdString();
+    for (const auto &[text, count] : cases)
+        EXPECT_EQ(text::characterCount(q(text)), count) << q(text).toStdString();
 }
 
 TEST(CaseMapping, UsesFullContextSensitiveMappings) {
-    const Case lower[] = {
-        {u"\u039F\u0394\u039F\u03A3", u"\u03BF\u03B4\u03BF\u03C2"}, // final sigma
-        {u"\u039F\u0394\u039F\u03A3 \u03A3\u039F", u"\u03BF\u03B4\u03BF\u03C2 \u03C3\u03BF"},
-        {u"\u0130", u"i\u0307"}, // dotted capital I keeps its dot
-        {u"RDV Lundi", u"rdv lundi"},
-    };
-    for (const Case &c : lower)
-        EXPECT_EQ(text::lowerCased(q(c.input)), q(c.expected));
-    const Case upper[] = {
-        {u"stra\u00DFe", u"STRASSE"},
-        {u"\uFB01n", u"FIN"}, // ligature fi
-        {u"\u03AC", u"\u0386"},
-    };
-    for (const Case &c : upper)
-        EXPECT_EQ(text::upperCased(q(c.input)), q(c.expected));
+    expectMapped(
+        text::lowerCased,
+        {{u"\u039F\u0394\u039F\u03A3", u"\u03BF\u03B4\u03BF\u03C2"}, // final sigma
+         {u"\u039F\u0394\u039F\u03A3 \u03A3\u039F", u"\u03BF\u03B4\u03BF\u03C2 \u03C3\u03BF"},
+         {u"\u0130", u"i\u0307"}, // dotted capital I keeps its dot
+         {u"RDV Lundi", u"rdv lundi"}});
+    expectMapped(text::upperCased,
+                 {{u"stra\u00DFe", u"STRASSE"}, {u"\uFB01n", u"FIN"}, {u"\u03AC", u"\u0386"}});
     EXPECT_EQ(suggestedFileName(q(u"\u039F\u0394\u039F\u03A3")),
               q(u"\u03BF\u03B4\u03BF\u03C2.html"));
 }
 
 TEST(WhiteSpace, PresetNamesCollapseEveryWhiteSpaceRun) {
-    const Case cases[] = {
-        {u"a\u000Bb", u"a b"},
-        {u"a\u0085b", u"a b"},
-        {u" Devis\n\t\u00A0\u2028client\u3000", u"Devis client"},
-        {u"a\u200Bb", u"a\u200Bb"}, // zero-width space is no white space
-    };
-    for (const Case &c : cases)
-        EXPECT_EQ(normalizedPresetName(q(c.input)), q(c.expected));
+    expectMapped(normalizedPresetName,
+                 {{u"a\u000Bb", u"a b"},
+                  {u"a\u0085b", u"a b"},
+                  {u" Devis\n\t\u00A0\u2028client\u3000", u"Devis client"},
+                  {u"a\u200Bb", u"a\u200Bb"}}); // zero-width space is no white space
     // The comparison key folds the same runs and the full lower case.
-    const CustomMailPreset taken{QUuid::createUuid(),
-                                 q(u"\u039F\u0394\u039F\u03A3\u0085A"),
-                                 PresetKind::Devis,
-                                 MailComposerData::defaultRecord(),
-                                 {},
-                                 {}};
+    CustomMailPreset taken;
+    taken.name = q(u"\u039F\u0394\u039F\u03A3\u0085A");
     EXPECT_EQ(uniquePresetName(q(u"\u03BF\u03B4\u03BF\u03C2 a"), {taken}, std::nullopt),
               q(u"\u03BF\u03B4\u03BF\u03C2 a 2"));
 }
 
 TEST(AlphabeticAndNumeric, DecideWhatFileNamesAndFontStacksKeep) {
-    const Case fileNames[] = {
-        {u"\u24B6 test", u"\u24D0-test.html"},               // circled letter: Alphabetic
-        {u"Prix \u00BD \u2167", u"prix-\u00BD-\u2177.html"}, // vulgar fraction, Roman numeral
-        {u"\u0E01\u0E33 x", u"\u0E01\u0E33-x.html"},         // Thai letter and vowel sign
-        {u"a\u2122b\u00A9", u"a-b.html"},                    // trade mark and copyright signs
-    };
-    for (const Case &c : fileNames)
-        EXPECT_EQ(suggestedFileName(q(c.input)), q(c.expected)) << q(c.input).toStdString();
-    EXPECT_EQ(render::sanitizeFontStack(q(u"\u24B6 Sans; x"), QStringLiteral("fallback")),
-              q(u"\u24B6 Sans x"));
+    expectMapped(
+        suggestedFileName,
+        {{u"\u24B6 test", u"\u24D0-test.html"},               // circled letter: Alphabetic
+         {u"Prix \u00BD \u2167", u"prix-\u00BD-\u2177.html"}, // vulgar fraction, Roman numeral
+         {u"\u0E01\u0E33 x", u"\u0E01\u0E33-x.html"},         // Thai letter and vowel sign
+         {u"a\u2122b\u00A9", u"a-b.html"}});                  // trade mark and copyright signs
+    EXPECT_EQ(render::sanitizeFontStack(q(u"\u24B6 Sans; x"), "fallback"), q(u"\u24B6 Sans x"));
 }
 
 TEST(SyncCodeFilter, KeepsAUserPerceivedCharacterOnlyWhenItIsOneAllowedCharacter) {
-    const Case cases[] = {
-        {u"cafe\u0301-cafe", u"CAF-CAFE"},  // E with a combining accent is dropped whole
-        {u"caf\u00E9-cafe", u"CAF-CAFE"},   // as is the precomposed letter
-        {u"1\uFE0F\u20E3-2", u"-2"},        // keycap one
-        {u"stra\u00DFe-12", u"STRASSE-12"}, // sharp s upper-cases to two letters
-        {u"\u00e9t\u00e9-\u0410\uff21\U0001F600_+x\t\u00a09", u"T-X9"},
-    };
-    for (const Case &c : cases)
-        EXPECT_EQ(normalizedSyncCode(q(c.input)), q(c.expected)) << q(c.input).toStdString();
+    expectMapped(normalizedSyncCode,
+                 {{u"cafe\u0301-cafe", u"CAF-CAFE"},  // E with a combining accent is dropped whole
+                  {u"caf\u00E9-cafe", u"CAF-CAFE"},   // as is the precomposed letter
+                  {u"1\uFE0F\u20E3-2", u"-2"},        // keycap one
+                  {u"stra\u00DFe-12", u"STRASSE-12"}, // sharp s upper-cases to two letters
+                  {u"\u00e9t\u00e9-\u0410\uff21\U0001F600_+x\t\u00a09", u"T-X9"}});
     // Dropped characters do not count towards the 64; upper-casing comes first.
     EXPECT_EQ(normalizedSyncCode(QString(100, u' ') + QString(64, u'z') + "END"),
               QString(64, u'Z'));

@@ -25,120 +25,81 @@ struct ShownCharacter {
 // Knows the subset toRtf writes; font table, colour table and field instructions are skipped.
 struct RtfReading {
     QList<QColor> colors{QColor(Qt::black)};
-    QStringList fonts;
     QList<ShownCharacter> shown;
-
-    QString text() const {
-        QString t;
-        for (const ShownCharacter &c : shown)
-            t += c.character;
-        return t;
-    }
+    QString text; // the characters of shown
 };
 
-RtfReading readRtf(const QByteArray &rtf) {
+RtfReading readRtf(const QByteArray &bytes) {
+    const QString rtf = QString::fromLatin1(bytes);
     RtfReading reading;
-    static const QRegularExpression colorEntry("\\\\red(\\d+)\\\\green(\\d+)\\\\blue(\\d+);");
-    const qsizetype tableStart = rtf.indexOf("{\\colortbl;");
-    const QString table =
-        QString::fromLatin1(rtf.mid(tableStart, rtf.indexOf('}', tableStart) - tableStart));
-    for (const QRegularExpressionMatch &m : colorEntry.globalMatch(table))
+    static const QRegularExpression colorEntry(R"(\\red(\d+)\\green(\d+)\\blue(\d+);)");
+    const qsizetype table = rtf.indexOf("{\\colortbl;");
+    for (const auto &m : colorEntry.globalMatch(rtf.mid(table, rtf.indexOf('}', table) - table)))
         reading.colors << QColor(m.captured(1).toInt(), m.captured(2).toInt(),
                                  m.captured(3).toInt());
-    static const QRegularExpression fontEntry("\\{\\\\f\\d+\\\\f[a-z]+ ([^;]*);\\}");
-    for (const QRegularExpressionMatch &m : fontEntry.globalMatch(QString::fromLatin1(rtf)))
-        reading.fonts << m.captured(1);
 
     struct State {
         int color = 0, runBackground = -1;
     };
     QList<State> groups{State{}};
-    int paragraphBackground = -1;
+    int paragraphBackground = -1, skippedDepth = 0;
+    bool fallbackNext = false; // the '?' after \uN
     const auto show = [&](QChar c) {
         const State &s = groups.last();
         const int background = s.runBackground >= 0 ? s.runBackground : paragraphBackground;
+        reading.text += c;
         reading.shown.append({c, reading.colors.value(s.color),
                               background > 0 ? reading.colors.value(background) : Qt::white});
     };
-    static const QRegularExpression word("\\\\([a-z]+)(-?\\d+)? ?|\\\\(.)");
-    qsizetype i = 1; // inside the outer group
-    while (i < rtf.size() - 2) {
-        const char c = rtf[i];
-        if (c == '{') {
-            const QByteArray next = rtf.mid(i + 1, 10);
-            if (next.startsWith("\\*") || next.startsWith("\\fonttbl") ||
-                next.startsWith("\\colortbl")) {
-                int depth = 0; // skipped destination
-                do {
-                    depth += rtf[i] == '{' ? 1 : rtf[i] == '}' ? -1 : 0;
-                    ++i;
-                } while (depth > 0);
-                continue;
-            }
+    // Control word, control symbol, start of a skipped destination, group brace, text.
+    static const QRegularExpression token(
+        R"(\\([a-z]+)(-?\d+)? ?|\\(.)|(\{\\\*|\{\\fonttbl|\{\\colortbl)|([{}])|([^\r\n]))");
+    for (const QRegularExpressionMatch &m : token.globalMatch(rtf)) {
+        const QString name = m.captured(1), brace = m.captured(5);
+        const int value = m.captured(2).toInt();
+        if (skippedDepth > 0 || m.hasCaptured(4)) {
+            skippedDepth += m.hasCaptured(4) || brace == "{" ? 1 : brace == "}" ? -1 : 0;
+        } else if (brace == "{") {
             groups.append(groups.last());
-            ++i;
-        } else if (c == '}') {
+        } else if (brace == "}") {
             groups.removeLast();
-            ++i;
-        } else if (c == '\\') {
-            const QRegularExpressionMatch m = word.match(QString::fromLatin1(rtf.mid(i, 24)));
-            i += m.capturedLength();
-            const QString name = m.captured(1);
-            const int value = m.captured(2).toInt();
-            if (!m.captured(3).isEmpty())
-                show(m.captured(3)[0]);
-            else if (name == "u") {
-                show(QChar(char16_t(static_cast<qint16>(value))));
-                ++i; // the '?' fallback
-            } else if (name == "line" || name == "par")
-                show(u'\n');
-            else if (name == "tab")
-                show(u'\t');
-            else if (name == "pard")
-                paragraphBackground = -1;
-            else if (name == "cbpat")
-                paragraphBackground = value;
-            else if (name == "plain")
-                groups.last() = State{};
-            else if (name == "cf")
-                groups.last().color = value;
-            else if (name == "chcbpat")
-                groups.last().runBackground = value;
-        } else {
-            if (c != '\n' && c != '\r')
-                show(QChar::fromLatin1(c));
-            ++i;
+        } else if (m.hasCaptured(3) || m.hasCaptured(6)) {
+            if (!std::exchange(fallbackNext, false))
+                show(m.captured(m.hasCaptured(3) ? 3 : 6)[0]);
+        } else if (name == "u") {
+            show(QChar(char16_t(static_cast<qint16>(value))));
+            fallbackNext = true;
+        } else if (name == "line" || name == "par" || name == "tab") {
+            show(name == "tab" ? u'\t' : u'\n');
+        } else if (name == "pard" || name == "cbpat") {
+            paragraphBackground = name == "pard" ? -1 : value;
+        } else if (name == "plain") {
+            groups.last() = State{};
+        } else if (name == "cf") {
+            groups.last().color = value;
+        } else if (name == "chcbpat") {
+            groups.last().runBackground = value;
         }
     }
     return reading;
 }
 
-struct Sample {
-    QString name;
-    MailComposerData record;
-    QColor buttonText = Qt::white; // black when white does not read on the brand colours
-};
-
-QList<Sample> samples() {
-    QList<Sample> samples{{"default", MailComposerData::defaultRecord()}};
-    for (const PresetKind kind : kAllPresetKinds) {
-        MailComposerData record = MailComposerData::defaultRecord();
-        record.applyPreset(kind);
-        samples.append({presetId(kind), record});
-    }
-    MailComposerData pale = MailComposerData::defaultRecord();
-    pale.accentPrimary = "#fff3a0";
-    pale.accentSecondary = "#e8ffe8";
-    samples.append({"pale brand colours", pale, Qt::black});
-    return samples;
-}
-
 } // namespace
 
 TEST(RtfReadability, EveryVisibleWordOfTheCopiedMailIsReadable) {
-    for (const Sample &sample : samples()) {
-        SCOPED_TRACE(sample.name.toStdString());
-        const MailTemplateContext context(sample.record);
+    MailComposerData pale = MailComposerData::defaultRecord();
+    pale.accentPrimary = "#fff3a0";
+    pale.accentSecondary = "#e8ffe8";
+    // Name, record and button text colour: black when white does not read on the brand colours.
+    QList<std::tuple<QString, MailComposerData, QColor>> samples{
+        {"default", MailComposerData::defaultRecord(), Qt::white}, {"pale", pale, Qt::black}};
+    for (const PresetKind kind : kAllPresetKinds) {
+        samples.append({presetId(kind), MailComposerData::defaultRecord(), Qt::white});
+        std::get<1>(samples.last()).applyPreset(kind);
+    }
+    for (const auto &[name, r, buttonText] : samples) {
+        SCOPED_TRACE(name.toStdString());
+        const MailTemplateContext context(r);
         const std::optional<RichTextConversion> conversion =
             QtRichTextConverter().convert(context.htmlDocument().toUtf8());
         ASSERT_TRUE(conversion && conversion->rtf);
@@ -151,15 +112,10 @@ TEST(RtfReadability, EveryVisibleWordOfTheCopiedMailIsReadable) {
                 << "'" << QString(c.character).toStdString() << "' in "
                 << c.text.name().toStdString() << " on " << c.background.name().toStdString();
         }
-        const QString shownText = reading.text();
-        const MailComposerData &r = sample.record;
-        for (const QString &visible :
-             {r.businessName, r.businessTagline, r.recipientName, r.ctaLabel, r.footerNote})
-            EXPECT_TRUE(shownText.contains(visible.trimmed())) << visible.toStdString();
-        // The header band and the button keep their backgrounds, so their white words can stay
-        // white.
+        const QString &shownText = reading.text;
+        // The header band and the button keep their backgrounds, so their words keep their colour.
         const std::pair<QString, QColor> onColour[] = {{r.businessName, Qt::white},
-                                                       {r.ctaLabel, sample.buttonText}};
+                                                       {r.ctaLabel, buttonText}};
         for (const auto &[words, color] : onColour) {
             const qsizetype at = shownText.indexOf(words.trimmed());
             ASSERT_GE(at, 0);
@@ -167,15 +123,8 @@ TEST(RtfReadability, EveryVisibleWordOfTheCopiedMailIsReadable) {
             EXPECT_NE(reading.shown[at].background, QColor(Qt::white)) << words.toStdString();
         }
 
-        const QString preheader = context.preheader.trimmed();
-        EXPECT_FALSE(shownText.contains(preheader));
-        EXPECT_FALSE(conversion->plainText.contains(preheader));
-        EXPECT_FALSE(conversion->plainText.contains(QChar::ObjectReplacementCharacter));
-        EXPECT_TRUE(conversion->plainText.startsWith("Suivi client"));
-        EXPECT_EQ(conversion->plainText, QString(shownText).replace(QChar::Nbsp, u' '));
-
-        for (const QString &family : reading.fonts)
-            EXPECT_TRUE(QFontDatabase::hasFamily(family)) << family.toStdString();
+        // The hidden preheader is left out of the copy.
+        EXPECT_FALSE(shownText.contains(context.preheader.trimmed()));
     }
 }
 
@@ -184,12 +133,8 @@ TEST(RtfFontChooser, SkipsKeywordsAndMissingFamiliesAndFallsBackToTheGeneric) {
     ASSERT_FALSE(installed.isEmpty()) << "no font installed";
     const QString missing = QStringLiteral("Velino Absent Sans");
     ASSERT_FALSE(QFontDatabase::hasFamily(missing));
-    struct Case {
-        QStringList stack;
-        QString family; // empty: the installed family the font matching gives
-        QByteArray familyClass;
-    };
-    const Case cases[] = {
+    const std::tuple<QStringList, QString, QByteArray> cases[] = {
+        // An empty family: whichever installed family the font matching gives.
         {{"-apple-system", "BlinkMacSystemFont", "system-ui", "ui-sans-serif", missing, installed,
           "sans-serif"},
          installed,
@@ -202,12 +147,10 @@ TEST(RtfFontChooser, SkipsKeywordsAndMissingFamiliesAndFallsBackToTheGeneric) {
         {{}, {}, "\\fswiss"},
     };
     RtfFontChooser chooser;
-    for (const Case &c : cases) {
-        const RtfFont font = chooser.choose(c.stack);
-        EXPECT_EQ(font.familyClass, c.familyClass) << c.stack.join(',').toStdString();
-        if (!c.family.isEmpty()) {
-            EXPECT_EQ(font.family, c.family);
-        }
+    for (const auto &[stack, family, familyClass] : cases) {
+        const RtfFont font = chooser.choose(stack);
+        EXPECT_EQ(font.familyClass, familyClass) << stack.join(',').toStdString();
+        EXPECT_EQ(font.family, family.isEmpty() ? font.family : family);
         EXPECT_TRUE(QFontDatabase::hasFamily(font.family)) << font.family.toStdString();
     }
 }

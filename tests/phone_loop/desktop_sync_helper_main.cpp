@@ -1,13 +1,7 @@
-// The desktop's side of the phone page's browser tests: the real ComposerStore pushing to
-// and pulling from velino-sync-server, with its state in a folder of the test's own.
-//
-//   velino_desktop_sync_helper certificates DIR
-//       writes DIR/ca.crt, DIR/server.crt and DIR/server.key (127.0.0.1), made by openssl
-//       as the C++ tests make theirs
-//   velino_desktop_sync_helper push|pull ENDPOINT CA_FILE CODE STATE_DIR
-//       push: sends the default record; pull: fetches and prints one JSON line
-//       {"activePreset", "record", "html", "syncStatus"}
-// Exit status 0 on success; 1 with the French sync text on standard error otherwise.
+// The desktop's side of the phone page's browser tests: the real ComposerStore and
+// velino-sync-server. "certificates DIR" writes ca.crt, server.crt and server.key for
+// 127.0.0.1; "push|pull ENDPOINT CA_FILE CODE STATE_DIR" sends the default record or fetches
+// and prints {"activePreset", "record", "html", "syncStatus"}. Failures exit 1 with the text.
 
 #include "composer_store.h"
 #include "https_test_server.h"
@@ -31,11 +25,6 @@ public:
     void showWarning(const QString &) override {}
 };
 
-bool writeFile(const QString &path, const QByteArray &bytes) {
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
 int fail(const QString &message) {
     std::fprintf(stderr, "%s\n", message.toUtf8().constData());
     return 1;
@@ -46,29 +35,34 @@ int makeCertificates(const QString &folder) {
     const auto identity = test::TestTlsIdentity::generate(&error);
     if (!identity)
         return fail(error);
-    if (!QDir().mkpath(folder) ||
-        !writeFile(folder + QStringLiteral("/ca.crt"), identity->caCertificate.toPem()) ||
-        !writeFile(folder + QStringLiteral("/server.crt"), identity->serverCertificate.toPem()) ||
-        !writeFile(folder + QStringLiteral("/server.key"), identity->serverKey.toPem()))
-        return fail(QStringLiteral("Ecriture impossible dans %1.").arg(folder));
+    const std::pair<QString, QByteArray> files[] = {
+        {"ca.crt", identity->caCertificate.toPem()},
+        {"server.crt", identity->serverCertificate.toPem()},
+        {"server.key", identity->serverKey.toPem()}};
+    for (const auto &[name, pem] : files) {
+        QFile file(folder + u'/' + name);
+        if (!QDir().mkpath(folder) || !file.open(QIODevice::WriteOnly) ||
+            file.write(pem) != pem.size())
+            return fail(QStringLiteral("Ecriture impossible dans %1.").arg(folder));
+    }
     return 0;
 }
 
 int sync(const QStringList &args) {
-    const QString &operation = args[0];
+    const bool push = args[0] == u"push";
     const QList<QSslCertificate> authorities = QSslCertificate::fromPath(args[2]);
     if (authorities.isEmpty())
         return fail(QStringLiteral("Certificat d'autorite illisible : %1.").arg(args[2]));
     StoreServices services = StoreServices::qtDefaults();
-    services.storage = std::make_shared<QtStateStorage>(StateFiles::inFolders(
-        args[4] + QStringLiteral("/config"), args[4] + QStringLiteral("/data")));
+    services.storage = std::make_shared<QtStateStorage>(
+        StateFiles::inFolders(args[4] + "/config", args[4] + "/data"));
     services.alerts = std::make_shared<SilentAlerts>();
-    services.files = std::make_shared<QtFileSystem>(args[4] + QStringLiteral("/apercus"));
+    services.files = std::make_shared<QtFileSystem>(args[4] + "/apercus");
     services.syncEndpoint = QUrl(args[1]);
     services.extraSyncCaCertificates = authorities;
     ComposerStore store(services);
     store.setSyncCode(args[3]);
-    if (operation == u"push") {
+    if (push) {
         store.setActivePreset(PresetKind::Devis);
         store.setData(MailComposerData::defaultRecord());
         store.pushToWeb();
@@ -76,18 +70,16 @@ int sync(const QStringList &args) {
         store.pullFromWeb();
     }
     if (!test::waitUntil([&] { return !store.isSyncing(); }, std::chrono::seconds(30)))
-        return fail(QStringLiteral("Synchronisation toujours en cours apres 30 s."));
-    const QString expected = operation == u"push" ? QStringLiteral("Brouillon envoye vers l'iPhone")
-                                                  : QStringLiteral("Brouillon recupere");
-    if (!store.syncStatus().startsWith(expected))
+        return fail("Synchronisation toujours en cours apres 30 s.");
+    if (!store.syncStatus().startsWith(push ? "Brouillon envoye vers l'iPhone"
+                                            : "Brouillon recupere"))
         return fail(store.syncStatus());
-    if (operation == u"pull") {
-        const QJsonObject out{{QStringLiteral("activePreset"), presetId(store.activePreset())},
-                              {QStringLiteral("record"), store.data().toJson()},
-                              {QStringLiteral("html"), store.generatedHTML()},
-                              {QStringLiteral("syncStatus"), store.syncStatus()}};
-        std::fputs(QJsonDocument(out).toJson(QJsonDocument::Compact).constData(), stdout);
-        std::fputs("\n", stdout);
+    if (!push) {
+        const QJsonObject out{{"activePreset", presetId(store.activePreset())},
+                              {"record", store.data().toJson()},
+                              {"html", store.generatedHTML()},
+                              {"syncStatus", store.syncStatus()}};
+        std::puts(QJsonDocument(out).toJson(QJsonDocument::Compact).constData());
     }
     return 0;
 }
@@ -101,6 +93,6 @@ int main(int argc, char **argv) {
         return makeCertificates(args[1]);
     if (args.size() == 5 && (args[0] == u"push" || args[0] == u"pull"))
         return sync(args);
-    return fail(QStringLiteral("usage : velino_desktop_sync_helper certificates DOSSIER | "
-                               "push|pull ADRESSE CA CODE DOSSIER"));
+    return fail("usage : velino_desktop_sync_helper certificates DOSSIER | "
+                "push|pull ADRESSE CA CODE DOSSIER");
 }

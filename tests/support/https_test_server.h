@@ -18,9 +18,8 @@ class QSslSocket;
 
 namespace velino::test {
 
-// A certificate authority of its own and a server certificate for 127.0.0.1 (subject
-// alternative name IP:127.0.0.1) signed by it, both made by the openssl command in a
-// temporary folder. Every call makes a new authority, unknown to any other.
+// A new certificate authority, unknown to any other, and a server certificate for
+// IP:127.0.0.1 signed by it, made by the openssl command.
 struct TestTlsIdentity {
     QSslCertificate caCertificate;
     QSslCertificate serverCertificate;
@@ -29,7 +28,6 @@ struct TestTlsIdentity {
     static std::optional<TestTlsIdentity> generate(QString *error);
 };
 
-// One request as the server read it.
 struct TestHttpRequest {
     QByteArray method;
     QByteArray target;                     // path and query, as sent
@@ -39,15 +37,12 @@ struct TestHttpRequest {
     QByteArray header(const QByteArray &name) const { return headers.value(name.toLower()); }
 };
 
-// What the server sends back.
 struct TestHttpAnswer {
     int status = 200;
     QByteArray contentType = "application/json";
     QByteArray body;
-    // With Content-Length, or else delimited by closing the connection.
-    bool declareLength = true;
-    // Keeps the connection open and never writes anything.
-    bool silent = false;
+    bool declareLength = true; // or else delimited by closing the connection
+    bool silent = false;       // never answers
 
     static TestHttpAnswer json(int status, const QByteArray &body) {
         return {status, "application/json", body};
@@ -55,8 +50,8 @@ struct TestHttpAnswer {
     static TestHttpAnswer never() { return {200, {}, {}, true, true}; }
 };
 
-// An HTTPS/1.1 server on 127.0.0.1 running on the calling thread's event loop. Each
-// connection carries one request, answered by the handler, then closed.
+// An HTTPS/1.1 server on 127.0.0.1, on the calling thread's event loop: one request per
+// connection, answered by the handler (404 until one is set), then closed.
 class HttpsTestServer : public QObject {
     Q_OBJECT
 
@@ -66,15 +61,9 @@ public:
     explicit HttpsTestServer(const TestTlsIdentity &identity, QObject *parent = nullptr);
     ~HttpsTestServer() override;
 
-    // Listens on a free port of 127.0.0.1.
-    bool listen();
-    // https://127.0.0.1:PORT followed by path.
+    bool listen(); // on a free port of 127.0.0.1
     QUrl url(const QString &path) const;
-
-    // Answers 404 with an empty body until a handler is set.
     void setHandler(Handler handler) { handler_ = std::move(handler); }
-
-    // Every complete request received, in order.
     const QList<TestHttpRequest> &requests() const { return requests_; }
 
 private:

@@ -5,9 +5,9 @@
 #include <gtest/gtest.h>
 
 namespace velino::test {
+namespace {
 
-MailComposerData defaultWith(QStringView field, const QString &value) {
-    MailComposerData d = MailComposerData::defaultRecord();
+MailComposerData with(MailComposerData d, QStringView field, const QString &value) {
     const MailComposerData::Field *f = MailComposerData::field(field);
     EXPECT_NE(f, nullptr) << field.toString().toStdString();
     if (f)
@@ -15,13 +15,14 @@ MailComposerData defaultWith(QStringView field, const QString &value) {
     return d;
 }
 
+} // namespace
+
+MailComposerData defaultWith(QStringView field, const QString &value) {
+    return with(MailComposerData::defaultRecord(), field, value);
+}
+
 MailComposerData blankWith(QStringView field, const QString &value) {
-    MailComposerData d = MailComposerData::blank();
-    const MailComposerData::Field *f = MailComposerData::field(field);
-    EXPECT_NE(f, nullptr) << field.toString().toStdString();
-    if (f)
-        d.*f->member = value;
-    return d;
+    return with(MailComposerData::blank(), field, value);
 }
 
 QByteArray readTestData(const QString &name) {

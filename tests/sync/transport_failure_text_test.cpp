@@ -7,11 +7,7 @@ using namespace velino;
 TEST(TransportFailureText, OneFrenchSentencePerFailureThenThePlatformText) {
     using E = QNetworkReply::NetworkError;
     using S = QSslError::SslError;
-    const struct {
-        E error;
-        QList<S> ssl;
-        const char *starts;
-    } cases[] = {
+    const std::tuple<E, QList<S>, const char *> cases[] = {
         {E::HostNotFoundError, {}, "Serveur de synchronisation introuvable"},
         {E::ConnectionRefusedError, {}, "Le serveur de synchronisation refuse la connexion."},
         {E::SslHandshakeFailedError,
@@ -31,9 +27,9 @@ TEST(TransportFailureText, OneFrenchSentencePerFailureThenThePlatformText) {
         {E::ProxyNotFoundError, {}, "Le proxy de cet ordinateur"},
         {E::ProtocolFailure, {}, "Connexion au serveur de synchronisation impossible."},
     };
-    for (const auto &c : cases) {
-        const QString text = transportFailureText(c.error, c.ssl, " Platform text\n");
-        EXPECT_TRUE(text.startsWith(QString::fromLatin1(c.starts))) << text.toStdString();
+    for (const auto &[error, ssl, starts] : cases) {
+        const QString text = transportFailureText(error, ssl, " Platform text\n");
+        EXPECT_TRUE(text.startsWith(QString::fromLatin1(starts))) << text.toStdString();
         EXPECT_TRUE(text.endsWith(". (Platform text)")) << text.toStdString();
     }
     EXPECT_EQ(transportFailureText(E::ConnectionRefusedError, {}, ""),
