@@ -59,6 +59,7 @@ TEST(SanitizeURL, CoversEveryBranch) {
         {"www.a b", "", "https://www.a b"}, // www. is tested before spaces
         {"korvel.example/rdv", "", "https://korvel.example/rdv"},
         {"#", "x@y", "#"},
+        {" \n", " a@b.fr ", "mailto:a@b.fr"}, // blank: the sender's address
     };
     for (const auto &[url, sender, href] : cases)
         EXPECT_EQ(sanitizeURL(url, sender), href) << url;
