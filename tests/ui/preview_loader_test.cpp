@@ -5,42 +5,36 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 using namespace velino::ui;
+using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr qsizetype kPrefix = 29; // "data:text/html;charset=UTF-8,"
 
-// Stands in for the web view: records what the loader asks of it.
+// Stand-ins for the web view and for the store with its two published texts.
 class FakeWebView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QUrl url READ url WRITE setUrl)
 
 public:
-    QUrl url() const { return m_url; }
-    void setUrl(const QUrl &url) {
-        m_url = url;
-        ++urlLoads;
-    }
-
+    QUrl url() const { return urls.value(urls.size() - 1); }
+    void setUrl(const QUrl &url) { urls.append(url); }
     Q_INVOKABLE void loadHtml(const QString &, const QUrl &) { ++htmlLoads; }
 
+    QList<QUrl> urls;
     int htmlLoads = 0;
-    int urlLoads = 0;
-
-private:
-    QUrl m_url;
 };
 
-// Stands in for the store: two published texts, each with its own change signal.
 class FakeSource : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString status MEMBER status NOTIFY statusChanged)
     Q_PROPERTY(QString html MEMBER html NOTIFY htmlChanged)
 
 public:
-    QString status;
-    QString html;
+    QString status, html;
 
 Q_SIGNALS:
     void statusChanged();
@@ -52,69 +46,60 @@ void endTurn() {
     QCoreApplication::sendPostedEvents();
 }
 
-// A document of `length` unreserved characters whose data: URL is prefix + length.
-QString plainDocument(qsizetype length) {
-    return QString(length, u'a');
-}
-
 // An e-mail whose logo is inlined as data: (base64, whose '+' and '/' weigh three
 // characters each once percent-encoded): 1.8 million characters, 3 million encoded.
 QString largeDocument() {
-    return QStringLiteral("<!DOCTYPE html>\n<html lang=\"fr\">\n<head>\n<title>Gros</title>"
-                          "</head><body><img src=\"data:image/png;base64,") +
-           QStringLiteral("QUFB+/").repeated(300'000) +
-           QStringLiteral("\"><p>Fin</p></body></html>");
+    return u"<!DOCTYPE html>\n<html lang=\"fr\">\n<head>\n<title>Gros</title></head><body>"
+           u"<img src=\"data:image/png;base64,"_s +
+           u"QUFB+/"_s.repeated(300'000) + u"\"><p>Fin</p></body></html>"_s;
 }
 
 } // namespace
 
 TEST(PreviewDataUrl, CountsPercentEncodedBytes) {
-    EXPECT_EQ(dataUrlLength(""), kPrefix);
-    EXPECT_EQ(dataUrlLength("aZ09-._~"), kPrefix + 8);
-    // Every other byte, multi-byte UTF-8 included, becomes %XX.
-    EXPECT_EQ(dataUrlLength("<p a=\"b\">"), kPrefix + 3 + 1 + 3 + 1 + 3 + 3 + 1 + 3 + 3);
-    EXPECT_EQ(dataUrlLength(QStringLiteral("é").toUtf8()), kPrefix + 6);
-    EXPECT_EQ(dataUrlLength(QByteArray::fromPercentEncoding("%00%FF")), kPrefix + 6);
-    const QByteArray sample = largeDocument().left(5000).toUtf8() + QStringLiteral("çà€😀").toUtf8();
+    // Every byte but the unreserved ones, multi-byte UTF-8 included, becomes %XX.
+    const std::pair<QByteArray, qsizetype> cases[] = {
+        {"", 0},
+        {"aZ09-._~", 8},
+        {"<p a=\"b\">", 3 + 1 + 3 + 1 + 3 + 3 + 1 + 3 + 3},
+        {u"é"_s.toUtf8(), 6},
+        {QByteArray::fromPercentEncoding("%00%FF"), 6},
+    };
+    for (const auto &[bytes, encoded] : cases)
+        EXPECT_EQ(dataUrlLength(bytes), kPrefix + encoded) << bytes.toStdString();
+    const QByteArray sample = largeDocument().left(5000).toUtf8() + u"çà€😀"_s.toUtf8();
     EXPECT_EQ(dataUrlLength(sample), kPrefix + sample.toPercentEncoding().size());
 }
 
-TEST(PreviewPlan, SmallDocumentsFromTheStringAndNothingAsABlankPage) {
-    const PreviewPlan plan = planPreview("<p>Bonjour</p>", QStringLiteral("korvel.example"));
-    EXPECT_EQ(plan.route, PreviewPlan::Route::Html);
-    EXPECT_EQ(plan.baseUrl, QUrl(QStringLiteral("https://korvel.example")));
-    // With a base URL and no data, the web engine would load the host's own page.
-    const PreviewPlan empty = planPreview("", QStringLiteral("korvel.example"));
-    EXPECT_EQ(empty.route, PreviewPlan::Route::Blank);
-    EXPECT_TRUE(empty.baseUrl.isEmpty());
-    const PreviewPlan space = planPreview(" ", QStringLiteral("korvel.example"));
-    EXPECT_EQ(space.route, PreviewPlan::Route::Html);
-    EXPECT_FALSE(space.baseUrl.isEmpty());
-}
-
-TEST(PreviewPlan, FileOnlyBeyondTheDataUrlLimit) {
-    const QString host = QStringLiteral("korvel.example");
-    EXPECT_EQ(planPreview(plainDocument(kMaxDataUrlLength - kPrefix).toUtf8(), host).route,
-              PreviewPlan::Route::Html);
-    EXPECT_EQ(planPreview(plainDocument(kMaxDataUrlLength - kPrefix + 1).toUtf8(), host).route,
-              PreviewPlan::Route::File);
+TEST(PreviewPlan, RouteByEncodedLengthAndHttpsBaseOnTheServiceHost) {
+    using Route = PreviewPlan::Route;
+    const QByteArray atLimit(kMaxDataUrlLength - kPrefix, 'a');
+    const char *https = "https://korvel.example";
+    // With a base URL and no data, the web engine would load the host's own page: blank.
     // The limit is on the encoded form: 700 000 '<' weigh 2.1 million characters.
-    EXPECT_EQ(planPreview(QByteArray(700'000, '<'), host).route, PreviewPlan::Route::File);
-    EXPECT_EQ(planPreview(largeDocument().toUtf8(), host).route, PreviewPlan::Route::File);
-}
-
-TEST(PreviewBaseUrl, HttpsOnTheServiceHostOrNothing) {
-    EXPECT_EQ(previewBaseUrl(QStringLiteral("korvel.example")).toString(),
-              QStringLiteral("https://korvel.example"));
-    EXPECT_EQ(previewBaseUrl(QStringLiteral("korvel.example:8443")).port(), 8443);
-    EXPECT_TRUE(previewBaseUrl(QString()).isEmpty());
-    EXPECT_TRUE(previewBaseUrl(QStringLiteral("bad host")).isEmpty());
-    EXPECT_TRUE(previewBaseUrl(QStringLiteral("a<b")).isEmpty());
-    EXPECT_TRUE(planPreview("<p>x</p>", QString()).baseUrl.isEmpty());
+    const std::tuple<QByteArray, const char *, Route, const char *> cases[] = {
+        {"<p>Bonjour</p>", "korvel.example", Route::Html, https},
+        {"", "korvel.example", Route::Blank, ""},
+        {" ", "korvel.example", Route::Html, https},
+        {atLimit, "korvel.example", Route::Html, https},
+        {atLimit + 'a', "korvel.example", Route::File, https},
+        {QByteArray(700'000, '<'), "korvel.example", Route::File, https},
+        {largeDocument().toUtf8(), "korvel.example", Route::File, https},
+        {"<p>x</p>", "", Route::Html, ""},
+        {"<p>x</p>", "korvel.example:8443", Route::Html, "https://korvel.example:8443"},
+        {"<p>x</p>", "bad host", Route::Html, ""},
+        {"<p>x</p>", "a<b", Route::Html, ""},
+    };
+    for (const auto &[html, host, route, baseUrl] : cases) {
+        SCOPED_TRACE(html.left(20).toStdString() + " " + host);
+        const PreviewPlan plan = planPreview(html, QString::fromUtf8(host));
+        EXPECT_EQ(plan.route, route);
+        EXPECT_EQ(plan.baseUrl.toString(), QString::fromUtf8(baseUrl));
+    }
 }
 
 TEST(PreviewFileContents, BomThenBaseElementAtTheStartOfTheHead) {
-    const QUrl base(QStringLiteral("https://korvel.example"));
+    const QUrl base(u"https://korvel.example"_s);
     const QByteArray bom = "\xEF\xBB\xBF";
     const QByteArray tag = "<base href=\"https://korvel.example\">";
     // Each document, split where the base element goes.
@@ -137,55 +122,38 @@ TEST(PreviewFileContents, BomThenBaseElementAtTheStartOfTheHead) {
     EXPECT_EQ(previewFileContents("<head></head>", QUrl()), bom + "<head></head>");
 }
 
-TEST(HtmlPreviewLoader, OnlyTheLastTwoFilesAreKeptAndNoneAfterASmallDocument) {
+TEST(HtmlPreviewLoader, OnlyTheLastTwoFilesAreKeptNoneAfterASmallDocumentOrTheLoader) {
     FakeWebView view;
-    HtmlPreviewLoader loader;
-    loader.setView(&view);
-    const int urlLoads = view.urlLoads;
-    const QString html = largeDocument();
-
-    loader.setHtml(html);
-    endTurn();
-    const QString first = view.url().toLocalFile();
-    loader.setHtml(html);
-    endTurn();
-    const QString second = view.url().toLocalFile();
-    EXPECT_NE(first, second);
-    EXPECT_TRUE(QFile::exists(first));
-    EXPECT_TRUE(QFile::exists(second));
-
-    loader.setHtml(html);
-    endTurn();
-    const QString third = view.url().toLocalFile();
-    EXPECT_FALSE(QFile::exists(first));
-    EXPECT_TRUE(QFile::exists(second));
-    EXPECT_TRUE(QFile::exists(third));
-    EXPECT_EQ(view.urlLoads, urlLoads + 3);
-
-    loader.setHtml(QStringLiteral("<p>petit</p>"));
-    endTurn();
-    EXPECT_FALSE(loader.lastLoadUsedFile());
-    EXPECT_FALSE(QFile::exists(second));
-    EXPECT_FALSE(QFile::exists(third));
-}
-
-TEST(HtmlPreviewLoader, FilesAreRemovedWithTheLoader) {
-    FakeWebView view;
-    QString path;
-    {
-        HtmlPreviewLoader loader;
-        loader.setView(&view);
-        loader.setHtml(largeDocument());
+    auto loader = std::make_unique<HtmlPreviewLoader>();
+    loader->setView(&view);
+    QStringList files;
+    for (int i = 0; i < 3; ++i) {
+        loader->setHtml(largeDocument());
         endTurn();
-        path = view.url().toLocalFile();
-        ASSERT_TRUE(QFile::exists(path));
+        files.append(view.url().toLocalFile());
+        EXPECT_TRUE(QFile::exists(files.last()));
+        EXPECT_EQ(QFile::exists(files.first()), i < 2);
     }
-    EXPECT_FALSE(QFile::exists(path));
+    EXPECT_EQ(files.removeDuplicates(), 0);
+    EXPECT_TRUE(QFile::exists(files[1]));
+    EXPECT_EQ(view.urls.size(), 3);
+
+    loader->setHtml(u"<p>petit</p>"_s);
+    endTurn();
+    EXPECT_FALSE(loader->lastLoadUsedFile());
+    EXPECT_FALSE(QFile::exists(files[1]));
+    EXPECT_FALSE(QFile::exists(files[2]));
+
+    loader->setHtml(largeDocument());
+    endTurn();
+    ASSERT_TRUE(QFile::exists(view.url().toLocalFile()));
+    loader.reset();
+    EXPECT_FALSE(QFile::exists(view.url().toLocalFile()));
 }
 
 TEST(HtmlPreviewLoader, LoadsOnlyOnceCompleteAndWithAView) {
     HtmlPreviewLoader alone;
-    alone.setHtml(QStringLiteral("<p>A</p>"));
+    alone.setHtml(u"<p>A</p>"_s);
     endTurn();
     EXPECT_EQ(alone.loadCount(), 0);
 
@@ -193,8 +161,8 @@ TEST(HtmlPreviewLoader, LoadsOnlyOnceCompleteAndWithAView) {
     HtmlPreviewLoader loader;
     loader.classBegin();
     loader.setView(&view);
-    loader.setServiceHost(QStringLiteral("korvel.example"));
-    loader.setHtml(QStringLiteral("<p>A</p>"));
+    loader.setServiceHost(u"korvel.example"_s);
+    loader.setHtml(u"<p>A</p>"_s);
     endTurn();
     EXPECT_EQ(view.htmlLoads, 0);
     EXPECT_EQ(loader.loadCount(), 0);
@@ -209,19 +177,19 @@ TEST(HtmlPreviewLoader, EveryChangeOfTheSourceReloadsOncePerTurn) {
     FakeSource source;
     HtmlPreviewLoader loader;
     loader.setView(&view);
-    loader.setHtml(QStringLiteral("<p>A</p>"));
+    loader.setHtml(u"<p>A</p>"_s);
     loader.setChangeSource(&source);
     endTurn();
     EXPECT_EQ(view.htmlLoads, 1);
 
-    // A status text alone reloads the same page.
+    // A status text alone reloads the same page; a regeneration announced several times in
+    // one turn loads once.
     Q_EMIT source.statusChanged();
     endTurn();
     EXPECT_EQ(view.htmlLoads, 2);
 
-    // A regeneration: new HTML and several announcements in one turn, one load.
     Q_EMIT source.htmlChanged();
-    loader.setHtml(QStringLiteral("<p>B</p>"));
+    loader.setHtml(u"<p>B</p>"_s);
     Q_EMIT source.statusChanged();
     Q_EMIT source.statusChanged();
     EXPECT_EQ(view.htmlLoads, 2);
@@ -229,22 +197,20 @@ TEST(HtmlPreviewLoader, EveryChangeOfTheSourceReloadsOncePerTurn) {
     EXPECT_EQ(view.htmlLoads, 3);
     EXPECT_EQ(loader.loadCount(), 3);
 
-    // Another source, or none: the old one no longer reloads anything.
+    // Without a source, the old one reloads nothing; one destroyed while watched is dropped.
     loader.setChangeSource(nullptr);
     endTurn();
     const int loads = view.htmlLoads;
     Q_EMIT source.statusChanged();
     endTurn();
     EXPECT_EQ(view.htmlLoads, loads);
-
-    // A source destroyed while watched leaves the loader working.
     {
         FakeSource shortLived;
         loader.setChangeSource(&shortLived);
         endTurn();
     }
     EXPECT_EQ(loader.changeSource(), nullptr);
-    loader.setHtml(QStringLiteral("<p>C</p>"));
+    loader.setHtml(u"<p>C</p>"_s);
     endTurn();
     EXPECT_EQ(view.htmlLoads, loads + 2);
 }

@@ -1,4 +1,3 @@
-#include "counting_image_server.h"
 #include "identifiers.h"
 #include "qt_services.h"
 #include "qt_state_storage.h"
@@ -11,8 +10,9 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QQmlEngine>
-#include <QQuickItem>
 #include <QQuickWindow>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QtQml/qqmlextensionplugin.h>
@@ -22,6 +22,7 @@
 #include <memory>
 
 Q_IMPORT_QML_PLUGIN(VelinoPlugin)
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -32,16 +33,43 @@ QTemporaryDir *configHome() {
     return &dir;
 }
 
-// What the QML tests need beyond Qt Quick Test: key events sent to another window than
-// the test's own (the windows the application shell opens), a clean settings folder,
-// scratch folders and the environment the program reads.
+// A loopback HTTP server that counts the requests it gets (each answered with no content):
+// it tells whether a page asked for its remote images at all.
+class CountingServer : public QTcpServer {
+public:
+    CountingServer() {
+        connect(this, &QTcpServer::newConnection, this, [this] {
+            while (QTcpSocket *socket = nextPendingConnection()) {
+                connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+                connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
+                    QObject::disconnect(socket, &QTcpSocket::readyRead, nullptr, nullptr);
+                    ++requests;
+                    socket->readAll();
+                    socket->write("HTTP/1.1 204 No Content\r\nConnection: close\r\n\r\n");
+                    socket->disconnectFromHost();
+                });
+            }
+        });
+    }
+    int requests = 0;
+};
+
+// What the QML tests need beyond Qt Quick Test: key events sent to the windows the
+// application shell opens, clean settings, scratch folders and the program's environment.
 class TestSupport : public QObject {
     Q_OBJECT
+
+public Q_SLOTS:
+    // Called by Qt Quick Test with the engine of each test file.
+    void qmlEngineAvailable(QQmlEngine *engine) {
+        engine->addImportPath(u"qrc:/qt/qml"_s);
+        qmlRegisterSingletonInstance("VelinoTest", 1, 0, "TestSupport", this);
+    }
 
 public:
     // Removes every saved setting, so that the next window starts from the defaults.
     Q_INVOKABLE bool resetSettings() const {
-        for (const QString &folder : {QStringLiteral("/Korvel"), QStringLiteral("/data/Korvel")}) {
+        for (const QString &folder : {u"/Korvel"_s, u"/data/Korvel"_s}) {
             QDir dir(configHome()->path() + folder);
             if (dir.exists() && !dir.removeRecursively())
                 return false;
@@ -57,7 +85,7 @@ public:
         for (int i = 0; i < count; ++i) {
             velino::CustomMailPreset preset;
             preset.id = velino::randomUuid();
-            preset.name = QStringLiteral("Preset client %1").arg(i);
+            preset.name = u"Preset client %1"_s.arg(i);
             preset.data = payload.data;
             preset.createdAt = velino::Instant{788918400.0 - i};
             preset.updatedAt = preset.createdAt;
@@ -87,9 +115,13 @@ public:
         qputenv(name.toLocal8Bit().constData(), value.toLocal8Bit());
     }
     Q_INVOKABLE QString homeAtStart() const { return m_home; }
-    // A loopback server of images that counts the requests it gets: its port.
-    Q_INVOKABLE int startImageServer() { return m_images.start(); }
-    Q_INVOKABLE int imageRequests() const { return m_images.requests(); }
+    // The port of a loopback server that counts the requests for images, or 0.
+    Q_INVOKABLE int startImageServer() {
+        return m_images.isListening() || m_images.listen(QHostAddress::LocalHost)
+                   ? m_images.serverPort()
+                   : 0;
+    }
+    Q_INVOKABLE int imageRequests() const { return m_images.requests; }
     Q_INVOKABLE QString environment(const QString &name) const {
         return qEnvironmentVariable(qUtf8Printable(name));
     }
@@ -99,17 +131,13 @@ public:
 
     // A new empty folder, removed when the test program ends.
     Q_INVOKABLE QString makeTemporaryFolder() {
-        auto dir = std::make_unique<QTemporaryDir>();
-        const QString path = dir->path();
-        m_folders.push_back(std::move(dir));
-        return path;
+        m_folders.push_back(std::make_unique<QTemporaryDir>());
+        return m_folders.back()->path();
     }
 
     Q_INVOKABLE QString readTextFile(const QString &path) const {
         QFile file(path);
-        if (!file.open(QIODevice::ReadOnly))
-            return QString();
-        return QString::fromUtf8(file.readAll());
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
     }
     Q_INVOKABLE bool fileExists(const QString &path) const { return QFile::exists(path); }
 
@@ -117,17 +145,12 @@ public:
     Q_INVOKABLE void setClipboardText(const QString &text) const {
         QGuiApplication::clipboard()->setText(text);
     }
-    Q_INVOKABLE bool removeFolder(const QString &path) const {
-        return QDir(path).removeRecursively();
-    }
 
     // Types `text` (Latin-1) into whichever item of `window` has the keyboard focus.
     Q_INVOKABLE void typeText(QQuickWindow *window, const QString &text) const {
-        if (!window)
-            return;
-        const QByteArray latin1 = text.toLatin1();
-        for (const char c : latin1)
-            QTest::keyClick(window, c);
+        if (window)
+            for (const char c : text.toLatin1())
+                QTest::keyClick(window, c);
     }
     Q_INVOKABLE void keyClick(QQuickWindow *window, int key, int modifiers = 0) const {
         if (window)
@@ -137,40 +160,27 @@ public:
 private:
     static bool saveState(const velino::SavedPayload &payload) {
         const QString home = configHome()->path();
-        velino::QtStateStorage storage(velino::StateFiles::inFolders(
-            home + QStringLiteral("/Korvel"), home + QStringLiteral("/data/Korvel/Velino")));
+        velino::QtStateStorage storage(
+            velino::StateFiles::inFolders(home + u"/Korvel"_s, home + u"/data/Korvel/Velino"_s));
         return storage.writeDocument(payload.toJson());
     }
 
     std::vector<std::unique_ptr<QTemporaryDir>> m_folders;
     const QString m_home = qEnvironmentVariable("HOME");
-    CountingImageServer m_images;
-};
-
-class Setup : public QObject {
-    Q_OBJECT
-
-public Q_SLOTS:
-    void qmlEngineAvailable(QQmlEngine *engine) {
-        engine->addImportPath(QStringLiteral("qrc:/qt/qml"));
-        qmlRegisterSingletonInstance("VelinoTest", 1, 0, "TestSupport", &m_support);
-    }
-
-private:
-    TestSupport m_support;
+    CountingServer m_images;
 };
 
 } // namespace
 
 int main(int argc, char **argv) {
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(configHome()->path()));
-    qputenv("XDG_DATA_HOME", QFile::encodeName(configHome()->path() + QStringLiteral("/data")));
+    qputenv("XDG_DATA_HOME", QFile::encodeName(configHome()->path() + u"/data"_s));
     // As in the program: the web engine and the renderer are set up before the application
     // object, which quick_test_main creates.
     QtWebEngineQuick::initialize();
     velino::ui::chooseSceneGraphBackend();
-    Setup setup;
-    return quick_test_main_with_setup(argc, argv, "velino_qml", nullptr, &setup);
+    TestSupport support;
+    return quick_test_main_with_setup(argc, argv, "velino_qml", nullptr, &support);
 }
 
 #include "quick_test_main.moc"

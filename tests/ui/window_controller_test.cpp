@@ -8,8 +8,7 @@
 
 #include <gtest/gtest.h>
 
-using velino::ui::WindowController;
-
+using namespace Qt::StringLiterals;
 namespace {
 
 class RecordingUrlOpener final : public velino::UrlOpener {
@@ -21,44 +20,32 @@ public:
     QList<QUrl> opened;
 };
 
-// A controller whose store keeps its state in a temporary folder and opens no URL.
-class WindowControllerTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_TRUE(dir.isValid());
-        qunsetenv("VELINO_SERVICE_HOST");
-    }
-    void TearDown() override { qunsetenv("VELINO_SERVICE_HOST"); }
+} // namespace
 
-    std::unique_ptr<WindowController> makeController() {
+TEST(WindowController, WebInterfaceOnTheServiceHost) {
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const auto urls = std::make_shared<RecordingUrlOpener>();
+    const auto makeController = [&] {
         velino::StoreServices services = velino::StoreServices::qtDefaults();
         services.storage = std::make_shared<velino::QtStateStorage>(
             velino::StateFiles::inFolders(dir.path(), dir.path()));
         services.urls = urls;
-        return std::make_unique<WindowController>(std::move(services));
-    }
-
-    QTemporaryDir dir;
-    std::shared_ptr<RecordingUrlOpener> urls = std::make_shared<RecordingUrlOpener>();
-};
-
-} // namespace
-
-TEST_F(WindowControllerTest, WebInterfaceOnTheServiceHost) {
-    EXPECT_EQ(makeController()->serviceHost(), velino::serviceHost());
-    EXPECT_EQ(makeController()->syncSubtitle(),
-              QStringLiteral("Relie cette app a l'interface privee ") +
-                  velino::defaultServiceHost() + QStringLiteral("/velino.html."));
+        return std::make_unique<velino::ui::WindowController>(std::move(services));
+    };
+    const auto subtitle = [](const QString &host) {
+        return u"Relie cette app a l'interface privee %1/velino.html."_s.arg(host);
+    };
+    qunsetenv("VELINO_SERVICE_HOST");
+    EXPECT_EQ(makeController()->syncSubtitle(), subtitle(velino::defaultServiceHost()));
 
     qputenv("VELINO_SERVICE_HOST", "atelier.test:8443");
     const auto controller = makeController();
-    EXPECT_EQ(controller->serviceHost(), QStringLiteral("atelier.test:8443"));
-    EXPECT_EQ(
-        controller->syncSubtitle(),
-        QStringLiteral("Relie cette app a l'interface privee atelier.test:8443/velino.html."));
-    EXPECT_EQ(controller->webInterfaceUrl(),
-              QUrl(QStringLiteral("https://atelier.test:8443/velino.html")));
+    EXPECT_EQ(controller->serviceHost(), u"atelier.test:8443"_s);
+    EXPECT_EQ(controller->syncSubtitle(), subtitle(u"atelier.test:8443"_s));
+    const QUrl page(u"https://atelier.test:8443/velino.html"_s);
+    EXPECT_EQ(controller->webInterfaceUrl(), page);
     EXPECT_TRUE(controller->openWebInterface());
-    EXPECT_EQ(urls->opened,
-              QList<QUrl>{QUrl(QStringLiteral("https://atelier.test:8443/velino.html"))});
+    EXPECT_EQ(urls->opened, QList<QUrl>{page});
+    qunsetenv("VELINO_SERVICE_HOST");
 }
