@@ -73,16 +73,14 @@ TEST(PreviewDataUrl, CountsPercentEncodedBytes) {
 
 TEST(PreviewPlan, RouteByEncodedLengthAndHttpsBaseOnTheServiceHost) {
     using Route = PreviewPlan::Route;
-    const QByteArray atLimit(kMaxDataUrlLength - kPrefix, 'a');
     const char *https = "https://korvel.example";
     // With a base URL and no data, the web engine would load the host's own page: blank.
-    // The limit is on the encoded form: 700 000 '<' weigh 2.1 million characters.
+    // The limit is on the encoded form: 700 000 '<' weigh 2.1 million characters. (The
+    // limit itself is checked against the web engine in the preview's Qt Quick test.)
     const std::tuple<QByteArray, const char *, Route, const char *> cases[] = {
         {"<p>Bonjour</p>", "korvel.example", Route::Html, https},
         {"", "korvel.example", Route::Blank, ""},
         {" ", "korvel.example", Route::Html, https},
-        {atLimit, "korvel.example", Route::Html, https},
-        {atLimit + 'a', "korvel.example", Route::File, https},
         {QByteArray(700'000, '<'), "korvel.example", Route::File, https},
         {largeDocument().toUtf8(), "korvel.example", Route::File, https},
         {"<p>x</p>", "", Route::Html, ""},

@@ -28,31 +28,7 @@ namespace {
 
 // The per-user state of every window the tests open lives in this folder (XDG_CONFIG_HOME
 // for the settings, XDG_DATA_HOME for the saved document), never in the user's own.
-QTemporaryDir *configHome() {
-    static QTemporaryDir dir;
-    return &dir;
-}
-
-// A loopback HTTP server that counts the requests it gets (each answered with no content):
-// it tells whether a page asked for its remote images at all.
-class CountingServer : public QTcpServer {
-public:
-    CountingServer() {
-        connect(this, &QTcpServer::newConnection, this, [this] {
-            while (QTcpSocket *socket = nextPendingConnection()) {
-                connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-                connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
-                    QObject::disconnect(socket, &QTcpSocket::readyRead, nullptr, nullptr);
-                    ++requests;
-                    socket->readAll();
-                    socket->write("HTTP/1.1 204 No Content\r\nConnection: close\r\n\r\n");
-                    socket->disconnectFromHost();
-                });
-            }
-        });
-    }
-    int requests = 0;
-};
+QTemporaryDir configHome;
 
 // What the QML tests need beyond Qt Quick Test: key events sent to the windows the
 // application shell opens, clean settings, scratch folders and the program's environment.
@@ -69,12 +45,8 @@ public Q_SLOTS:
 public:
     // Removes every saved setting, so that the next window starts from the defaults.
     Q_INVOKABLE bool resetSettings() const {
-        for (const QString &folder : {u"/Korvel"_s, u"/data/Korvel"_s}) {
-            QDir dir(configHome()->path() + folder);
-            if (dir.exists() && !dir.removeRecursively())
-                return false;
-        }
-        return true;
+        return QDir(configHome.path() + u"/Korvel"_s).removeRecursively() &&
+               QDir(configHome.path() + u"/data/Korvel"_s).removeRecursively();
     }
 
     // Saves a state with `count` presets "Preset client 0" (newest) to "Preset client
@@ -115,13 +87,27 @@ public:
         qputenv(name.toLocal8Bit().constData(), value.toLocal8Bit());
     }
     Q_INVOKABLE QString homeAtStart() const { return m_home; }
-    // The port of a loopback server that counts the requests for images, or 0.
+    // The port of a loopback HTTP server that counts the requests it gets (answered with
+    // no content), or 0: it tells whether a page asked for its remote images at all.
     Q_INVOKABLE int startImageServer() {
-        return m_images.isListening() || m_images.listen(QHostAddress::LocalHost)
-                   ? m_images.serverPort()
-                   : 0;
+        if (m_images.isListening())
+            return m_images.serverPort();
+        if (!m_images.listen(QHostAddress::LocalHost))
+            return 0;
+        connect(&m_images, &QTcpServer::newConnection, this, [this] {
+            while (QTcpSocket *socket = m_images.nextPendingConnection()) {
+                connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+                connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
+                    QObject::disconnect(socket, &QTcpSocket::readyRead, nullptr, nullptr);
+                    ++m_imageRequests;
+                    socket->write("HTTP/1.1 204 No Content\r\nConnection: close\r\n\r\n");
+                    socket->disconnectFromHost();
+                });
+            }
+        });
+        return m_images.serverPort();
     }
-    Q_INVOKABLE int imageRequests() const { return m_images.requests; }
+    Q_INVOKABLE int imageRequests() const { return m_imageRequests; }
     Q_INVOKABLE QString environment(const QString &name) const {
         return qEnvironmentVariable(qUtf8Printable(name));
     }
@@ -159,7 +145,7 @@ public:
 
 private:
     static bool saveState(const velino::SavedPayload &payload) {
-        const QString home = configHome()->path();
+        const QString home = configHome.path();
         velino::QtStateStorage storage(
             velino::StateFiles::inFolders(home + u"/Korvel"_s, home + u"/data/Korvel/Velino"_s));
         return storage.writeDocument(payload.toJson());
@@ -167,14 +153,15 @@ private:
 
     std::vector<std::unique_ptr<QTemporaryDir>> m_folders;
     const QString m_home = qEnvironmentVariable("HOME");
-    CountingServer m_images;
+    QTcpServer m_images;
+    int m_imageRequests = 0;
 };
 
 } // namespace
 
 int main(int argc, char **argv) {
-    qputenv("XDG_CONFIG_HOME", QFile::encodeName(configHome()->path()));
-    qputenv("XDG_DATA_HOME", QFile::encodeName(configHome()->path() + u"/data"_s));
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(configHome.path()));
+    qputenv("XDG_DATA_HOME", QFile::encodeName(configHome.path() + u"/data"_s));
     // As in the program: the web engine and the renderer are set up before the application
     // object, which quick_test_main creates.
     QtWebEngineQuick::initialize();

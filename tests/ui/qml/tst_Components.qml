@@ -129,13 +129,10 @@ Item {
         }
 
         function test_customPresetRow() {
-            const updated = new Date(2025, 2, 5, 14, 7)
             const row = make("CustomPresetRow", { width: 900, name: "Devis iPhone", sourceTitle: "Devis",
-                subjectLine: "Votre devis Korvel est pret", updatedAt: updated, isActive: false })
+                subjectLine: "Votre devis Korvel est pret", updatedAt: new Date(2025, 2, 5, 14, 7), isActive: false })
             compare(named(row, "presetName").text, "Devis iPhone")
-            compare(named(row, "presetSource").text, "Devis · Votre devis Korvel est pret")
-            compare(named(row, "presetUpdated").text, "Mis a jour le " + UiHelpers.updatedLabel(updated))
-            verify(named(row, "presetUpdated").text.startsWith("Mis a jour le 05 mars · 14:07"))
+            compare(named(row, "presetUpdated").text, "Mis a jour le 05 mars · 14:07")
             const buttons = [["loadButton", "load", "Charger"], ["overwriteButton", "overwrite", "Remplacer"],
                              ["removeButton", "remove", "Supprimer"]]
             for (const active of [false, true]) {

@@ -44,9 +44,8 @@ Item {
         }
 
         function evaluate(view, script) {
-            let done = false
-            let value
-            view.runJavaScript(script, function(result) { value = result; done = true })
+            let done = false, value
+            view.runJavaScript(script, (result) => { value = result; done = true })
             tryVerify(() => done, 10000, "script answered: " + script)
             return value
         }
@@ -55,11 +54,8 @@ Item {
         function loadAndWait(view, action) {
             const spy = createTemporaryObject(signalSpyComponent, testCase, { target: view, signalName: "loadingChanged" })
             action()
-            const finished = () => {
-                const ends = spy.signalArguments.map(a => a[0].status).filter(s => s !== WebEngineView.LoadStartedStatus)
-                return ends.length > 0 ? ends[0] : -1
-            }
-            tryVerify(() => finished() !== -1, 20000, "load finished")
+            const finished = () => spy.signalArguments.map(a => a[0].status).find(s => s !== WebEngineView.LoadStartedStatus)
+            tryVerify(() => finished() !== undefined, 20000, "load finished")
             return finished()
         }
 
@@ -68,8 +64,7 @@ Item {
             verify(preview)
             if (title === null)
                 return preview
-            tryVerify(() => preview.loader.hasShownPage, 20000, "first page shown")
-            tryVerify(() => !preview.webView.loading, 20000, "page loaded")
+            tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000, "first page shown")
             if (title !== undefined)
                 tryCompare(preview.webView, "title", title, 20000)
             return preview
