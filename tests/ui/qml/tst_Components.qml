@@ -133,21 +133,13 @@ Item {
                 subjectLine: "Votre devis Korvel est pret", updatedAt: new Date(2025, 2, 5, 14, 7), isActive: false })
             compare(named(row, "presetName").text, "Devis iPhone")
             compare(named(row, "presetUpdated").text, "Mis a jour le 05 mars · 14:07")
-            const buttons = [["loadButton", "load", "Charger"], ["overwriteButton", "overwrite", "Remplacer"],
-                             ["removeButton", "remove", "Supprimer"]]
+            // What each button does is checked through the window (tst_MainWindow).
+            const buttons = ["loadButton", "overwriteButton", "removeButton"].map((name) => named(row, name))
+            compare(buttons.map((button) => button.text), ["Charger", "Remplacer", "Supprimer"])
             for (const active of [false, true]) {
                 row.isActive = active
                 compare(named(row, "activeChip").visible, active)
-                compare(buttons.map(([name]) => named(row, name).primary), [active, false, false])
-            }
-            // Each button sends its own signal.
-            const spies = buttons.map(([, signalName]) => spy(row, signalName))
-            waitForRendering(row)
-            for (let i = 0; i < buttons.length; ++i) {
-                const button = named(row, buttons[i][0])
-                compare(button.text, buttons[i][2])
-                mouseClick(button)
-                compare(spies.map(s => s.count), spies.map((s, j) => j <= i ? 1 : 0), buttons[i][1])
+                compare(buttons.map((button) => button.primary), [active, false, false])
             }
         }
 
