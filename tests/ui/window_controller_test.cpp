@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
+
 namespace {
 
 class RecordingUrlOpener final : public velino::UrlOpener {
@@ -26,26 +27,23 @@ TEST(WindowController, WebInterfaceOnTheServiceHost) {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     const auto urls = std::make_shared<RecordingUrlOpener>();
-    const auto makeController = [&] {
-        velino::StoreServices services = velino::StoreServices::qtDefaults();
-        services.storage = std::make_shared<velino::QtStateStorage>(
-            velino::StateFiles::inFolders(dir.path(), dir.path()));
-        services.urls = urls;
-        return std::make_unique<velino::ui::WindowController>(std::move(services));
-    };
+    velino::StoreServices services = velino::StoreServices::qtDefaults();
+    services.storage = std::make_shared<velino::QtStateStorage>(
+        velino::StateFiles::inFolders(dir.path(), dir.path()));
+    services.urls = urls;
+    velino::ui::WindowController controller(std::move(services));
     const auto subtitle = [](const QString &host) {
         return u"Relie cette app a l'interface privee %1/velino.html."_s.arg(host);
     };
     qunsetenv("VELINO_SERVICE_HOST");
-    EXPECT_EQ(makeController()->syncSubtitle(), subtitle(velino::defaultServiceHost()));
+    EXPECT_EQ(controller.syncSubtitle(), subtitle(velino::defaultServiceHost()));
 
     qputenv("VELINO_SERVICE_HOST", "atelier.test:8443");
-    const auto controller = makeController();
-    EXPECT_EQ(controller->serviceHost(), u"atelier.test:8443"_s);
-    EXPECT_EQ(controller->syncSubtitle(), subtitle(u"atelier.test:8443"_s));
+    EXPECT_EQ(controller.serviceHost(), u"atelier.test:8443"_s);
+    EXPECT_EQ(controller.syncSubtitle(), subtitle(u"atelier.test:8443"_s));
     const QUrl page(u"https://atelier.test:8443/velino.html"_s);
-    EXPECT_EQ(controller->webInterfaceUrl(), page);
-    EXPECT_TRUE(controller->openWebInterface());
+    EXPECT_EQ(controller.webInterfaceUrl(), page);
+    EXPECT_TRUE(controller.openWebInterface());
     EXPECT_EQ(urls->opened, QList<QUrl>{page});
     qunsetenv("VELINO_SERVICE_HOST");
 }
