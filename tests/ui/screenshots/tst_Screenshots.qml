@@ -4,8 +4,8 @@ import Velino
 import VelinoTest
 import "../qml"
 
-// Not a test: the window in the states worth looking at, saved as PNGs in the folder
-// named by VELINO_SCREENSHOT_DIR (scripts/screenshots runs it).
+// Not a test: the window in the states named by scripts/screenshots, saved as PNGs in the
+// folder named by VELINO_SCREENSHOT_DIR.
 Item {
     width: 200
     height: 200
@@ -44,20 +44,15 @@ Item {
             return flick
         }
 
-        function waitForPreview(pause) {
-            const preview = named("htmlPreview")
-            tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000)
-            wait(pause)
-            return preview
-        }
-
         function initTestCase() {
             verify(folder.length > 0, "VELINO_SCREENSHOT_DIR")
             verify(TestSupport.resetSettings())
             driver.open()
             driver.unlock()
             tryVerify(() => driver.main() !== null, 5000)
-            waitForPreview(500)
+            const preview = named("htmlPreview")
+            tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000)
+            wait(500)
         }
 
         function test_1_formScrolledThrough() {
@@ -102,32 +97,6 @@ Item {
             tryVerify(() => store.generatedHTML.indexOf("Merci !") >= 0, 3000)
             wait(800)
             shot("preview-after-edit")
-        }
-
-        function test_6_keyboardFocus() {
-            scrollFormTo(0)
-            for (const [name, item] of [["button", "exportButton"], ["tile", "presetTile.rdv"]]) {
-                named(item).forceActiveFocus(Qt.TabFocusReason)
-                shot("focus-" + name)
-            }
-            named("field.recipientEmail").field.forceActiveFocus(Qt.TabFocusReason)
-            shot("focus-field")
-            window.controller.requestReset()
-            tryVerify(() => window.resetAlert.opened, 3000)
-            shot("focus-dialog-button")
-            window.controller.cancelReset()
-        }
-
-        function test_7_previewModes() {
-            const pane = driver.main().previewPane
-            const names = ["bureau", "telephone", "sombre", "sans-images"]
-            for (let mode = 0; mode < names.length; ++mode) {
-                pane.previewMode.mode = mode
-                wait(300)
-                waitForPreview(500)
-                shot("mode-" + names[mode])
-            }
-            pane.previewMode.mode = 0
         }
     }
 }
