@@ -73,6 +73,8 @@ TEST(PreviewPlan, RouteByEncodedLengthAndHttpsBaseOnTheServiceHost) {
         {"", "korvel.example", Route::Blank, ""},
         {" ", "korvel.example", Route::Html, https},
         {kLarge.toUtf8(), "korvel.example", Route::File, https},
+        {QByteArray(kMaxDataUrlLength - kPrefix, 'a'), "korvel.example", Route::Html, https},
+        {QByteArray(kMaxDataUrlLength - kPrefix + 1, 'a'), "korvel.example", Route::File, https},
         {"<p>x</p>", "", Route::Html, ""},
         {"<p>x</p>", "korvel.example:8443", Route::Html, "https://korvel.example:8443"},
         {"<p>x</p>", "bad host", Route::Html, ""},
@@ -134,12 +136,7 @@ TEST(HtmlPreviewLoader, OnlyTheLastTwoFilesAreKeptNoneAfterASmallDocumentOrTheLo
     EXPECT_FALSE(QFile::exists(view.url().toLocalFile()));
 }
 
-TEST(HtmlPreviewLoader, LoadsOnlyOnceCompleteAndWithAView) {
-    HtmlPreviewLoader alone;
-    alone.setHtml(u"<p>A</p>"_s);
-    endTurn();
-    EXPECT_EQ(alone.loadCount(), 0);
-
+TEST(HtmlPreviewLoader, LoadsOnlyOnceComplete) {
     FakeWebView view;
     HtmlPreviewLoader loader;
     loader.classBegin();

@@ -26,31 +26,26 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The per-user state of every window the tests open lives in this folder (XDG_CONFIG_HOME
-// for the settings, XDG_DATA_HOME for the saved document), never in the user's own.
+// The settings and saved document of every window the tests open, never the user's own.
 QTemporaryDir configHome;
 
-// What the QML tests need beyond Qt Quick Test: key events sent to the windows the
-// application shell opens, clean settings, scratch folders and the program's environment.
+// What the QML tests need beyond Qt Quick Test, as the singleton TestSupport.
 class TestSupport : public QObject {
     Q_OBJECT
 
 public Q_SLOTS:
-    // Called by Qt Quick Test with the engine of each test file.
     void qmlEngineAvailable(QQmlEngine *engine) {
         engine->addImportPath(u"qrc:/qt/qml"_s);
         qmlRegisterSingletonInstance("VelinoTest", 1, 0, "TestSupport", this);
     }
 
 public:
-    // Removes every saved setting, so that the next window starts from the defaults.
     Q_INVOKABLE bool resetSettings() const {
         return QDir(configHome.path() + u"/Korvel"_s).removeRecursively() &&
                QDir(configHome.path() + u"/data/Korvel"_s).removeRecursively();
     }
 
-    // Saves a state with `count` presets "Preset client 0" (newest) to "Preset client
-    // count-1", for the next window to load.
+    // Presets "Preset client 0" (newest) to "Preset client count-1", for the next window.
     Q_INVOKABLE bool saveStateWithPresets(int count) const {
         velino::SavedPayload payload;
         payload.data = velino::MailComposerData::defaultRecord();
@@ -78,7 +73,6 @@ public:
         return saveState(payload);
     }
 
-    // `length` characters of words and blanks (see bench/saved_states.h).
     Q_INVOKABLE QString longText(int length, int lineLength) const {
         return velino::bench::longText(length, lineLength);
     }
@@ -87,8 +81,7 @@ public:
         qputenv(name.toLocal8Bit().constData(), value.toLocal8Bit());
     }
     Q_INVOKABLE QString homeAtStart() const { return m_home; }
-    // The port of a loopback HTTP server that counts the requests it gets (answered with
-    // no content), or 0: it tells whether a page asked for its remote images at all.
+    // The port of a loopback HTTP server that counts the requests it gets, or 0.
     Q_INVOKABLE int startImageServer() {
         if (m_images.isListening())
             return m_images.serverPort();
@@ -115,7 +108,6 @@ public:
         qunsetenv(name.toLocal8Bit().constData());
     }
 
-    // A new empty folder, removed when the test program ends.
     Q_INVOKABLE QString makeTemporaryFolder() {
         m_folders.push_back(std::make_unique<QTemporaryDir>());
         return m_folders.back()->path();
@@ -162,8 +154,7 @@ private:
 int main(int argc, char **argv) {
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(configHome.path()));
     qputenv("XDG_DATA_HOME", QFile::encodeName(configHome.path() + u"/data"_s));
-    // As in the program: the web engine and the renderer are set up before the application
-    // object, which quick_test_main creates.
+    // As in the program: set up before the application object.
     QtWebEngineQuick::initialize();
     velino::ui::chooseSceneGraphBackend();
     TestSupport support;

@@ -35,41 +35,37 @@ TEST(WindowDialogs, SaveAnswersAndTheReplacementQuestion) {
     const QString fresh = dir.filePath(u"nouveau"_s);
     const QString old = dir.filePath(u"devis.html"_s);
     ASSERT_TRUE(QFile(old).open(QIODevice::WriteOnly));
-    // replace: the question is asked, then confirmed or declined (and the save cancelled).
-    const std::tuple<QString, bool, bool, Answer> cases[] = {
-        {fresh, false, false, fresh + u".html"_s},
-        {old, true, true, old},
-        {old, true, false, std::nullopt},
-        {QString(), false, false, std::nullopt}, // cancelled
+    // An existing file: the question is asked, then confirmed or declined (back to the file
+    // dialog, then cancelled). An empty choice cancels.
+    const std::tuple<QString, bool, Answer> cases[] = {
+        {fresh, false, fresh + u".html"_s},
+        {old, true, old},
+        {old, false, std::nullopt},
+        {QString(), false, std::nullopt},
     };
-    for (const auto &[chosen, replace, confirm, expected] : cases) {
+    for (const auto &[chosen, confirm, expected] : cases) {
         SCOPED_TRACE(chosen.toStdString() + (confirm ? " confirmed" : ""));
         WindowDialogs dialogs;
         std::vector<Answer> answers;
         dialogs.requestSaveLocation(u"Exporter le mail HTML"_s, u"devis.html"_s,
                                     [&](const Answer &path) { answers.push_back(path); });
-        EXPECT_TRUE(dialogs.saveRequested() && dialogs.isModal());
-        EXPECT_EQ(dialogs.suggestedFile().fileName(), u"devis.html"_s);
         // A second request while one is open is refused at once.
         Answer second = u"unchanged"_s;
         dialogs.requestSaveLocation(u"x"_s, u"y"_s, [&](const Answer &path) { second = path; });
         EXPECT_FALSE(second);
-
         if (chosen.isEmpty())
             dialogs.cancelSave();
         else
             dialogs.chooseSaveFile(QUrl::fromLocalFile(chosen));
-        EXPECT_EQ(dialogs.replaceQuestionVisible(), replace);
-        if (replace) {
-            EXPECT_FALSE(dialogs.saveRequested());
-            EXPECT_TRUE(answers.empty());
-            if (confirm) {
+        EXPECT_EQ(dialogs.replaceQuestionVisible(), chosen == old);
+        if (chosen == old) {
+            EXPECT_TRUE(!dialogs.saveRequested() && answers.empty());
+            if (confirm)
                 dialogs.confirmReplace();
-            } else {
+            else
                 dialogs.declineReplace();
-                EXPECT_TRUE(dialogs.saveRequested()) << "back to the file dialog";
-                dialogs.cancelSave();
-            }
+            EXPECT_EQ(dialogs.saveRequested(), !confirm) << "back to the file dialog";
+            dialogs.cancelSave();
         }
         EXPECT_EQ(answers, std::vector<Answer>{expected});
         EXPECT_FALSE(dialogs.isModal());
