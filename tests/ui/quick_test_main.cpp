@@ -19,7 +19,7 @@
 #include <QtQuickTest/quicktest.h>
 #include <QtWebEngineQuick/qtwebenginequickglobal.h>
 
-#include <memory>
+#include <list>
 
 Q_IMPORT_QML_PLUGIN(VelinoPlugin)
 using namespace Qt::StringLiterals;
@@ -108,10 +108,7 @@ public:
         qunsetenv(name.toLocal8Bit().constData());
     }
 
-    Q_INVOKABLE QString makeTemporaryFolder() {
-        m_folders.push_back(std::make_unique<QTemporaryDir>());
-        return m_folders.back()->path();
-    }
+    Q_INVOKABLE QString makeTemporaryFolder() { return m_folders.emplace_back().path(); }
 
     Q_INVOKABLE QString readTextFile(const QString &path) const {
         QFile file(path);
@@ -143,7 +140,7 @@ private:
         return storage.writeDocument(payload.toJson());
     }
 
-    std::vector<std::unique_ptr<QTemporaryDir>> m_folders;
+    std::list<QTemporaryDir> m_folders;
     const QString m_home = qEnvironmentVariable("HOME");
     QTcpServer m_images;
     int m_imageRequests = 0;

@@ -110,17 +110,6 @@ Item {
             verify(!named(row, "activeChip").visible && !named(row, "loadButton").primary)
         }
 
-        function test_pressedButtonsShrink() {
-            const button = make("ToolbarButton", { x: 20, y: 20, text: "Exporter", primary: true })
-            const tile = make("PresetTileButton", { x: 20, y: 120, width: 200, text: "Devis", summary: "Estimation et delai" })
-            for (const item of [button, tile]) {
-                mousePress(item)
-                tryVerify(() => item.scale < 1, 1000, item.text + " pressed")
-                mouseRelease(item)
-                tryCompare(item, "scale", 1, 1000)
-            }
-        }
-
         // Typing reports an edit; a new value from the owner replaces the text without one.
         function test_fieldsReportEdits_data() {
             return [{ tag: "text field", component: "LabeledTextField", value: "Lea", typed: "h", later: "Paul" },
@@ -139,14 +128,6 @@ Item {
             compare([edits.count, edits.signalArguments[0][0]], [1, data.later + data.typed])
             item.text = data.value
             compare([input.text, edits.count], [data.value, 1], "the owner's value still wins after an edit")
-        }
-
-        function test_fieldLooks() {
-            compare(make("LabeledSecureField", { width: 300, title: "Code" }).field.echoMode, TextInput.Password)
-            const editor = make("LabeledTextEditor", { width: 400, title: "Message principal", text: "Bonjour", minHeight: 150 })
-            verify(editor.editor.height >= 150)
-            editor.text = "ligne\n".repeat(30)
-            tryVerify(() => editor.editor.height > 150, 2000, "grows with its text")
         }
 
         function test_brandingColorFieldSwatch() {

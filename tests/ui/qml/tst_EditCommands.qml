@@ -23,7 +23,6 @@ Item {
         when: windowShown
 
         function init() {
-            verify(commands.window)
             for (const field of [first, popupField])
                 field.deselect()
             first.forceActiveFocus()

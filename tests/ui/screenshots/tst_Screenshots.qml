@@ -84,8 +84,7 @@ Item {
             store.pushToWeb()
             tryVerify(() => window.warningAlert.opened, 3000)
             shot("alert")
-            while (window.controller.dialogs.alertVisible)
-                window.controller.dialogs.dismissAlert()
+            window.controller.dialogs.dismissAlert()
         }
 
         function test_5_previewScrolledAfterAnEdit() {
