@@ -14,7 +14,7 @@ namespace {
 
 constexpr qsizetype kPrefix = 29; // "data:text/html;charset=UTF-8,"
 
-// Stand-ins for the web view and for the store with its two published texts.
+// Stand-ins for the web view and the store.
 class FakeWebView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QUrl url READ url WRITE setUrl)
@@ -67,7 +67,6 @@ TEST(PreviewPlan, RouteByEncodedLengthAndHttpsBaseOnTheServiceHost) {
     using Route = PreviewPlan::Route;
     const char *https = "https://korvel.example";
     // With a base URL and no data, the web engine would load the host's own page: blank.
-    // The limit is on the encoded form.
     const std::tuple<QByteArray, const char *, Route, const char *> cases[] = {
         {"", "korvel.example", Route::Blank, ""},
         {" ", "korvel.example", Route::Html, https},
@@ -134,25 +133,13 @@ TEST(HtmlPreviewLoader, OnlyTheLastTwoFilesAreKeptNoneAfterASmallDocumentOrTheLo
     EXPECT_FALSE(QFile::exists(view.url().toLocalFile()));
 }
 
-TEST(HtmlPreviewLoader, LoadsOnlyOnceComplete) {
+TEST(HtmlPreviewLoader, LoadsOnceCompleteThenOncePerTurnOfChanges) {
     FakeWebView view;
+    FakeSource source;
     HtmlPreviewLoader loader;
     loader.classBegin();
     loader.setView(&view);
     loader.setServiceHost(u"korvel.example"_s);
-    loader.setHtml(u"<p>A</p>"_s);
-    endTurn();
-    EXPECT_EQ(view.htmlLoads, 0);
-    loader.componentComplete();
-    endTurn();
-    EXPECT_EQ(view.htmlLoads, 1);
-}
-
-TEST(HtmlPreviewLoader, EveryChangeOfTheSourceReloadsOncePerTurn) {
-    FakeWebView view;
-    FakeSource source;
-    HtmlPreviewLoader loader;
-    loader.setView(&view);
     QList<int> loads;
     const auto turn = [&] {
         endTurn();
@@ -161,8 +148,9 @@ TEST(HtmlPreviewLoader, EveryChangeOfTheSourceReloadsOncePerTurn) {
     loader.setHtml(u"<p>A</p>"_s);
     loader.setChangeSource(&source);
     turn();
-    // A status text alone reloads the same page; a regeneration announced several times in
-    // one turn loads once.
+    loader.componentComplete();
+    turn();
+    // A status text alone reloads; a regeneration announced several times in a turn, once.
     Q_EMIT source.statusChanged();
     turn();
     Q_EMIT source.htmlChanged();
@@ -170,8 +158,7 @@ TEST(HtmlPreviewLoader, EveryChangeOfTheSourceReloadsOncePerTurn) {
     Q_EMIT source.statusChanged();
     Q_EMIT source.statusChanged();
     turn();
-    // A new source (none included) reloads; the old one reloads nothing; one destroyed while
-    // watched is dropped.
+    // A new source (none too) reloads; the old one, nothing; one destroyed is dropped.
     loader.setChangeSource(nullptr);
     turn();
     Q_EMIT source.statusChanged();
@@ -184,7 +171,7 @@ TEST(HtmlPreviewLoader, EveryChangeOfTheSourceReloadsOncePerTurn) {
     EXPECT_EQ(loader.changeSource(), nullptr);
     loader.setHtml(u"<p>C</p>"_s);
     turn();
-    EXPECT_EQ(loads, (QList<int>{1, 2, 3, 4, 4, 5, 6}));
+    EXPECT_EQ(loads, (QList<int>{0, 1, 2, 3, 4, 4, 5, 6}));
     EXPECT_EQ(loader.loadCount(), 6);
 }
 

@@ -1,5 +1,4 @@
 #include "identifiers.h"
-#include "qt_services.h"
 #include "qt_state_storage.h"
 #include "saved_payload.h"
 #include "saved_states.h"
@@ -61,7 +60,7 @@ public:
         return saveState(payload);
     }
 
-    // Saves the default content with `field` holding longText(length, lineLength).
+    // The default content with `field` holding longText(length, lineLength).
     Q_INVOKABLE bool saveStateWithLongField(const QString &field, int length,
                                             int lineLength) const {
         velino::SavedPayload payload;
@@ -83,8 +82,6 @@ public:
     Q_INVOKABLE QString homeAtStart() const { return m_home; }
     // The port of a loopback HTTP server that counts the requests it gets, or 0.
     Q_INVOKABLE int startImageServer() {
-        if (m_images.isListening())
-            return m_images.serverPort();
         if (!m_images.listen(QHostAddress::LocalHost))
             return 0;
         connect(&m_images, &QTcpServer::newConnection, this, [this] {

@@ -41,7 +41,6 @@ TEST(SurfaceImages, DiagonalGradientRunsFromTheTopLeftToTheBottomRightCorner) {
     const QColor dark(5, 8, 15);
     const QColor light(8, 13, 26);
     const QImage image = diagonalGradientImage({{0.0, dark}, {0.5, light}, {1.0, dark}});
-    ASSERT_FALSE(image.isNull());
     const int last = image.width() - 1;
     // The middle stop lies on the other diagonal, where both corners meet.
     const QList<QColor> corners{image.pixel(0, 0), image.pixel(last, last), image.pixel(last, 0),
@@ -64,19 +63,20 @@ TEST(SurfaceImages, RoundedImageCutsTheCornersOfTheApplicationImage) {
 TEST(SurfaceImages, ProviderServesTheImageOfEachAddress) {
     SurfaceImageProvider provider;
     QSize size;
-    const auto served = [&](const QUrl &url) {
-        EXPECT_EQ(url.scheme() + u"://"_s + url.host(), u"image://velino-surface"_s);
-        return provider.requestImage(url.toString().section(u'/', 3), &size, QSize());
-    };
     const QColor clear(0, 0, 0, 128);
-    EXPECT_EQ(served(shadowImageUrl(14, 8, QColor(0, 0, 0, 31))),
-              shadowImage(14, 8, QColor(0, 0, 0, 31)));
-    EXPECT_EQ(size, QSize(45, 45));
-    EXPECT_EQ(served(cornerCapImageUrl(22, QColor(13, 18, 29))),
-              cornerCapImage(22, QColor(13, 18, 29)));
-    EXPECT_EQ(served(diagonalGradientImageUrl({{0.0, QColor(5, 8, 15)}, {1.0, clear}})),
-              diagonalGradientImage({{0.0, QColor(5, 8, 15)}, {1.0, clear}}));
-    EXPECT_EQ(served(roundedImageUrl(u"VelinoLogo"_s, 290)),
-              roundedResourceImage(u"VelinoLogo"_s, 290, QSize()));
+    const std::pair<QUrl, QImage> cases[] = {
+        {shadowImageUrl(14, 8, clear), shadowImage(14, 8, clear)},
+        {cornerCapImageUrl(22, clear), cornerCapImage(22, clear)},
+        {diagonalGradientImageUrl({{0.0, QColor(5, 8, 15)}, {1.0, clear}}),
+         diagonalGradientImage({{0.0, QColor(5, 8, 15)}, {1.0, clear}})},
+        {roundedImageUrl(u"VelinoLogo"_s, 290),
+         roundedResourceImage(u"VelinoLogo"_s, 290, QSize())},
+    };
+    for (const auto &[url, image] : cases) {
+        EXPECT_EQ(url.toString().section(u'/', 0, 2), u"image://velino-surface"_s);
+        EXPECT_EQ(provider.requestImage(url.toString().section(u'/', 3), &size, QSize()), image)
+            << url.toString().toStdString();
+        EXPECT_EQ(size, image.size());
+    }
     EXPECT_TRUE(provider.requestImage(u"unknown/1"_s, &size, QSize()).isNull());
 }
