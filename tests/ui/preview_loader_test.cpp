@@ -17,14 +17,12 @@ constexpr qsizetype kPrefix = 29; // "data:text/html;charset=UTF-8,"
 // Stand-ins for the web view and the store.
 class FakeWebView : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QUrl url READ url WRITE setUrl)
+    Q_PROPERTY(QUrl url MEMBER url)
 
 public:
-    QUrl url() const { return urls.value(urls.size() - 1); }
-    void setUrl(const QUrl &url) { urls.append(url); }
     Q_INVOKABLE void loadHtml(const QString &, const QUrl &) { ++htmlLoads; }
 
-    QList<QUrl> urls;
+    QUrl url;
     int htmlLoads = 0;
 };
 
@@ -89,8 +87,7 @@ TEST(PreviewFileContents, BomThenBaseElementAtTheStartOfTheHead) {
     const QUrl base(u"https://korvel.example"_s);
     const QByteArray bom = "\xEF\xBB\xBF";
     const QByteArray tag = "<base href=\"https://korvel.example\">";
-    // Each document, split where the base element goes: at the start of the head; without
-    // one, after <html>, else after the doctype, else first.
+    // Split where <base> goes: in the head; else after <html>, else the doctype, else first.
     const std::pair<QByteArray, QByteArray> cases[] = {
         {"<!DOCTYPE html>\n<html lang=\"fr\">\n<head>", "\n<title>T</title></head><body></body>"},
         {"<HTML><HEAD profile=\"x\">", "<TITLE>T</TITLE></HEAD></HTML>"},
@@ -114,7 +111,7 @@ TEST(HtmlPreviewLoader, OnlyTheLastTwoFilesAreKeptNoneAfterASmallDocumentOrTheLo
     for (int i = 0; i < 3; ++i) {
         loader->setHtml(kLarge);
         endTurn();
-        files.append(view.url().toLocalFile());
+        files.append(view.url.toLocalFile());
     }
     EXPECT_EQ(files.removeDuplicates(), 0);
     const auto exist = [&] {
@@ -128,9 +125,9 @@ TEST(HtmlPreviewLoader, OnlyTheLastTwoFilesAreKeptNoneAfterASmallDocumentOrTheLo
 
     loader->setHtml(kLarge);
     endTurn();
-    ASSERT_TRUE(QFile::exists(view.url().toLocalFile()));
+    ASSERT_TRUE(QFile::exists(view.url.toLocalFile()));
     loader.reset();
-    EXPECT_FALSE(QFile::exists(view.url().toLocalFile()));
+    EXPECT_FALSE(QFile::exists(view.url.toLocalFile()));
 }
 
 TEST(HtmlPreviewLoader, LoadsOnceCompleteThenOncePerTurnOfChanges) {

@@ -14,16 +14,12 @@ Item {
         name: "Components"
         when: windowShown
 
-        // A new `qml` (a type name, or a whole object) with `properties`.
+        // A new item of type `qml` with `properties`.
         function make(qml, properties) {
-            const item = createTemporaryQmlObject("import QtQuick; import Velino; " + (qml.indexOf("{") < 0 ? qml + " { }" : qml), scene)
-            verify(item, qml)
-            return Object.assign(item, properties)
+            return Object.assign(createTemporaryQmlObject("import QtQuick; import Velino; " + qml + " { }", scene), properties)
         }
 
-        function named(item, name) {
-            return driver.findNamed(item, name)
-        }
+        function named(item, name) { return driver.findNamed(item, name) }
 
         function compareColour(actual, expected, message) {
             for (const channel of ["r", "g", "b", "a"])
@@ -42,8 +38,7 @@ Item {
                            c.b * c.a + under.b * (1 - c.a), 1)
         }
 
-        // Text at 4.5:1, field boundaries and the focus ring at 3:1, on the surfaces they
-        // are drawn on (a card over the window's background; the header's black veil).
+        // Text at 4.5:1, boundaries and focus ring at 3:1, on cards and under the header's veil.
         function test_readableColours() {
             const t = AppTheme, white = Qt.rgba(1, 1, 1, 1)
             const card = over(Qt.rgba(0.065, 0.085, 0.135, 0.96), t.backgroundBase)
@@ -81,16 +76,6 @@ Item {
             const shown = make("BundleLogoView", { resourceName: "VelinoLogo", size: 62, cornerRadius: 18 })
             tryVerify(() => shown.showsImage)
             compare([shown.width, named(shown, "logoImage").visible, named(shown, "logoPlaceholder").visible], [62, true, false])
-        }
-
-        function test_sectionCardPutsItsContentBelowTheHeader() {
-            const card = make("SectionCard { width: 500; Rectangle { objectName: \"content\"; implicitWidth: 100; implicitHeight: 40 } }", { title: "Destinataire", subtitle: "Objet et coordonnees du client." })
-            const content = named(card, "content")
-            const subtitle = named(card, "sectionSubtitle")
-            const pos = content.mapToItem(card, 0, 0)
-            verify(pos.y > subtitle.mapToItem(card, 0, subtitle.height).y, "below the subtitle")
-            verify(pos.x > 0 && pos.x + content.width < card.width, "inset in the card")
-            verify(card.height > pos.y + content.height, "the card grows with its content")
         }
 
         function test_checklistRow() {

@@ -99,8 +99,7 @@ Item {
             }
         }
 
-        // Links resolve on the service host, also for a document over the data: URL limit,
-        // which goes through a file (one <base>, UTF-8); a new host reloads the page.
+        // Links resolve on the service host, also through a file (one <base>, UTF-8); a new host reloads.
         function test_pageHasTheHttpsBaseOfTheServiceHost() {
             const preview = makePreview({ html: smallHtml })
             const shown = "[document.getElementById('t').textContent, document.baseURI, document.getElementById('rel').href, " +
@@ -114,8 +113,7 @@ Item {
             compare(evaluate(preview.webView, "document.baseURI"), "https://atelier.example/")
         }
 
-        // The limit is QtWebEngine's own: a data: URL exactly at the limit loads, one
-        // character more fails (where the preview turns to a file: preview_loader_test).
+        // The limit is QtWebEngine's own (where the preview turns to a file: preview_loader_test).
         function test_dataUrlLimitMatchesTheWebEngine() {
             const loader = makePreview({ html: "" }).loader
             const fitting = "a".repeat(loader.maxDataUrlLength - loader.dataUrlLengthOf(""))

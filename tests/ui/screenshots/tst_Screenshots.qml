@@ -4,8 +4,7 @@ import Velino
 import VelinoTest
 import "../qml"
 
-// Not a test: the window in the states named by scripts/screenshots, saved as PNGs in the
-// folder named by VELINO_SCREENSHOT_DIR.
+// Not a test: the window in states named by scripts/screenshots, as PNGs in VELINO_SCREENSHOT_DIR.
 Item {
     width: 200
     height: 200
