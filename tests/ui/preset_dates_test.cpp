@@ -1,53 +1,30 @@
 #include "preset_dates.h"
-#include "ui_helpers.h"
 
 #include <QTimeZone>
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 using velino::ui::presetUpdatedLabel;
 
-namespace {
-
-const QTimeZone kParis(QByteArrayLiteral("Europe/Paris"));
-
-QDateTime parisTime(int year, int month, int day, int hour, int minute) {
-    return QDateTime(QDate(year, month, day), QTime(hour, minute, 42, 250), kParis);
-}
-
-} // namespace
-
-TEST(PresetUpdatedLabel, DayAbbreviatedFrenchMonthMiddleDotAndTime) {
-    ASSERT_TRUE(kParis.isValid());
-    EXPECT_EQ(presetUpdatedLabel(parisTime(2025, 3, 5, 14, 7), kParis),
-              QStringLiteral("05 mars · 14:07"));
-}
-
-TEST(PresetUpdatedLabel, UsesTheGivenTimeZone) {
-    const QDateTime instant = parisTime(2025, 3, 5, 14, 7);
-    EXPECT_EQ(presetUpdatedLabel(instant, QTimeZone::utc()), QStringLiteral("05 mars · 13:07"));
-    EXPECT_EQ(presetUpdatedLabel(instant.toUTC(), kParis), QStringLiteral("05 mars · 14:07"));
-    // Summer time in Paris is two hours ahead of UTC.
-    const QDateTime july(QDate(2025, 7, 31), QTime(23, 30), QTimeZone::utc());
-    EXPECT_EQ(presetUpdatedLabel(july, kParis), QStringLiteral("01 août · 01:30"));
-}
-
-TEST(PresetUpdatedLabel, TwentyFourHourClockZeroPaddingAndNothingForAnInvalidDate) {
-    EXPECT_EQ(presetUpdatedLabel(parisTime(2024, 1, 1, 0, 0), kParis),
-              QStringLiteral("01 janv. · 00:00"));
-    EXPECT_EQ(presetUpdatedLabel(parisTime(2024, 12, 31, 23, 59), kParis),
-              QStringLiteral("31 déc. · 23:59"));
-    EXPECT_EQ(presetUpdatedLabel(parisTime(2024, 2, 9, 9, 5), kParis),
-              QStringLiteral("09 févr. · 09:05"));
-    EXPECT_EQ(presetUpdatedLabel(QDateTime(), kParis), QString());
-}
-
-TEST(PresetUpdatedLabel, HelperUsesTheUsersTimeZone) {
-    velino::ui::UiHelpers helpers;
-    const QDateTime instant = parisTime(2025, 3, 5, 14, 7);
-    EXPECT_EQ(helpers.updatedLabel(instant),
-              presetUpdatedLabel(instant, QTimeZone::systemTimeZone()));
-    EXPECT_EQ(helpers.updatedLabel(instant),
-              QLocale(QLocale::French, QLocale::France)
-                  .toString(instant.toLocalTime(), u"dd MMM · HH:mm"));
+// In the system's zone, through a preset row: tst_Components.
+TEST(PresetUpdatedLabel, FrenchDayAndMonthThenTwentyFourHourTimeInTheGivenZone) {
+    const QTimeZone paris(QByteArrayLiteral("Europe/Paris"));
+    const QTimeZone utc = QTimeZone::utc();
+    const auto at = [](int year, int month, int day, int hour, int minute, const QTimeZone &zone) {
+        return QDateTime(QDate(year, month, day), QTime(hour, minute, 42, 250), zone);
+    };
+    const std::tuple<QDateTime, QTimeZone, const char *> cases[] = {
+        {at(2025, 3, 5, 14, 7, paris), paris, "05 mars · 14:07"},
+        {at(2025, 3, 5, 14, 7, paris), utc, "05 mars · 13:07"},
+        {at(2025, 3, 5, 14, 7, paris).toUTC(), paris, "05 mars · 14:07"},
+        {at(2025, 7, 31, 23, 30, utc), paris, "01 août · 01:30"}, // summer time: UTC+2
+        {at(2024, 1, 1, 0, 0, paris), paris, "01 janv. · 00:00"},
+        {at(2024, 12, 31, 23, 59, paris), paris, "31 déc. · 23:59"},
+        {at(2024, 2, 9, 9, 5, paris), paris, "09 févr. · 09:05"},
+        {QDateTime(), paris, ""},
+    };
+    for (const auto &[instant, zone, expected] : cases)
+        EXPECT_EQ(presetUpdatedLabel(instant, zone), QString::fromUtf8(expected)) << expected;
 }

@@ -1,6 +1,4 @@
-#include "counting_image_server.h"
 #include "identifiers.h"
-#include "qt_services.h"
 #include "qt_state_storage.h"
 #include "saved_payload.h"
 #include "saved_states.h"
@@ -11,53 +9,49 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QQmlEngine>
-#include <QQuickItem>
 #include <QQuickWindow>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QtQml/qqmlextensionplugin.h>
 #include <QtQuickTest/quicktest.h>
 #include <QtWebEngineQuick/qtwebenginequickglobal.h>
 
-#include <memory>
+#include <list>
 
 Q_IMPORT_QML_PLUGIN(VelinoPlugin)
+using namespace Qt::StringLiterals;
 
 namespace {
 
-// The per-user state of every window the tests open lives in this folder (XDG_CONFIG_HOME
-// for the settings, XDG_DATA_HOME for the saved document), never in the user's own.
-QTemporaryDir *configHome() {
-    static QTemporaryDir dir;
-    return &dir;
-}
+// The settings and saved document of every window the tests open, never the user's own.
+QTemporaryDir configHome;
 
-// What the QML tests need beyond Qt Quick Test: key events sent to another window than
-// the test's own (the windows the application shell opens), a clean settings folder,
-// scratch folders and the environment the program reads.
+// What the QML tests need beyond Qt Quick Test, as the singleton TestSupport.
 class TestSupport : public QObject {
     Q_OBJECT
 
-public:
-    // Removes every saved setting, so that the next window starts from the defaults.
-    Q_INVOKABLE bool resetSettings() const {
-        for (const QString &folder : {QStringLiteral("/Korvel"), QStringLiteral("/data/Korvel")}) {
-            QDir dir(configHome()->path() + folder);
-            if (dir.exists() && !dir.removeRecursively())
-                return false;
-        }
-        return true;
+public Q_SLOTS:
+    void qmlEngineAvailable(QQmlEngine *engine) {
+        engine->addImportPath(u"qrc:/qt/qml"_s);
+        qmlRegisterSingletonInstance("VelinoTest", 1, 0, "TestSupport", this);
     }
 
-    // Saves a state with `count` presets "Preset client 0" (newest) to "Preset client
-    // count-1", for the next window to load.
+public:
+    Q_INVOKABLE bool resetSettings() const {
+        return QDir(configHome.path() + u"/Korvel"_s).removeRecursively() &&
+               QDir(configHome.path() + u"/data/Korvel"_s).removeRecursively();
+    }
+
+    // Presets "Preset client 0" (newest) to "Preset client count-1", for the next window.
     Q_INVOKABLE bool saveStateWithPresets(int count) const {
         velino::SavedPayload payload;
         payload.data = velino::MailComposerData::defaultRecord();
         for (int i = 0; i < count; ++i) {
             velino::CustomMailPreset preset;
             preset.id = velino::randomUuid();
-            preset.name = QStringLiteral("Preset client %1").arg(i);
+            preset.name = u"Preset client %1"_s.arg(i);
             preset.data = payload.data;
             preset.createdAt = velino::Instant{788918400.0 - i};
             preset.updatedAt = preset.createdAt;
@@ -66,7 +60,7 @@ public:
         return saveState(payload);
     }
 
-    // Saves the default content with `field` holding longText(length, lineLength).
+    // The default content with `field` holding longText(length, lineLength).
     Q_INVOKABLE bool saveStateWithLongField(const QString &field, int length,
                                             int lineLength) const {
         velino::SavedPayload payload;
@@ -78,7 +72,6 @@ public:
         return saveState(payload);
     }
 
-    // `length` characters of words and blanks (see bench/saved_states.h).
     Q_INVOKABLE QString longText(int length, int lineLength) const {
         return velino::bench::longText(length, lineLength);
     }
@@ -87,9 +80,24 @@ public:
         qputenv(name.toLocal8Bit().constData(), value.toLocal8Bit());
     }
     Q_INVOKABLE QString homeAtStart() const { return m_home; }
-    // A loopback server of images that counts the requests it gets: its port.
-    Q_INVOKABLE int startImageServer() { return m_images.start(); }
-    Q_INVOKABLE int imageRequests() const { return m_images.requests(); }
+    // The port of a loopback HTTP server that counts the requests it gets, or 0.
+    Q_INVOKABLE int startImageServer() {
+        if (!m_images.listen(QHostAddress::LocalHost))
+            return 0;
+        connect(&m_images, &QTcpServer::newConnection, this, [this] {
+            while (QTcpSocket *socket = m_images.nextPendingConnection()) {
+                connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+                connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
+                    QObject::disconnect(socket, &QTcpSocket::readyRead, nullptr, nullptr);
+                    ++m_imageRequests;
+                    socket->write("HTTP/1.1 204 No Content\r\nConnection: close\r\n\r\n");
+                    socket->disconnectFromHost();
+                });
+            }
+        });
+        return m_images.serverPort();
+    }
+    Q_INVOKABLE int imageRequests() const { return m_imageRequests; }
     Q_INVOKABLE QString environment(const QString &name) const {
         return qEnvironmentVariable(qUtf8Printable(name));
     }
@@ -97,19 +105,11 @@ public:
         qunsetenv(name.toLocal8Bit().constData());
     }
 
-    // A new empty folder, removed when the test program ends.
-    Q_INVOKABLE QString makeTemporaryFolder() {
-        auto dir = std::make_unique<QTemporaryDir>();
-        const QString path = dir->path();
-        m_folders.push_back(std::move(dir));
-        return path;
-    }
+    Q_INVOKABLE QString makeTemporaryFolder() { return m_folders.emplace_back().path(); }
 
     Q_INVOKABLE QString readTextFile(const QString &path) const {
         QFile file(path);
-        if (!file.open(QIODevice::ReadOnly))
-            return QString();
-        return QString::fromUtf8(file.readAll());
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
     }
     Q_INVOKABLE bool fileExists(const QString &path) const { return QFile::exists(path); }
 
@@ -117,17 +117,12 @@ public:
     Q_INVOKABLE void setClipboardText(const QString &text) const {
         QGuiApplication::clipboard()->setText(text);
     }
-    Q_INVOKABLE bool removeFolder(const QString &path) const {
-        return QDir(path).removeRecursively();
-    }
 
     // Types `text` (Latin-1) into whichever item of `window` has the keyboard focus.
     Q_INVOKABLE void typeText(QQuickWindow *window, const QString &text) const {
-        if (!window)
-            return;
-        const QByteArray latin1 = text.toLatin1();
-        for (const char c : latin1)
-            QTest::keyClick(window, c);
+        if (window)
+            for (const char c : text.toLatin1())
+                QTest::keyClick(window, c);
     }
     Q_INVOKABLE void keyClick(QQuickWindow *window, int key, int modifiers = 0) const {
         if (window)
@@ -136,41 +131,28 @@ public:
 
 private:
     static bool saveState(const velino::SavedPayload &payload) {
-        const QString home = configHome()->path();
-        velino::QtStateStorage storage(velino::StateFiles::inFolders(
-            home + QStringLiteral("/Korvel"), home + QStringLiteral("/data/Korvel/Velino")));
+        const QString home = configHome.path();
+        velino::QtStateStorage storage(
+            velino::StateFiles::inFolders(home + u"/Korvel"_s, home + u"/data/Korvel/Velino"_s));
         return storage.writeDocument(payload.toJson());
     }
 
-    std::vector<std::unique_ptr<QTemporaryDir>> m_folders;
+    std::list<QTemporaryDir> m_folders;
     const QString m_home = qEnvironmentVariable("HOME");
-    CountingImageServer m_images;
-};
-
-class Setup : public QObject {
-    Q_OBJECT
-
-public Q_SLOTS:
-    void qmlEngineAvailable(QQmlEngine *engine) {
-        engine->addImportPath(QStringLiteral("qrc:/qt/qml"));
-        qmlRegisterSingletonInstance("VelinoTest", 1, 0, "TestSupport", &m_support);
-    }
-
-private:
-    TestSupport m_support;
+    QTcpServer m_images;
+    int m_imageRequests = 0;
 };
 
 } // namespace
 
 int main(int argc, char **argv) {
-    qputenv("XDG_CONFIG_HOME", QFile::encodeName(configHome()->path()));
-    qputenv("XDG_DATA_HOME", QFile::encodeName(configHome()->path() + QStringLiteral("/data")));
-    // As in the program: the web engine and the renderer are set up before the application
-    // object, which quick_test_main creates.
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(configHome.path()));
+    qputenv("XDG_DATA_HOME", QFile::encodeName(configHome.path() + u"/data"_s));
+    // As in the program: set up before the application object.
     QtWebEngineQuick::initialize();
     velino::ui::chooseSceneGraphBackend();
-    Setup setup;
-    return quick_test_main_with_setup(argc, argv, "velino_qml", nullptr, &setup);
+    TestSupport support;
+    return quick_test_main_with_setup(argc, argv, "velino_qml", nullptr, &support);
 }
 
 #include "quick_test_main.moc"

@@ -1,6 +1,5 @@
 #include "window_dialogs.h"
 
-#include <QDir>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -9,90 +8,67 @@
 
 #include <memory>
 #include <optional>
+#include <tuple>
 
 using velino::ui::WindowDialogs;
+using namespace Qt::StringLiterals;
+using Answer = std::optional<QString>;
 
 TEST(WindowDialogs, WarningsReturnAtOnceAndAreShownNewestFirst) {
     WindowDialogs dialogs;
     QSignalSpy modal(&dialogs, &WindowDialogs::isModalChanged);
     dialogs.dismissAlert(); // no alert: nothing happens
-    dialogs.showWarning(QStringLiteral("Impossible d'ouvrir l'apercu."));
-    dialogs.showWarning(QStringLiteral("Synchronisation impossible."));
-    EXPECT_TRUE(dialogs.isModal());
-    EXPECT_EQ(dialogs.pendingAlertCount(), 2);
-    EXPECT_EQ(dialogs.alertText(), QStringLiteral("Synchronisation impossible."));
-    dialogs.dismissAlert();
-    EXPECT_EQ(dialogs.alertText(), QStringLiteral("Impossible d'ouvrir l'apercu."));
-    dialogs.dismissAlert();
-    EXPECT_FALSE(dialogs.isModal());
+    dialogs.showWarning(u"Impossible d'ouvrir l'apercu."_s);
+    dialogs.showWarning(u"Synchronisation impossible."_s);
+    QStringList shown;
+    while (dialogs.isModal() && shown.size() < 3) {
+        shown.append(dialogs.alertText());
+        dialogs.dismissAlert();
+    }
+    EXPECT_EQ(shown,
+              QStringList({u"Synchronisation impossible."_s, u"Impossible d'ouvrir l'apercu."_s}));
     EXPECT_EQ(modal.count(), 2);
-    EXPECT_EQ(dialogs.alertTitle(), QStringLiteral("Velino"));
-    EXPECT_EQ(dialogs.alertButtonText(), QStringLiteral("OK"));
 }
 
-// The save dialog's answers as the store receives them.
 TEST(WindowDialogs, SaveAnswersAndTheReplacementQuestion) {
     QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    QFile existing(dir.filePath(QStringLiteral("devis.html")));
-    ASSERT_TRUE(existing.open(QIODevice::WriteOnly));
-    existing.close();
-
-    struct Case {
-        const char *name;
-        QString chosen;
-        bool replaceAsked;
-        // After the question (when asked): true = confirm, false = decline then cancel.
-        bool confirm;
-        std::optional<QString> expected;
+    const QString fresh = dir.filePath(u"nouveau"_s);
+    const QString old = dir.filePath(u"devis.html"_s);
+    ASSERT_TRUE(QFile(old).open(QIODevice::WriteOnly));
+    // An existing file: the question is asked, then confirmed or declined (back to the file
+    // dialog, then cancelled). An empty choice cancels.
+    const std::tuple<QString, bool, Answer> cases[] = {
+        {fresh, false, fresh + u".html"_s},
+        {old, true, old},
+        {old, false, std::nullopt},
+        {QString(), false, std::nullopt},
     };
-    const QString fresh = dir.filePath(QStringLiteral("nouveau"));
-    const QString old = dir.filePath(QStringLiteral("devis.html"));
-    const Case cases[] = {
-        {"new name gets .html", fresh, false, false, fresh + QStringLiteral(".html")},
-        {"existing file, replaced", old, true, true, old},
-        {"existing file, declined", old, true, false, std::nullopt},
-        {"cancelled", QString(), false, false, std::nullopt},
-    };
-    for (const Case &c : cases) {
+    for (const auto &[chosen, confirm, expected] : cases) {
+        SCOPED_TRACE(chosen.toStdString() + (confirm ? " confirmed" : ""));
         WindowDialogs dialogs;
-        int answers = 0;
-        std::optional<QString> answer;
-        dialogs.requestSaveLocation(QStringLiteral("Exporter le mail HTML"),
-                                    QStringLiteral("devis.html"),
-                                    [&](const std::optional<QString> &path) {
-                                        ++answers;
-                                        answer = path;
-                                    });
-        EXPECT_TRUE(dialogs.saveRequested()) << c.name;
-        EXPECT_TRUE(dialogs.isModal()) << c.name;
-        EXPECT_EQ(dialogs.suggestedFile().fileName(), QStringLiteral("devis.html")) << c.name;
+        std::vector<Answer> answers;
+        dialogs.requestSaveLocation(u"Exporter le mail HTML"_s, u"devis.html"_s,
+                                    [&](const Answer &path) { answers.push_back(path); });
         // A second request while one is open is refused at once.
-        std::optional<QString> second = QStringLiteral("unchanged");
-        dialogs.requestSaveLocation(QStringLiteral("x"), QStringLiteral("y"),
-                                    [&](const std::optional<QString> &path) { second = path; });
-        EXPECT_FALSE(second) << c.name;
-
-        if (c.chosen.isEmpty())
+        Answer second = u"unchanged"_s;
+        dialogs.requestSaveLocation(u"x"_s, u"y"_s, [&](const Answer &path) { second = path; });
+        EXPECT_FALSE(second);
+        if (chosen.isEmpty())
             dialogs.cancelSave();
         else
-            dialogs.chooseSaveFile(QUrl::fromLocalFile(c.chosen));
-        EXPECT_EQ(dialogs.replaceQuestionVisible(), c.replaceAsked) << c.name;
-        if (c.replaceAsked) {
-            EXPECT_FALSE(dialogs.saveRequested()) << c.name;
-            EXPECT_TRUE(dialogs.replaceQuestionText().contains(QStringLiteral("devis.html")));
-            EXPECT_EQ(answers, 0) << c.name;
-            if (c.confirm) {
+            dialogs.chooseSaveFile(QUrl::fromLocalFile(chosen));
+        EXPECT_EQ(dialogs.replaceQuestionVisible(), chosen == old);
+        if (chosen == old) {
+            EXPECT_TRUE(!dialogs.saveRequested() && answers.empty());
+            if (confirm)
                 dialogs.confirmReplace();
-            } else {
+            else
                 dialogs.declineReplace();
-                EXPECT_TRUE(dialogs.saveRequested()) << "back to the file dialog";
-                dialogs.cancelSave();
-            }
+            EXPECT_EQ(dialogs.saveRequested(), !confirm) << "back to the file dialog";
+            dialogs.cancelSave();
         }
-        EXPECT_EQ(answers, 1) << c.name;
-        EXPECT_EQ(answer, c.expected) << c.name;
-        EXPECT_FALSE(dialogs.isModal()) << c.name;
+        EXPECT_EQ(answers, std::vector<Answer>{expected});
+        EXPECT_FALSE(dialogs.isModal());
     }
 }
 
@@ -101,9 +77,9 @@ TEST(WindowDialogs, StoreInterfacesOutliveTheWindow) {
     const std::shared_ptr<velino::AlertPresenter> alerts = dialogs->alertPresenter();
     const std::shared_ptr<velino::SaveDialog> save = dialogs->saveDialog();
     dialogs.reset();
-    alerts->showWarning(QStringLiteral("Impossible d'ouvrir l'apercu."));
-    std::optional<QString> answer = QStringLiteral("unchanged");
-    save->askSaveLocation(QStringLiteral("Exporter le mail HTML"), QStringLiteral("velino.html"),
-                          [&](const std::optional<QString> &path) { answer = path; });
+    alerts->showWarning(u"Impossible d'ouvrir l'apercu."_s);
+    Answer answer = u"unchanged"_s;
+    save->askSaveLocation(u"Exporter le mail HTML"_s, u"velino.html"_s,
+                          [&](const Answer &path) { answer = path; });
     EXPECT_FALSE(answer);
 }
