@@ -7,8 +7,6 @@ Item {
     width: 1000
     height: 800
 
-    WindowDriver { id: driver }
-
     TestCase {
         id: testCase
         name: "Components"
@@ -19,7 +17,11 @@ Item {
             return Object.assign(createTemporaryQmlObject("import QtQuick; import Velino; " + qml + " { }", scene), properties)
         }
 
-        function named(item, name) { return driver.findNamed(item, name) }
+        function named(item, name) {
+            if (!item || item.objectName === name)
+                return item
+            return Array.from(item.children).reduce((found, child) => found || named(child, name), null)
+        }
 
         function compareColour(actual, expected, message) {
             for (const channel of ["r", "g", "b", "a"])
