@@ -1,15 +1,9 @@
 #include "http_server_fixture.h"
 #include "https_test_server.h"
-#include "sqlite_slot_store.h"
 
 #include <QFile>
 #include <QSslConfiguration>
 #include <QSslSocket>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
-
-#include <thread>
 
 using namespace velino::server;
 using namespace velino::test;
@@ -28,7 +22,6 @@ protected:
         QString error;
         identity = TestTlsIdentity::generate(&error);
         ASSERT_TRUE(identity) << error.toStdString();
-        ASSERT_TRUE(folder.isValid());
         HttpServerOptions options;
         options.port = 0;
         options.tlsCertFile = folder.filePath(QStringLiteral("server.crt"));
@@ -51,7 +44,8 @@ protected:
         return socket;
     }
 
-    static QByteArray answerOf(QSslSocket &socket) {
+    static QByteArray health(QSslSocket &socket, const QByteArray &padding = {}) {
+        socket.write("GET /healthz HTTP/1.1\r\nHost: 127.0.0.1\r\nX-Pad: " + padding + "\r\n\r\n");
         QByteArray answer;
         while (!answer.contains("\r\n\r\nok") && socket.waitForReadyRead(5000))
             answer += socket.readAll();
@@ -66,10 +60,8 @@ TEST_F(HttpsServerTest, SpeaksTls12And13OverKeptAliveConnections) {
         auto socket = connect(protocol);
         ASSERT_TRUE(socket->isEncrypted()) << socket->errorString().toStdString();
         EXPECT_EQ(socket->sessionProtocol(), protocol);
-        for (int round = 0; round < 2; ++round) {
-            socket->write("GET /healthz HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
-            EXPECT_TRUE(answerOf(*socket).startsWith("HTTP/1.1 200 OK")) << round;
-        }
+        for (int round = 0; round < 2; ++round)
+            EXPECT_TRUE(health(*socket).startsWith("HTTP/1.1 200 OK")) << round;
     }
 }
 
@@ -87,10 +79,7 @@ TEST_F(HttpsServerTest, EndlessHeaderLineLosesTheConnection) {
     }
     EXPECT_LT(sent, 1024);
     // Ordinary requests with several kilobytes of headers still pass.
-    auto other = connect();
-    other->write("GET /healthz HTTP/1.1\r\nHost: 127.0.0.1\r\nX-Pad: " + QByteArray(6000, 'b') +
-                 "\r\n\r\n");
-    EXPECT_TRUE(answerOf(*other).startsWith("HTTP/1.1 200 OK"));
+    EXPECT_TRUE(health(*connect(), QByteArray(6000, 'b')).startsWith("HTTP/1.1 200 OK"));
 }
 
 } // namespace

@@ -1,240 +1,182 @@
 #include "postgres_schema.h"
-#include "postgres_slot_store.h"
-#include "postgres_test_database.h"
+#include "test_storage.h"
 
 #include <QCryptographicHash>
 #include <QElapsedTimer>
+#include <QProcess>
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <thread>
-#include <vector>
 
 using namespace velino::server;
-using velino::test::PostgresSession;
-using velino::test::ScratchPostgresDatabase;
-using velino::test::testPostgresUrl;
+using namespace velino::test;
 using Status = SlotStore::Status;
 
 namespace {
 
-QByteArray keyOf(const QString &code) {
-    return QCryptographicHash::hash(code.toUtf8(), QCryptographicHash::Sha256);
+QByteArray keyOf(int n) {
+    return QCryptographicHash::hash(QByteArray::number(n), QCryptographicHash::Sha256);
 }
 
-StoredSlot slotAt(qint64 seconds, const QByteArray &payload) {
-    return {QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC), payload};
-}
-
-std::unique_ptr<SlotStore> storeOn(const QString &url) {
-    QString error;
-    auto store = makePostgresSlotStore(url, &error);
-    EXPECT_TRUE(store) << error.toStdString();
-    return store;
+StoredSlot slotOf(int n) {
+    return {QDateTime::fromSecsSinceEpoch(1'700'000'000 + n, Qt::UTC),
+            "{\"n\":" + QByteArray::number(n) + "}"};
 }
 
 class PostgresSlotStoreTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        if (testPostgresUrl().isEmpty()) {
-            GTEST_SKIP() << "VELINO_TEST_POSTGRES_URL not set (scripts/with-test-postgres)";
+    void SetUp() override { SKIP_WITHOUT_TEST_CLUSTER("postgresql"); }
+};
+
+// A cluster of its own, so that stopping it disturbs no other test: the test cluster script
+// around a command that prints the cluster's address and waits for its input to close.
+class PrivateCluster {
+public:
+    PrivateCluster() {
+        m_script.start(
+            QStringLiteral(VELINO_SOURCE_DIR "/scripts/with-test-postgres"),
+            {"sh", "-c",
+             "printf '%s\\n' \"$VELINO_TEST_POSTGRES_URL\" \"$VELINO_TEST_POSTGRES_CTL\" "
+             "\"$PGPASSFILE\"; exec cat >/dev/null"});
+        QByteArray output;
+        QElapsedTimer timer;
+        timer.start();
+        while (output.count('\n') < 4 && timer.elapsed() < 60000 &&
+               m_script.state() != QProcess::NotRunning) {
+            m_script.waitForReadyRead(1000);
+            output += m_script.readAllStandardOutput();
         }
+        // The first line is the script's own note.
+        m_lines = output.split('\n');
+        if (m_lines.size() < 4)
+            m_lines = {output + m_script.readAllStandardError()};
+        else
+            qputenv("PGPASSFILE", m_lines[3]);
     }
+    ~PrivateCluster() {
+        m_script.closeWriteChannel();
+        if (!m_script.waitForFinished(60000))
+            m_script.kill();
+        qputenv("PGPASSFILE", m_previousPassFile);
+    }
+
+    bool started() const { return m_lines.size() >= 4; }
+    QString url() const { return QString::fromUtf8(m_lines.value(1)); }
+    QString log() const { return QString::fromUtf8(m_lines.value(0)); }
+    // pg_ctl on the cluster: "restart", "stop" or "start", with the given shutdown mode.
+    bool control(const QString &action, const QString &mode = QStringLiteral("fast")) {
+        QProcess pgCtl;
+        pgCtl.start(QString::fromUtf8(m_lines[2]), {action, "-w", "-t", "60", "-m", mode});
+        return pgCtl.waitForFinished(60000) && pgCtl.exitStatus() == QProcess::NormalExit &&
+               pgCtl.exitCode() == 0;
+    }
+
+private:
+    QProcess m_script;
+    QList<QByteArray> m_lines;
+    QByteArray m_previousPassFile = qgetenv("PGPASSFILE");
 };
 
 } // namespace
 
-TEST_F(PostgresSlotStoreTest, OpenBringsEverySchemaStateToTheCurrentVersion) {
+TEST_F(PostgresSlotStoreTest, OpenUpgradesOlderSchemasOnceAndLeavesNewerOnesAlone) {
     const QByteArray versionTable = "CREATE TABLE velino_sync_schema (version integer NOT NULL);";
+    const QByteArray current = QByteArray::number(postgresSchemaVersion());
+    const QByteArray newer = QByteArray::number(postgresSchemaVersion() + 1);
     const struct {
         const char *name;
         QByteArray setUp;
+        bool opens;
     } cases[] = {
-        {"empty database", ""},
-        {"version table without a row", versionTable},
-        {"version 0", versionTable + "INSERT INTO velino_sync_schema VALUES (0);"},
+        {"empty database", "", true},
+        {"version table without a row", versionTable, true},
+        {"version 0", versionTable + "INSERT INTO velino_sync_schema VALUES (0);", true},
+        {"newer version", versionTable + "INSERT INTO velino_sync_schema VALUES (" + newer + ")",
+         false},
     };
-    const QByteArray current = QByteArray::number(postgresSchemaVersion());
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
-        ScratchPostgresDatabase database(testPostgresUrl());
-        ASSERT_TRUE(database.created()) << database.error().toStdString();
-        PostgresSession session(database.url());
+        ScratchStorage storage("postgresql");
+        PostgresSession session(storage.url());
         ASSERT_TRUE(session.run(c.setUp)) << session.lastError().toStdString();
-
-        auto store = storeOn(database.url());
-        ASSERT_TRUE(store->open());
-        EXPECT_EQ(session.run("SELECT string_agg(version::text, ',') FROM velino_sync_schema"),
-                  current);
-        ASSERT_EQ(store->put(keyOf(QStringLiteral("CODE-A")), slotAt(1000, "{}")), Status::Ok);
-
-        // Opening again (a restart, or a second process) changes nothing and keeps the slots.
-        auto second = storeOn(database.url());
-        ASSERT_TRUE(second->open());
-        EXPECT_EQ(session.run("SELECT count(*) FROM velino_sync_schema"), QByteArray("1"));
-        EXPECT_EQ(second->count(), 1);
-    }
-}
-
-TEST_F(PostgresSlotStoreTest, LeavesADatabaseWithANewerSchemaAlone) {
-    ScratchPostgresDatabase database(testPostgresUrl());
-    ASSERT_TRUE(database.created()) << database.error().toStdString();
-    PostgresSession session(database.url());
-    const QByteArray newer = QByteArray::number(postgresSchemaVersion() + 1);
-    ASSERT_TRUE(session.run("CREATE TABLE velino_sync_schema (version integer NOT NULL);"
-                            "INSERT INTO velino_sync_schema VALUES (" +
-                            newer + ")"));
-
-    EXPECT_FALSE(storeOn(database.url())->open());
-    EXPECT_EQ(session.run("SELECT max(version) FROM velino_sync_schema"), newer);
-    EXPECT_EQ(session.run("SELECT count(*) FROM pg_tables WHERE tablename = 'velino_sync_slots'"),
-              QByteArray("0"));
-}
-
-TEST_F(PostgresSlotStoreTest, SeveralProcessesOpeningAnEmptyDatabaseAtOnceAllSucceed) {
-    ScratchPostgresDatabase database(testPostgresUrl());
-    ASSERT_TRUE(database.created()) << database.error().toStdString();
-    constexpr int processes = 6;
-    std::vector<std::unique_ptr<SlotStore>> stores;
-    for (int i = 0; i < processes; ++i) {
-        stores.push_back(storeOn(database.url()));
-    }
-    std::atomic<int> opened = 0;
-    std::vector<std::thread> threads;
-    for (auto &store : stores) {
-        threads.emplace_back([&store, &opened] { opened += store->open() ? 1 : 0; });
-    }
-    for (auto &thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(opened, processes);
-    EXPECT_EQ(PostgresSession(database.url()).run("SELECT count(*) FROM velino_sync_schema"),
-              QByteArray("1"));
-}
-
-// What a bytea column keeps and a text column would not, and times that the database's own
-// time zone does not shift.
-TEST_F(PostgresSlotStoreTest, KeepsRawBytesAndUtcTimesWhateverTheDatabaseTimeZone) {
-    ScratchPostgresDatabase database(testPostgresUrl());
-    ASSERT_TRUE(database.created()) << database.error().toStdString();
-    ASSERT_TRUE(PostgresSession(database.url())
-                    .run("ALTER DATABASE " + database.name().toUtf8() +
-                         " SET timezone = 'Pacific/Kiritimati'"));
-    auto store = storeOn(database.url());
-    ASSERT_TRUE(store->open());
-
-    const QByteArray key = keyOf(QStringLiteral("CODE-RAW-0000000"));
-    const QByteArray payload = QByteArray("{\"t\":\"\xC3\xA9\\u0000\"}\n") + '\0' + "\xFF";
-    ASSERT_EQ(store->put(key, slotAt(1'700'000'900, payload)), Status::Ok);
-    StoredSlot read;
-    ASSERT_EQ(store->get(key, read), Status::Ok);
-    EXPECT_EQ(read.payloadJson, payload);
-    EXPECT_EQ(read.updatedAt, QDateTime::fromSecsSinceEpoch(1'700'000'900, Qt::UTC));
-    EXPECT_EQ(store->deleteWrittenBefore(QDateTime::fromSecsSinceEpoch(1'700'000'900, Qt::UTC)), 0);
-    EXPECT_EQ(store->deleteWrittenBefore(QDateTime::fromSecsSinceEpoch(1'700'000'901, Qt::UTC)), 1);
-}
-
-// Request threads of two processes write their own slots and one shared slot while others
-// read: every call succeeds, no row is ever seen half-written, and each slot ends with its
-// last write.
-TEST_F(PostgresSlotStoreTest, ConcurrentWritersOfTwoProcessesActAsOneService) {
-    ScratchPostgresDatabase database(testPostgresUrl());
-    ASSERT_TRUE(database.created()) << database.error().toStdString();
-    auto first = storeOn(database.url());
-    auto second = storeOn(database.url());
-    ASSERT_TRUE(first->open());
-    ASSERT_TRUE(second->open());
-
-    constexpr int writers = 36; // more than the connections of one process
-    constexpr int writesEach = 20;
-    const QByteArray shared = keyOf(QStringLiteral("SHARED-CODE-0000"));
-    // Each payload names its writer and write: a reader can check it against the time.
-    const auto write = [](int writer, int index) {
-        return slotAt(1'700'000'000 + writer * 1000 + index,
-                      QByteArray::number(writer * 1000 + index));
-    };
-    std::atomic<int> failures = 0;
-    std::atomic<int> tornReads = 0;
-    std::atomic<bool> writing = true;
-    std::vector<std::thread> threads;
-    for (int writer = 0; writer < writers; ++writer) {
-        threads.emplace_back([&, writer] {
-            SlotStore &store = writer % 2 ? *second : *first;
-            const QByteArray own =
-                keyOf(QStringLiteral("WRITER-CODE-%1").arg(writer, 4, 10, QLatin1Char('0')));
-            for (int index = 0; index < writesEach; ++index) {
-                failures += store.put(own, write(writer, index)) != Status::Ok;
-                failures += store.put(shared, write(writer, index)) != Status::Ok;
-            }
-        });
-    }
-    std::thread reader([&] {
-        StoredSlot read;
-        while (writing) {
-            if (first->get(shared, read) == Status::Ok &&
-                read.updatedAt.toSecsSinceEpoch() - 1'700'000'000 != read.payloadJson.toInt()) {
-                ++tornReads;
-            }
+        auto store = storage.makeStore();
+        ASSERT_EQ(store->open(), c.opens);
+        if (c.opens) {
+            ASSERT_EQ(store->put(keyOf(1), slotOf(1)), Status::Ok);
+            // Opening again (a restart, or a second process) changes nothing, keeps the slots.
+            auto second = storage.makeStore();
+            ASSERT_TRUE(second->open());
+            EXPECT_EQ(second->count(), 1);
         }
-    });
-    for (auto &thread : threads) {
-        thread.join();
+        EXPECT_EQ(session.run("SELECT string_agg(version::text, ',') FROM velino_sync_schema"),
+                  c.opens ? current : newer);
+        EXPECT_EQ(
+            session.run("SELECT count(*) FROM pg_tables WHERE tablename = 'velino_sync_slots'"),
+            QByteArray(c.opens ? "1" : "0"));
     }
-    writing = false;
-    reader.join();
+}
 
+TEST_F(PostgresSlotStoreTest, AStoreStaysWithinItsSixteenConnections) {
+    ScratchStorage storage("postgresql");
+    auto store = storage.makeStore();
+    ASSERT_TRUE(store->open());
+    std::vector<std::thread> threads;
+    std::atomic<int> failures = 0;
+    for (int n = 0; n < 36; ++n)
+        threads.emplace_back([&, n] {
+            for (int i = 0; i < 10; ++i)
+                failures += store->put(keyOf(n), slotOf(i)) != Status::Ok;
+        });
+    for (std::thread &thread : threads)
+        thread.join();
     EXPECT_EQ(failures, 0);
-    EXPECT_EQ(tornReads, 0);
-    EXPECT_EQ(first->count(), writers + 1);
-    // Each process stays within its pool (16 connections), however many threads call it.
-    const auto backends = PostgresSession(database.url())
+    const auto backends = PostgresSession(storage.url())
                               .run("SELECT count(*) FROM pg_stat_activity "
                                    "WHERE datname = current_database()");
     ASSERT_TRUE(backends);
-    EXPECT_LE(backends->toInt(), 2 * 16 + 1);
+    EXPECT_LE(backends->toInt(), 16 + 1);
     EXPECT_GT(backends->toInt(), 2);
-    for (int writer = 0; writer < writers; ++writer) {
-        StoredSlot read;
-        const QByteArray own =
-            keyOf(QStringLiteral("WRITER-CODE-%1").arg(writer, 4, 10, QLatin1Char('0')));
-        ASSERT_EQ(second->get(own, read), Status::Ok);
-        EXPECT_EQ(read.payloadJson, write(writer, writesEach - 1).payloadJson);
-    }
-    StoredSlot last;
-    ASSERT_EQ(second->get(shared, last), Status::Ok);
-    EXPECT_EQ(last.payloadJson.toInt() % 1000, writesEach - 1) << "the last write of a writer";
 }
 
-TEST_F(PostgresSlotStoreTest, WrongPasswordOrMissingServerIsUnavailableQuickly) {
-    const QString missingSocket = velino::test::postgresUrlWithDatabase(
-        QStringLiteral("postgresql://velino@/x?host=/nonexistent/velino-socket"),
-        QStringLiteral("sync"));
-    const struct {
-        const char *name;
-        QString url;
-        const char *password;
-    } cases[] = {
-        {"no server", missingSocket, nullptr},
-        {"wrong password", testPostgresUrl(), "not-the-password"},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
-        if (c.password) {
-            qputenv("PGPASSWORD", c.password);
-        }
-        auto store = storeOn(c.url);
-        QElapsedTimer timer;
-        timer.start();
-        StoredSlot slot;
-        EXPECT_FALSE(store->open());
-        EXPECT_EQ(store->put(keyOf(QStringLiteral("CODE-A")), slotAt(1, "{}")),
-                  Status::Unavailable);
-        EXPECT_EQ(store->get(keyOf(QStringLiteral("CODE-A")), slot), Status::Unavailable);
-        EXPECT_EQ(store->count(), std::nullopt);
-        EXPECT_EQ(store->deleteWrittenBefore(QDateTime::currentDateTimeUtc()), std::nullopt);
-        EXPECT_FALSE(store->isHealthy());
-        EXPECT_LT(timer.elapsed(), 3000);
-        qunsetenv("PGPASSWORD");
+// The database restarts under a running store: calls made while it is down are answered
+// "unavailable" at once, the first call once it is back succeeds on a new connection, and
+// every write acknowledged before a crash (an immediate stop, no checkpoint) is still there,
+// even with a database whose default is not to wait for the disk.
+TEST_F(PostgresSlotStoreTest, ReconnectsAfterARestartAndLosesNoAcknowledgedWrite) {
+    PrivateCluster cluster;
+    ASSERT_TRUE(cluster.started()) << cluster.log().toStdString();
+    ASSERT_TRUE(PostgresSession(cluster.url())
+                    .run("ALTER DATABASE velino_test SET synchronous_commit = off"));
+    QString error;
+    auto store = makeSlotStore(cluster.url(), &error);
+    ASSERT_TRUE(store && store->open()) << error.toStdString();
+    ASSERT_EQ(store->put(keyOf(0), slotOf(0)), Status::Ok);
+
+    ASSERT_TRUE(cluster.control(QStringLiteral("restart")));
+    StoredSlot read;
+    EXPECT_EQ(store->get(keyOf(0), read), Status::Ok);
+    EXPECT_EQ(read.payloadJson, slotOf(0).payloadJson);
+
+    constexpr int kWrites = 300;
+    for (int n = 1; n <= kWrites; ++n)
+        ASSERT_EQ(store->put(keyOf(n), slotOf(n)), Status::Ok) << n;
+    ASSERT_TRUE(cluster.control(QStringLiteral("stop"), QStringLiteral("immediate")));
+
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_EQ(store->put(keyOf(kWrites + 1), slotOf(kWrites + 1)), Status::Unavailable);
+    EXPECT_EQ(store->get(keyOf(0), read), Status::Unavailable);
+    EXPECT_EQ(store->count(), std::nullopt);
+    EXPECT_FALSE(store->isHealthy());
+    EXPECT_LT(timer.elapsed(), 3000);
+
+    ASSERT_TRUE(cluster.control(QStringLiteral("start")));
+    EXPECT_TRUE(store->isHealthy());
+    EXPECT_EQ(store->count(), kWrites + 1);
+    for (int n = 0; n <= kWrites; ++n) {
+        ASSERT_EQ(store->get(keyOf(n), read), Status::Ok) << n;
+        EXPECT_EQ(read.payloadJson, slotOf(n).payloadJson);
+        EXPECT_EQ(read.updatedAt, slotOf(n).updatedAt);
     }
 }

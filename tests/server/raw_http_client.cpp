@@ -15,10 +15,18 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-int remainingMs(Clock::time_point deadline) {
+// Waits for bytes until `deadline`: false when none came or the stream ended.
+bool receive(int fd, std::string &buffer, Clock::time_point deadline) {
     const auto left =
         std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
-    return int(std::max<long long>(0, left.count()));
+    pollfd p{fd, POLLIN, 0};
+    if (fd < 0 || poll(&p, 1, int(std::max<long long>(0, left.count()))) <= 0)
+        return false;
+    char chunk[65536];
+    const ssize_t n = recv(fd, chunk, sizeof chunk, 0);
+    if (n > 0)
+        buffer.append(chunk, size_t(n));
+    return n > 0;
 }
 
 } // namespace
@@ -62,19 +70,17 @@ std::optional<RawHttpAnswer> RawHttpConnection::readAnswer(std::chrono::millisec
             RawHttpAnswer answer;
             const std::string head = buffer_.substr(0, headerEnd);
             answer.status = std::atoi(head.substr(head.find(' ') + 1, 3).c_str());
-            size_t lineStart = head.find("\r\n");
-            while (lineStart != std::string::npos) {
-                lineStart += 2;
-                const size_t lineEnd = head.find("\r\n", lineStart);
-                const std::string line = head.substr(lineStart, lineEnd - lineStart);
+            for (size_t start = head.find("\r\n"); start != std::string::npos;) {
+                const size_t end = head.find("\r\n", start + 2);
+                const std::string line = head.substr(start + 2, end - start - 2);
+                start = end;
                 const size_t colon = line.find(':');
-                if (colon != std::string::npos) {
-                    std::string name = line.substr(0, colon);
-                    std::transform(name.begin(), name.end(), name.begin(),
-                                   [](unsigned char c) { return char(std::tolower(c)); });
-                    answer.headers[name] = line.substr(line.find_first_not_of(' ', colon + 1));
-                }
-                lineStart = lineEnd;
+                if (colon == std::string::npos)
+                    continue;
+                std::string name = line.substr(0, colon);
+                std::transform(name.begin(), name.end(), name.begin(),
+                               [](unsigned char c) { return char(std::tolower(c)); });
+                answer.headers[name] = line.substr(line.find_first_not_of(' ', colon + 1));
             }
             const size_t length = size_t(std::atoll(answer.headers["content-length"].c_str()));
             if (buffer_.size() >= headerEnd + 4 + length) {
@@ -83,42 +89,38 @@ std::optional<RawHttpAnswer> RawHttpConnection::readAnswer(std::chrono::millisec
                 return answer;
             }
         }
-        pollfd p{fd_, POLLIN, 0};
-        if (fd_ < 0 || poll(&p, 1, remainingMs(deadline)) <= 0)
+        if (!receive(fd_, buffer_, deadline))
             return std::nullopt;
-        char chunk[65536];
-        const ssize_t n = recv(fd_, chunk, sizeof chunk, 0);
-        if (n <= 0)
-            return std::nullopt;
-        buffer_.append(chunk, size_t(n));
     }
 }
 
-bool RawHttpConnection::closedWithin(std::chrono::milliseconds timeout) {
-    const Clock::time_point deadline = Clock::now() + timeout;
-    while (fd_ >= 0) {
-        pollfd p{fd_, POLLIN, 0};
-        if (poll(&p, 1, remainingMs(deadline)) <= 0)
-            return false;
-        char chunk[65536];
-        if (recv(fd_, chunk, sizeof chunk, 0) <= 0)
-            return true;
-    }
-    return true;
-}
-
-std::optional<RawHttpAnswer> rawRequest(int port, const std::string &method,
-                                        const std::string &target, const std::string &body) {
-    RawHttpConnection connection(port);
+std::optional<RawHttpAnswer> RawHttpConnection::exchange(const std::string &method,
+                                                         const std::string &target,
+                                                         const std::string &body) {
     std::string request = method + " " + target + " HTTP/1.1\r\nHost: 127.0.0.1\r\n";
     if (method != "GET")
         request +=
             "Content-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) +
             "\r\n";
-    request += "\r\n" + body;
-    if (!connection.send(request))
+    if (!send(request + "\r\n" + body))
         return std::nullopt;
-    return connection.readAnswer(std::chrono::seconds(10));
+    return readAnswer(std::chrono::seconds(10));
+}
+
+bool RawHttpConnection::closedWithin(std::chrono::milliseconds timeout) {
+    const Clock::time_point deadline = Clock::now() + timeout;
+    while (fd_ >= 0 && Clock::now() < deadline) {
+        pollfd p{fd_, POLLIN, 0};
+        char chunk[65536];
+        if (poll(&p, 1, 50) > 0 && recv(fd_, chunk, sizeof chunk, 0) <= 0)
+            return true;
+    }
+    return fd_ < 0;
+}
+
+std::optional<RawHttpAnswer> rawRequest(int port, const std::string &method,
+                                        const std::string &target, const std::string &body) {
+    return RawHttpConnection(port).exchange(method, target, body);
 }
 
 } // namespace velino::test

@@ -22,12 +22,14 @@ public:
     RawHttpConnection(const RawHttpConnection &) = delete;
     RawHttpConnection &operator=(const RawHttpConnection &) = delete;
 
-    bool connected() const { return fd_ >= 0; }
     // False when the peer no longer takes bytes.
     bool send(const std::string &bytes);
     // One answer with a Content-Length body, or nothing when the connection ends first or
     // the time is over.
     std::optional<RawHttpAnswer> readAnswer(std::chrono::milliseconds timeout);
+    // An ordinary request (a JSON body unless GET) and its answer.
+    std::optional<RawHttpAnswer> exchange(const std::string &method, const std::string &target,
+                                          const std::string &body = {});
     // True when the server closes the connection (end of stream or reset) within `timeout`,
     // whatever it sent before.
     bool closedWithin(std::chrono::milliseconds timeout);
@@ -37,7 +39,7 @@ private:
     std::string buffer_;
 };
 
-// PUT or GET on a fresh connection; the answer, or nothing.
+// exchange() on a fresh connection.
 std::optional<RawHttpAnswer> rawRequest(int port, const std::string &method,
                                         const std::string &target, const std::string &body = {});
 

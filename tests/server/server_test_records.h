@@ -17,29 +17,37 @@ inline VelinoSyncUpload defaultUpload(const QString &code = QString::fromLatin1(
                                                                 Instant{788918400})};
 }
 
+inline std::string uploadBody(const QString &code = QString::fromLatin1(kCode)) {
+    return encodeSyncRecord(defaultUpload(code)).toStdString();
+}
+
 inline std::string compactJson(const QJsonObject &object) {
     return QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString();
 }
 
+inline server::HttpRequest request(const std::string &method, const std::string &path,
+                                   const std::string &body = {},
+                                   const std::string &peer = "192.0.2.10") {
+    server::HttpRequest r;
+    r.method = method;
+    r.path = path;
+    r.body = body;
+    r.peerAddress = peer;
+    return r;
+}
+
 inline server::HttpRequest putRequest(const std::string &body,
                                       const std::string &peer = "192.0.2.10") {
-    server::HttpRequest request;
-    request.method = "PUT";
-    request.path = "/api/velino-sync";
-    request.headers = {{"content-type", "application/json"}};
-    request.body = body;
-    request.peerAddress = peer;
-    return request;
+    server::HttpRequest r = request("PUT", "/api/velino-sync", body, peer);
+    r.headers = {{"content-type", "application/json"}};
+    return r;
 }
 
 inline server::HttpRequest getRequest(const std::string &code,
                                       const std::string &peer = "192.0.2.10") {
-    server::HttpRequest request;
-    request.method = "GET";
-    request.path = "/api/velino-sync";
-    request.query = {{"code", code}};
-    request.peerAddress = peer;
-    return request;
+    server::HttpRequest r = request("GET", "/api/velino-sync", {}, peer);
+    r.query = {{"code", code}};
+    return r;
 }
 
 // The French sentence of an error record, or "(not an error record)".

@@ -1,5 +1,4 @@
 #include "retention_sweeper.h"
-#include "slot_store.h"
 #include "sqlite_slot_store.h"
 
 #include <QFile>
@@ -17,9 +16,7 @@ namespace {
 
 mode_t permissionsOf(const QString &path) {
     struct stat info {};
-    if (::stat(QFile::encodeName(path).constData(), &info) != 0)
-        return 07777;
-    return info.st_mode & 0777;
+    return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_mode & 0777 : 07777;
 }
 
 TEST(SqliteStorageTest, FolderAndFilesAreTheOwnersOnly) {
@@ -28,7 +25,7 @@ TEST(SqliteStorageTest, FolderAndFilesAreTheOwnersOnly) {
     const QString path = folder + QStringLiteral("/sync.db");
     SqliteSlotStore store(path);
     ASSERT_TRUE(store.open());
-    ASSERT_EQ(store.put(QByteArray(32, 'k'), StoredSlot{QDateTime::currentDateTimeUtc(), "{}"}),
+    ASSERT_EQ(store.put(QByteArray(32, 'k'), {QDateTime::currentDateTimeUtc(), "{}"}),
               SlotStore::Status::Ok);
     EXPECT_EQ(permissionsOf(folder), 0700u);
     for (const QString &suffix : {QString(), QStringLiteral("-wal"), QStringLiteral("-shm")}) {
@@ -37,24 +34,15 @@ TEST(SqliteStorageTest, FolderAndFilesAreTheOwnersOnly) {
     }
 }
 
-TEST(SqliteStorageTest, UnopenableStorageIsReportedNotCrashed) {
-    QTemporaryDir root;
-    QFile blocker(root.filePath(QStringLiteral("not-a-folder")));
-    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
-    SqliteSlotStore store(root.filePath(QStringLiteral("not-a-folder/sync.db")));
-    EXPECT_FALSE(store.open());
-    StoredSlot slot;
-    EXPECT_EQ(store.put(QByteArray(32, 'k'), slot), SlotStore::Status::Unavailable);
-    EXPECT_EQ(store.get(QByteArray(32, 'k'), slot), SlotStore::Status::Unavailable);
-    EXPECT_FALSE(store.count().has_value());
-    EXPECT_FALSE(store.isHealthy());
-
+TEST(SqliteStorageTest, UnknownAddressesAreRefusedInFrench) {
     QString error;
     EXPECT_EQ(makeSlotStore(QStringLiteral("mysql://x"), &error), nullptr);
     EXPECT_TRUE(error.startsWith(QStringLiteral("Base de donnees invalide")))
         << error.toStdString();
+    error.clear();
     EXPECT_EQ(makeSlotStore(QStringLiteral("sqlite:"), &error), nullptr);
-    EXPECT_FALSE(error.isEmpty());
+    EXPECT_TRUE(error.startsWith(QStringLiteral("Base de donnees invalide")))
+        << error.toStdString();
 }
 
 TEST(RetentionSweeperTest, SweepsAtStartSlotsOlderThanTheRetention) {
@@ -62,10 +50,8 @@ TEST(RetentionSweeperTest, SweepsAtStartSlotsOlderThanTheRetention) {
     SqliteSlotStore store(root.filePath(QStringLiteral("sync.db")));
     ASSERT_TRUE(store.open());
     const QDateTime now = QDateTime::currentDateTimeUtc();
-    ASSERT_EQ(store.put(QByteArray(32, 'o'), StoredSlot{now.addDays(-91), "{}"}),
-              SlotStore::Status::Ok);
-    ASSERT_EQ(store.put(QByteArray(32, 'y'), StoredSlot{now.addDays(-89), "{}"}),
-              SlotStore::Status::Ok);
+    ASSERT_EQ(store.put(QByteArray(32, 'o'), {now.addDays(-91), "{}"}), SlotStore::Status::Ok);
+    ASSERT_EQ(store.put(QByteArray(32, 'y'), {now.addDays(-89), "{}"}), SlotStore::Status::Ok);
     std::vector<std::string> log;
     std::mutex logMutex;
     {
@@ -77,8 +63,7 @@ TEST(RetentionSweeperTest, SweepsAtStartSlotsOlderThanTheRetention) {
     }
     StoredSlot slot;
     EXPECT_EQ(store.get(QByteArray(32, 'y'), slot), SlotStore::Status::Ok);
-    ASSERT_EQ(log.size(), 1u);
-    EXPECT_EQ(log[0], "retention: 1 emplacement(s) supprime(s)");
+    EXPECT_EQ(log, std::vector<std::string>{"retention: 1 emplacement(s) supprime(s)"});
 }
 
 } // namespace

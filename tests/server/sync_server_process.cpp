@@ -76,6 +76,11 @@ QByteArray SyncServerProcess::errorOutput() {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+QStringList plainHttpOn(const QString &databaseUrl) {
+    return {QStringLiteral("--plain-http"), QStringLiteral("--database"), databaseUrl,
+            QStringLiteral("--max-requests-per-minute"), QStringLiteral("0")};
+}
+
 ProgramRun runSyncServer(const QStringList &arguments) {
     QProcess process;
     process.start(QStringLiteral(VELINO_SYNC_SERVER_BINARY), arguments);

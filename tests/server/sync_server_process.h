@@ -34,6 +34,9 @@ private:
     QTemporaryFile errorFile_;
 };
 
+// Plain HTTP on the storage at `databaseUrl`, without a request ceiling.
+QStringList plainHttpOn(const QString &databaseUrl);
+
 // Runs the program to its end with `arguments`; its exit code and standard error.
 struct ProgramRun {
     int exitCode = -1;

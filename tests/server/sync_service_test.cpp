@@ -1,15 +1,9 @@
-#include "server_test_records.h"
-#include "sqlite_slot_store.h"
+#include "service_fixture.h"
 #include "sync_code.h"
-#include "sync_service.h"
 #include "sync_texts.h"
 
 #include <QFile>
 #include <QJsonArray>
-#include <QTemporaryDir>
-#include <QTimeZone>
-
-#include <gtest/gtest.h>
 
 using namespace velino;
 using namespace velino::server;
@@ -17,37 +11,41 @@ using namespace velino::test;
 
 namespace {
 
+using SyncServiceTest = ServiceFixture;
+
 QString text(const char *sentence) {
     return QString::fromUtf8(sentence);
 }
 
-// A service on a real SQLite file, with its clock and log in the test's hands.
-class SyncServiceTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_TRUE(folder.isValid());
-        store = std::make_unique<SqliteSlotStore>(databasePath());
-        ASSERT_TRUE(store->open());
-        config.now = [this] { return now; };
-        config.log = [this](const std::string &line) { logLines.push_back(line); };
-        config.logoPng = "\x89PNG\r\n\x1a\nlogo";
-        service = std::make_unique<SyncService>(*store, config);
-    }
+std::string withUpload(const std::function<void(QJsonObject &)> &change) {
+    QJsonObject upload = defaultUpload().toJson();
+    change(upload);
+    return compactJson(upload);
+}
 
-    void remake() { service = std::make_unique<SyncService>(*store, config); }
-    QString databasePath() const { return folder.filePath(QStringLiteral("sync.db")); }
+std::string withPayload(const std::function<void(QJsonObject &)> &change) {
+    return withUpload([&](QJsonObject &upload) {
+        QJsonObject payload = upload[u"payload"].toObject();
+        change(payload);
+        upload[u"payload"] = payload;
+    });
+}
 
-    QTemporaryDir folder;
-    std::unique_ptr<SqliteSlotStore> store;
-    SyncServiceConfig config;
-    std::unique_ptr<SyncService> service;
-    QDateTime now = QDateTime(QDate(2026, 6, 5), QTime(8, 15, 0, 734), QTimeZone::utc());
-    std::vector<std::string> logLines;
-};
+// An upload whose payload carries one saved preset created at `createdAt`.
+std::string withPreset(const QString &createdAt) {
+    return withPayload([&](QJsonObject &p) {
+        CustomMailPreset preset;
+        preset.id = QUuid::createUuid();
+        preset.name = QStringLiteral("Devis ecran");
+        preset.data = MailComposerData::defaultRecord();
+        QJsonObject json = preset.toJson(TimestampForm::Iso8601);
+        json[u"createdAt"] = createdAt;
+        p[u"customPresets"] = QJsonArray{json};
+    });
+}
 
 TEST_F(SyncServiceTest, PutThenGetAnswersThePayloadWithTheServerTime) {
-    const VelinoSyncUpload upload = defaultUpload();
-    const HttpResponse put = service->handle(putRequest(encodeSyncRecord(upload).toStdString()));
+    const HttpResponse put = service->handle(putRequest(uploadBody()));
     ASSERT_EQ(put.status, 200) << put.body;
     EXPECT_EQ(put.contentType, "application/json");
     // Whole seconds, UTC, "Z": the fraction of the server's clock is dropped.
@@ -62,12 +60,18 @@ TEST_F(SyncServiceTest, PutThenGetAnswersThePayloadWithTheServerTime) {
     ASSERT_TRUE(answer) << error.toStdString();
     EXPECT_TRUE(answer->ok);
     EXPECT_EQ(answer->snapshot.updatedAt, "2026-06-05T08:15:00Z");
-    EXPECT_EQ(encodeSyncRecord(answer->snapshot.payload), encodeSyncRecord(upload.payload));
+    EXPECT_EQ(encodeSyncRecord(answer->snapshot.payload),
+              encodeSyncRecord(defaultUpload().payload));
+
+    // Saved presets with whole-second dates are kept.
+    ASSERT_EQ(
+        service->handle(putRequest(withPreset(QStringLiteral("2026-01-01T10:00:00Z")))).status,
+        200);
+    EXPECT_NE(service->handle(getRequest(kCode)).body.find("Devis ecran"), std::string::npos);
 }
 
 TEST_F(SyncServiceTest, SlotsAreKeyedByTheHashSoTheDatabaseHoldsNoCode) {
-    ASSERT_EQ(service->handle(putRequest(encodeSyncRecord(defaultUpload()).toStdString())).status,
-              200);
+    ASSERT_EQ(service->handle(putRequest(uploadBody())).status, 200);
     StoredSlot slot;
     EXPECT_EQ(store->get(slotKeyOf(QString::fromLatin1(kCode)), slot), SlotStore::Status::Ok);
     store.reset(); // everything on disk, the write-ahead log checkpointed
@@ -82,134 +86,72 @@ TEST_F(SyncServiceTest, SlotsAreKeyedByTheHashSoTheDatabaseHoldsNoCode) {
     EXPECT_FALSE(everything.contains(kCode));
 }
 
-struct HostileCase {
-    std::string what;
-    std::string body;
-    int status;
-    QString expected; // the exact text, or empty: the core decoder's own text for the body
-};
-
-QJsonObject withPayloadChange(const std::function<void(QJsonObject &)> &change) {
-    QJsonObject upload = defaultUpload().toJson();
-    QJsonObject payload = upload[u"payload"].toObject();
-    change(payload);
-    upload[u"payload"] = payload;
-    return upload;
-}
-
-// An upload whose payload carries one saved preset created at `createdAt`.
-QJsonObject withPreset(const QString &createdAt) {
-    return withPayloadChange([&](QJsonObject &p) {
-        CustomMailPreset preset;
-        preset.id = QUuid::createUuid();
-        preset.name = QStringLiteral("Devis ecran");
-        preset.data = MailComposerData::defaultRecord();
-        QJsonObject json = preset.toJson(TimestampForm::Iso8601);
-        json[u"createdAt"] = createdAt;
-        p[u"customPresets"] = QJsonArray{json};
-    });
-}
-
-std::vector<HostileCase> hostileCases() {
-    std::vector<HostileCase> cases;
-    const auto withCode = [](const QString &code) {
-        return encodeSyncRecord(defaultUpload(code)).toStdString();
+TEST_F(SyncServiceTest, HostileUploadsAreRefusedInFrenchAndStoreNothing) {
+    const QString badCode = text(texts::kInvalidCode);
+    // An empty sentence stands for the desktop's own decoder's, word for word.
+    std::vector<std::tuple<std::string, std::string, int, QString>> cases = {
+        {"code of 15 characters", uploadBody(QStringLiteral("AB12CD34EF56GH7")), 400, badCode},
+        {"code of 65 characters", uploadBody(QString(65, u'A')), 400, badCode},
+        {"lower-case code", uploadBody(QStringLiteral("ab12-cd34ef56gh78")), 400, badCode},
+        {"accented code", uploadBody(QStringLiteral("ÉCOLE-CD34EF56GH78")), 400, badCode},
+        {"code with a blank", uploadBody(QStringLiteral("AB12 CD34EF56GH78")), 400, badCode},
+        {"upload without code", withUpload([](QJsonObject &u) { u.remove(u"code"); }), 400, {}},
+        {"null payload", withUpload([](QJsonObject &u) { u[u"payload"] = QJsonValue(); }), 400, {}},
+        {"code as a number",
+         withUpload([](QJsonObject &u) { u[u"code"] = 1234567890123456.0; }),
+         400,
+         {}},
+        {"version as text", withPayload([](QJsonObject &p) { p[u"version"] = "1"; }), 400, {}},
+        {"data as an array",
+         withPayload([](QJsonObject &p) { p[u"data"] = QJsonArray{}; }),
+         400,
+         {}},
+        {"unknown preset",
+         withPayload([](QJsonObject &p) { p[u"activePreset"] = "promo"; }),
+         400,
+         {}},
+        {"data field as a number",
+         withPayload([](QJsonObject &p) {
+             QJsonObject data = p[u"data"].toObject();
+             data[u"subject"] = 3;
+             p[u"data"] = data;
+         }),
+         400,
+         {}},
+        {"preset date with a fraction", withPreset("2026-01-01T10:00:00.250Z"), 400, {}},
+        {"body not JSON", "code=AB12-CD34EF56GH78", 400, {}},
+        {"empty body", "", 400, {}},
+        {"JSON array", "[]", 400, {}},
+        {"8 MiB + 1 bytes", std::string(8 * 1024 * 1024 + 1, ' '), 413,
+         text(texts::kBodyTooLarge).arg(8 * 1024 * 1024)},
     };
-    const QString invalidCode = text(texts::kInvalidCode);
-    cases.push_back(
-        {"code of 15 characters", withCode(QStringLiteral("AB12CD34EF56GH7")), 400, invalidCode});
-    cases.push_back({"code of 65 characters", withCode(QString(65, u'A')), 400, invalidCode});
-    cases.push_back(
-        {"lower-case code", withCode(QStringLiteral("ab12-cd34ef56gh78")), 400, invalidCode});
-    cases.push_back(
-        {"accented code", withCode(QStringLiteral("ÉCOLE-CD34EF56GH78")), 400, invalidCode});
-    cases.push_back(
-        {"code with a blank", withCode(QStringLiteral("AB12 CD34EF56GH78")), 400, invalidCode});
     for (const QString &key : defaultUpload().payload.toJson().keys()) {
         cases.push_back({"payload without " + key.toStdString(),
-                         compactJson(withPayloadChange([&](QJsonObject &p) { p.remove(key); })),
+                         withPayload([&](QJsonObject &p) { p.remove(key); }),
                          400,
                          {}});
-        cases.push_back(
-            {"payload with " + key.toStdString() + " null",
-             compactJson(withPayloadChange([&](QJsonObject &p) { p[key] = QJsonValue(); })),
-             400,
-             {}});
+        cases.push_back({"payload with " + key.toStdString() + " null",
+                         withPayload([&](QJsonObject &p) { p[key] = QJsonValue(); }),
+                         400,
+                         {}});
     }
-    QJsonObject noCode = defaultUpload().toJson();
-    noCode.remove(u"code");
-    cases.push_back({"upload without code", compactJson(noCode), 400, {}});
-    QJsonObject nullPayload = defaultUpload().toJson();
-    nullPayload[u"payload"] = QJsonValue();
-    cases.push_back({"null payload", compactJson(nullPayload), 400, {}});
-    QJsonObject numberCode = defaultUpload().toJson();
-    numberCode[u"code"] = 1234567890123456.0;
-    cases.push_back({"code as a number", compactJson(numberCode), 400, {}});
-    cases.push_back({"version as text",
-                     compactJson(withPayloadChange([](QJsonObject &p) { p[u"version"] = "1"; })),
-                     400,
-                     {}});
-    cases.push_back(
-        {"data as an array",
-         compactJson(withPayloadChange([](QJsonObject &p) { p[u"data"] = QJsonArray{}; })),
-         400,
-         {}});
-    cases.push_back(
-        {"unknown preset",
-         compactJson(withPayloadChange([](QJsonObject &p) { p[u"activePreset"] = "promo"; })),
-         400,
-         {}});
-    cases.push_back({"data field as a number",
-                     compactJson(withPayloadChange([](QJsonObject &p) {
-                         QJsonObject data = p[u"data"].toObject();
-                         data[u"subject"] = 3;
-                         p[u"data"] = data;
-                     })),
-                     400,
-                     {}});
-    cases.push_back({"preset date with fractional seconds",
-                     compactJson(withPreset("2026-01-01T10:00:00.250Z")),
-                     400,
-                     {}});
-    cases.push_back({"body not JSON", "code=AB12-CD34EF56GH78", 400, {}});
-    cases.push_back({"empty body", "", 400, {}});
-    cases.push_back({"JSON array", "[]", 400, {}});
-    cases.push_back({"8 MiB + 1 bytes", std::string(8 * 1024 * 1024 + 1, ' '), 413,
-                     text(texts::kBodyTooLarge).arg(8 * 1024 * 1024)});
-    return cases;
-}
-
-TEST_F(SyncServiceTest, HostileUploadsAreRefusedInFrenchAndStoreNothing) {
-    for (const HostileCase &c : hostileCases()) {
-        const HttpResponse answer = service->handle(putRequest(c.body));
-        EXPECT_EQ(answer.status, c.status) << c.what;
-        EXPECT_EQ(answer.contentType, "application/json") << c.what;
-        QString expected = c.expected;
+    for (const auto &[what, body, status, sentence] : cases) {
+        SCOPED_TRACE(what);
+        const HttpResponse answer = service->handle(putRequest(body));
+        EXPECT_EQ(answer.status, status);
+        EXPECT_EQ(answer.contentType, "application/json");
+        QString expected = sentence;
         if (expected.isEmpty()) {
-            // The desktop's own decoder, word for word: one implementation for both ends.
             ASSERT_FALSE(
-                decodeSyncRecord<VelinoSyncUpload>(QByteArray::fromStdString(c.body), &expected))
-                << c.what;
+                decodeSyncRecord<VelinoSyncUpload>(QByteArray::fromStdString(body), &expected));
         }
-        EXPECT_FALSE(expected.isEmpty()) << c.what;
-        EXPECT_EQ(errorText(answer.body), expected) << c.what;
+        EXPECT_FALSE(expected.isEmpty());
+        EXPECT_EQ(errorText(answer.body), expected);
+        if (what.starts_with("payload without ")) { // a missing key is named by its path
+            EXPECT_TRUE(expected.contains(QString::fromStdString("payload." + what.substr(16))));
+        }
     }
     EXPECT_EQ(store->count(), 0);
-}
-
-TEST_F(SyncServiceTest, PresetsWithWholeSecondDatesAreStored) {
-    const HttpResponse answer = service->handle(
-        putRequest(compactJson(withPreset(QStringLiteral("2026-01-01T10:00:00Z")))));
-    EXPECT_EQ(answer.status, 200) << answer.body;
-    const HttpResponse get = service->handle(getRequest(kCode));
-    EXPECT_NE(get.body.find("Devis ecran"), std::string::npos);
-}
-
-TEST_F(SyncServiceTest, MissingKeysAreNamedByTheirPath) {
-    const HttpResponse answer = service->handle(
-        putRequest(compactJson(withPayloadChange([](QJsonObject &p) { p.remove(u"source"); }))));
-    EXPECT_EQ(answer.status, 400);
-    EXPECT_TRUE(errorText(answer.body).contains(QStringLiteral("payload.source"))) << answer.body;
 }
 
 TEST_F(SyncServiceTest, BadLookupsWrongMethodsAndUnknownAddresses) {
@@ -227,125 +169,147 @@ TEST_F(SyncServiceTest, BadLookupsWrongMethodsAndUnknownAddresses) {
         {"HEAD", "/api/velino-sync", "", 405, texts::kMethodNotAllowed},
         {"PUT", "/photos/velino-logo.png", "", 405, texts::kMethodNotAllowed},
         {"GET", "/velino.php", "", 404, texts::kUnknownAddress},
+        {"GET", "/api/velino-render", "", 405, texts::kMethodNotAllowed},
+        {"PUT", "/api/velino-preview", "", 405, texts::kMethodNotAllowed},
+        {"POST", "/velino.html", "", 405, texts::kMethodNotAllowed},
     };
     for (const auto &c : cases) {
-        HttpRequest request = getRequest(c.code);
-        request.method = c.method;
-        request.path = c.path;
-        if (c.code.empty())
-            request.query.clear();
-        const HttpResponse answer = service->handle(request);
-        EXPECT_EQ(answer.status, c.status) << c.method << ' ' << c.path << ' ' << c.code;
-        EXPECT_EQ(errorText(answer.body), text(c.text)) << c.method << ' ' << c.path;
+        SCOPED_TRACE(c.method + ' ' + c.path + ' ' + c.code);
+        HttpRequest r = request(c.method, c.path);
+        if (!c.code.empty())
+            r.query = {{"code", c.code}};
+        const HttpResponse answer = service->handle(r);
+        EXPECT_EQ(answer.status, c.status);
+        EXPECT_EQ(errorText(answer.body), text(c.text));
     }
 }
 
-TEST_F(SyncServiceTest, TenUnknownCodesPerMinuteThenTooManyAttempts) {
-    const auto code = [](int n) { return "UNKNOWN-CODE-" + std::to_string(1000 + n); };
-    for (int n = 0; n < 10; ++n)
-        EXPECT_EQ(service->handle(getRequest(code(n))).status, 404) << n;
-    const HttpResponse refused = service->handle(getRequest(code(10)));
-    EXPECT_EQ(refused.status, 429);
-    EXPECT_EQ(errorText(refused.body), "Trop de tentatives : reessaie dans une minute.");
-    // Another address is not held back; the PUTs of the first one are not either.
-    EXPECT_EQ(service->handle(getRequest(code(11), "192.0.2.99")).status, 404);
-    EXPECT_EQ(service->handle(putRequest(encodeSyncRecord(defaultUpload()).toStdString())).status,
-              200);
+// Ceilings per client address, over sync and rendering alike: a request `times` over, from
+// `peer` (forwarded for `forwarded` when not empty), each answered `status`.
+TEST_F(SyncServiceTest, CeilingsCountPerClientAddress) {
+    struct Step {
+        int times;
+        std::string kind, peer, forwarded;
+        int status;
+    };
+    const struct {
+        const char *name;
+        int perMinute;
+        bool trustProxy;
+        std::vector<Step> steps;
+        const char *refusal;
+    } scenarios[] = {
+        {"ten unknown codes",
+         1200,
+         false,
+         {{10, "unknown", "192.0.2.10", "", 404},
+          {1, "unknown", "192.0.2.10", "", 429},
+          {1, "unknown", "192.0.2.99", "", 404},
+          {1, "put", "192.0.2.10", "", 200}},
+         "Trop de tentatives : reessaie dans une minute."},
+        {"unknown codes behind a proxy",
+         1200,
+         true,
+         {{10, "unknown", "10.0.0.1", "198.51.100.7", 404},
+          {1, "unknown", "10.0.0.1", "203.0.113.9, 198.51.100.7", 429},
+          {1, "unknown", "10.0.0.1", "198.51.100.8", 404}},
+         texts::kTooManyLookups},
+        {"five requests",
+         5,
+         false,
+         {{5, "get", "192.0.2.10", "", 404},
+          {1, "get", "192.0.2.10", "", 429},
+          {1, "get", "192.0.2.11", "", 404}},
+         texts::kTooManyRequests},
+        {"rendering and sync together",
+         3,
+         false,
+         {{1, "render", "192.0.2.10", "", 200},
+          {1, "get", "192.0.2.10", "", 404},
+          {1, "render", "192.0.2.10", "", 200},
+          {1, "render", "192.0.2.10", "", 429},
+          {1, "render", "192.0.2.11", "", 200}},
+         texts::kTooManyRequests},
+    };
+    int unknown = 1000;
+    for (const auto &scenario : scenarios) {
+        SCOPED_TRACE(scenario.name);
+        config.requestsPerMinute = scenario.perMinute;
+        config.trustProxy = scenario.trustProxy;
+        remake();
+        for (const Step &step : scenario.steps) {
+            HttpRequest r =
+                step.kind == "put"
+                    ? putRequest(uploadBody(QStringLiteral("PUT-CODE-0000-0000")), step.peer)
+                : step.kind == "render" ? request("POST", "/api/velino-render",
+                                                  R"({"activePreset":"devis"})", step.peer)
+                                        : getRequest(kCode, step.peer);
+            if (!step.forwarded.empty())
+                r.headers["x-forwarded-for"] = step.forwarded;
+            for (int n = 0; n < step.times; ++n) {
+                if (step.kind == "unknown")
+                    r.query = {{"code", "UNKNOWN-CODE-" + std::to_string(++unknown)}};
+                const HttpResponse answer = service->handle(r);
+                EXPECT_EQ(answer.status, step.status) << step.kind << ' ' << step.peer << ' ' << n;
+                if (answer.status == 429) {
+                    EXPECT_EQ(errorText(answer.body), text(scenario.refusal));
+                }
+            }
+        }
+    }
 }
 
 TEST_F(SyncServiceTest, ClientAddressFromForwardedForOnlyWhenTrusted) {
-    HttpRequest request = getRequest(kCode, "10.0.0.1");
-    request.headers["x-forwarded-for"] = "203.0.113.9, 198.51.100.7";
-    EXPECT_EQ(service->clientAddressOf(request), "10.0.0.1");
+    HttpRequest r = getRequest(kCode, "10.0.0.1");
+    r.headers["x-forwarded-for"] = "203.0.113.9, 198.51.100.7";
+    EXPECT_EQ(service->clientAddressOf(r), "10.0.0.1");
     config.trustProxy = true;
     remake();
     // The address the proxy appended, not what the client claimed before it.
-    EXPECT_EQ(service->clientAddressOf(request), "198.51.100.7");
-    request.headers.erase("x-forwarded-for");
-    EXPECT_EQ(service->clientAddressOf(request), "10.0.0.1");
-
-    // Behind the proxy, limits are counted per forwarded address.
-    for (int n = 0; n < 10; ++n) {
-        HttpRequest lookup = getRequest("UNKNOWN-CODE-" + std::to_string(1000 + n), "10.0.0.1");
-        lookup.headers["x-forwarded-for"] = "198.51.100.7";
-        service->handle(lookup);
-    }
-    HttpRequest blocked = getRequest("UNKNOWN-CODE-2000", "10.0.0.1");
-    blocked.headers["x-forwarded-for"] = "198.51.100.7";
-    EXPECT_EQ(service->handle(blocked).status, 429);
-    HttpRequest other = getRequest("UNKNOWN-CODE-2000", "10.0.0.1");
-    other.headers["x-forwarded-for"] = "198.51.100.8";
-    EXPECT_EQ(service->handle(other).status, 404);
+    EXPECT_EQ(service->clientAddressOf(r), "198.51.100.7");
+    r.headers.erase("x-forwarded-for");
+    EXPECT_EQ(service->clientAddressOf(r), "10.0.0.1");
 }
-
-TEST_F(SyncServiceTest, RequestCeilingPerAddress) {
-    config.requestsPerMinute = 5;
-    remake();
-    for (int n = 0; n < 5; ++n)
-        EXPECT_EQ(service->handle(getRequest(kCode)).status, 404);
-    const HttpResponse refused = service->handle(getRequest(kCode));
-    EXPECT_EQ(refused.status, 429);
-    EXPECT_EQ(errorText(refused.body), text(texts::kTooManyRequests));
-    EXPECT_EQ(service->handle(getRequest(kCode, "192.0.2.11")).status, 404);
-}
-
-// A storage that has gone away.
-class UnavailableStore final : public SlotStore {
-public:
-    bool open() override { return true; }
-    Status put(const QByteArray &, const StoredSlot &) override { return Status::Unavailable; }
-    Status get(const QByteArray &, StoredSlot &) override { return Status::Unavailable; }
-    std::optional<qint64> deleteWrittenBefore(const QDateTime &) override { return {}; }
-    std::optional<qint64> count() override { return {}; }
-    bool isHealthy() override { return false; }
-};
 
 TEST_F(SyncServiceTest, StorageUnavailableAnswers503) {
-    UnavailableStore unavailable;
+    QFile blocker(folder.filePath(QStringLiteral("not-a-folder")));
+    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
+    SqliteSlotStore unavailable(blocker.fileName() + QStringLiteral("/sync.db"));
     SyncService down(unavailable, config);
-    const HttpResponse put =
-        down.handle(putRequest(encodeSyncRecord(defaultUpload()).toStdString()));
+    const HttpResponse put = down.handle(putRequest(uploadBody()));
     EXPECT_EQ(put.status, 503);
     EXPECT_EQ(errorText(put.body), text(texts::kStorageUnavailable));
     EXPECT_EQ(down.handle(getRequest(kCode)).status, 503);
-    HttpRequest health = getRequest(kCode);
-    health.path = "/healthz";
-    EXPECT_EQ(down.handle(health).status, 503);
-    EXPECT_EQ(service->handle(health).status, 200);
-    EXPECT_EQ(service->handle(health).body, "ok");
+    EXPECT_EQ(down.handle(request("GET", "/healthz")).status, 503);
+    const HttpResponse health = service->handle(request("GET", "/healthz"));
+    EXPECT_EQ(health.status, 200);
+    EXPECT_EQ(health.body, "ok");
 }
 
 TEST_F(SyncServiceTest, LogoAndMetrics) {
-    HttpRequest request = getRequest("");
-    request.query.clear();
-    request.path = "/photos/velino-logo.png";
-    const HttpResponse logo = service->handle(request);
+    const HttpResponse logo = service->handle(request("GET", "/photos/velino-logo.png"));
     EXPECT_EQ(logo.status, 200);
     EXPECT_EQ(logo.contentType, "image/png");
     EXPECT_EQ(logo.body, config.logoPng.toStdString());
 
-    ASSERT_EQ(service->handle(putRequest(encodeSyncRecord(defaultUpload()).toStdString())).status,
-              200);
+    ASSERT_EQ(service->handle(putRequest(uploadBody())).status, 200);
     service->recordExchange(getRequest(kCode), 200, std::chrono::milliseconds(3));
     service->recordExchange(getRequest(kCode), 404, std::chrono::milliseconds(70));
     service->recordExchange(getRequest(kCode), 404, std::chrono::seconds(20));
-    request.path = "/metrics";
-    const std::string metrics = service->handle(request).body;
-    EXPECT_NE(metrics.find("velino_sync_requests_total{status=\"200\"} 1\n"), std::string::npos);
-    EXPECT_NE(metrics.find("velino_sync_requests_total{status=\"404\"} 2\n"), std::string::npos);
-    EXPECT_NE(metrics.find("velino_sync_request_duration_seconds_bucket{le=\"0.005\"} 1\n"),
-              std::string::npos);
-    EXPECT_NE(metrics.find("velino_sync_request_duration_seconds_bucket{le=\"0.1\"} 2\n"),
-              std::string::npos);
-    EXPECT_NE(metrics.find("velino_sync_request_duration_seconds_bucket{le=\"+Inf\"} 3\n"),
-              std::string::npos);
-    EXPECT_NE(metrics.find("velino_sync_slots 1\n"), std::string::npos) << metrics;
+    const std::string metrics = service->handle(request("GET", "/metrics")).body;
+    for (const char *line :
+         {"velino_sync_requests_total{status=\"200\"} 1\n",
+          "velino_sync_requests_total{status=\"404\"} 2\n",
+          "velino_sync_request_duration_seconds_bucket{le=\"0.005\"} 1\n",
+          "velino_sync_request_duration_seconds_bucket{le=\"0.1\"} 2\n",
+          "velino_sync_request_duration_seconds_bucket{le=\"+Inf\"} 3\n", "velino_sync_slots 1\n"})
+        EXPECT_NE(metrics.find(line), std::string::npos) << line << metrics;
 }
 
 TEST_F(SyncServiceTest, LogLinesNameTheRequestButNeverTheCodeOrPayload) {
-    HttpRequest request = putRequest(encodeSyncRecord(defaultUpload()).toStdString());
-    request.query = {{"code", kCode}};
-    service->recordExchange(request, 200, std::chrono::microseconds(1500));
+    HttpRequest put = putRequest(uploadBody());
+    put.query = {{"code", kCode}};
+    service->recordExchange(put, 200, std::chrono::microseconds(1500));
     HttpRequest forged = getRequest(kCode);
     forged.path = "/x\nPUT /api/velino-sync 200";
     service->recordExchange(forged, 404, std::chrono::milliseconds(1));

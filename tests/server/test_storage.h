@@ -1,0 +1,65 @@
+#pragma once
+
+#include "slot_store.h"
+
+#include <QTemporaryDir>
+
+#include <optional>
+#include <string>
+
+struct pg_conn;
+
+namespace velino::test {
+
+// The test cluster's address given by scripts/with-test-postgres, or empty outside it.
+QString testPostgresUrl();
+
+// Skips a test on "postgresql" outside scripts/with-test-postgres.
+#define SKIP_WITHOUT_TEST_CLUSTER(engine)                                                          \
+    do {                                                                                           \
+        if (std::string(engine) == "postgresql" && velino::test::testPostgresUrl().isEmpty())      \
+            GTEST_SKIP() << "VELINO_TEST_POSTGRES_URL not set (scripts/with-test-postgres)";       \
+    } while (false)
+
+// Empty storage of one engine, removed with the object: a SQLite file in a folder of its own,
+// or a database of its own on the test cluster whose time zone is far from UTC.
+class ScratchStorage {
+public:
+    explicit ScratchStorage(const std::string &engine);
+    ScratchStorage(const ScratchStorage &) = delete;
+    ScratchStorage &operator=(const ScratchStorage &) = delete;
+    ~ScratchStorage();
+
+    QString error() const { return m_error; }
+    // The address as --database takes it.
+    QString url() const { return m_url; }
+    // A new store on this storage, not opened yet.
+    std::unique_ptr<server::SlotStore> makeStore() const;
+
+private:
+    QTemporaryDir m_folder;
+    QString m_clusterUrl;
+    QString m_databaseName;
+    QString m_url;
+    QString m_error;
+};
+
+// A direct libpq session, to set a database up and look inside it.
+class PostgresSession {
+public:
+    explicit PostgresSession(const QString &url);
+    PostgresSession(const PostgresSession &) = delete;
+    PostgresSession &operator=(const PostgresSession &) = delete;
+    ~PostgresSession();
+
+    QString lastError() const { return m_lastError; }
+    // Runs SQL (several statements allowed); the first value of the first row as text, an
+    // empty text when there is no row, nothing on failure (see lastError).
+    std::optional<QByteArray> run(const QByteArray &sql);
+
+private:
+    pg_conn *m_connection = nullptr;
+    QString m_lastError;
+};
+
+} // namespace velino::test
