@@ -75,11 +75,17 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
     decodeSyncRecord<VelinoSyncUpload>(QByteArray::fromStdString(body.substr(0, 40)), &truncated);
     const QString tooLarge = QString::fromUtf8(texts::kBodyTooLarge).arg(kCap);
     const QString malformed = QString::fromUtf8(texts::kMalformedRequest);
-    const std::string render = R"({"activePreset":"rdv"})";
     const std::string large = R"({"activePreset":"rdv","pad":")" + std::string(kCap, 'x') + "\"}";
-    const std::string json = "Content-Type: application/json\r\n";
-    const std::string form = "Content-Type: application/x-www-form-urlencoded\r\n";
-    const std::string state = "state=%7B%22activePreset%22%3A%22rdv%22%7D";
+    const auto post = [](const std::string &path, const char *type, const std::string &content) {
+        return head("POST", path,
+                    "Content-Type: application/" + std::string(type) + "\r\n" +
+                        withLength(content.size())) +
+               content;
+    };
+    const char *render = "/api/velino-render";
+    const char *preview = "/api/velino-preview";
+    const char *form = "x-www-form-urlencoded";
+    const char *page = "default-src 'none'";
     const struct {
         const char *what;
         std::string bytes;
@@ -88,38 +94,19 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
         bool closes;
         const char *policy;
     } cases[] = {
-        {"declared length over the cap", putHead(withLength(kCap + 1)), 413, tooLarge, true,
-         nullptr},
-        {"over the cap with 100-continue",
-         putHead("Expect: 100-continue\r\n" + withLength(kCap + 1)), 413, tooLarge, true, nullptr},
-        {"body shorter than its length", putHead(withLength(body.size() + 100)) + body, 400,
-         QString::fromUtf8(texts::kIncompleteBody), true, nullptr},
-        {"body longer than its length", putHead(withLength(40)) + body, 400, truncated, false,
-         nullptr},
+        // clang-format off
+        {"declared length over the cap", putHead(withLength(kCap + 1)), 413, tooLarge, true, nullptr},
+        {"over the cap with 100-continue", putHead("Expect: 100-continue\r\n" + withLength(kCap + 1)), 413, tooLarge, true, nullptr},
+        {"body shorter than its length", putHead(withLength(body.size() + 100)) + body, 400, QString::fromUtf8(texts::kIncompleteBody), true, nullptr},
+        {"body longer than its length", putHead(withLength(40)) + body, 400, truncated, false, nullptr},
         {"no request line", "GARBAGE\r\n\r\n", 400, malformed, false, nullptr},
-        {"HTTP/9.9", "PUT /api/velino-sync HTTP/9.9\r\nHost: x\r\n\r\n", 400, malformed, false,
-         nullptr},
-        {"length not a number", "PUT /api/velino-sync HTTP/1.1\r\nContent-Length: abc\r\n\r\n", 400,
-         malformed, false, nullptr},
-        {"render",
-         head("POST", "/api/velino-render", json + withLength(render.size())) + render,
-         200,
-         {},
-         false,
-         "default-src 'none'"},
-        {"preview",
-         head("POST", "/api/velino-preview", form + withLength(state.size())) + state,
-         200,
-         {},
-         false,
-         "sandbox;"},
-        {"render over the cap",
-         head("POST", "/api/velino-render", json + withLength(large.size())) + large, 413, tooLarge,
-         false, "default-src 'none'"},
-        {"preview over the cap",
-         head("POST", "/api/velino-preview", form + withLength(large.size() + 6)) +
-             "state=" + large,
-         413, tooLarge, false, "default-src 'none'"},
+        {"HTTP/9.9", "PUT /api/velino-sync HTTP/9.9\r\nHost: x\r\n\r\n", 400, malformed, false, nullptr},
+        {"length not a number", "PUT /api/velino-sync HTTP/1.1\r\nContent-Length: abc\r\n\r\n", 400, malformed, false, nullptr},
+        {"render", post(render, "json", R"({"activePreset":"rdv"})"), 200, {}, false, page},
+        {"preview", post(preview, form, "state=%7B%22activePreset%22%3A%22rdv%22%7D"), 200, {}, false, "sandbox;"},
+        {"render over the cap", post(render, "json", large), 413, tooLarge, false, page},
+        {"preview over the cap", post(preview, form, "state=" + large), 413, tooLarge, false, page},
+        // clang-format on
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);

@@ -34,17 +34,6 @@ TEST(SqliteStorageTest, FolderAndFilesAreTheOwnersOnly) {
     }
 }
 
-TEST(SqliteStorageTest, UnknownAddressesAreRefusedInFrench) {
-    QString error;
-    EXPECT_EQ(makeSlotStore(QStringLiteral("mysql://x"), &error), nullptr);
-    EXPECT_TRUE(error.startsWith(QStringLiteral("Base de donnees invalide")))
-        << error.toStdString();
-    error.clear();
-    EXPECT_EQ(makeSlotStore(QStringLiteral("sqlite:"), &error), nullptr);
-    EXPECT_TRUE(error.startsWith(QStringLiteral("Base de donnees invalide")))
-        << error.toStdString();
-}
-
 TEST(RetentionSweeperTest, SweepsAtStartSlotsOlderThanTheRetention) {
     QTemporaryDir root;
     SqliteSlotStore store(root.filePath(QStringLiteral("sync.db")));

@@ -1,18 +1,11 @@
 #include "sync_server_process.h"
 
 #include <QDeadlineTimer>
-#include <QFile>
 #include <QUrl>
 
 #include <csignal>
 
 namespace velino::test {
-namespace {
-
-constexpr int kStartTimeoutMs = 15000;
-const QByteArray kReadyPrefix = "velino-sync-server: pret sur ";
-
-} // namespace
 
 SyncServerProcess::~SyncServerProcess() {
     if (process_.state() != QProcess::NotRunning)
@@ -26,24 +19,20 @@ bool SyncServerProcess::start(const QStringList &arguments, QString *error) {
     }
     process_.setStandardErrorFile(errorFile_.fileName());
     process_.start(QStringLiteral(VELINO_SYNC_SERVER_BINARY),
-                   arguments +
-                       QStringList{QStringLiteral("--listen"), QStringLiteral("127.0.0.1:0")});
-    QDeadlineTimer deadline(kStartTimeoutMs);
-    QByteArray line;
-    while (!deadline.hasExpired()) {
-        if (process_.canReadLine()) {
-            line = process_.readLine().trimmed();
-            break;
-        }
-        if (!process_.waitForReadyRead(int(deadline.remainingTime())))
-            break;
+                   arguments.contains(QStringLiteral("--listen"))
+                       ? arguments
+                       : arguments + QStringList{"--listen", "127.0.0.1:0"});
+    const QByteArray ready = "velino-sync-server: pret sur ";
+    QDeadlineTimer deadline(15000);
+    while (!process_.canReadLine() && process_.waitForReadyRead(int(deadline.remainingTime()))) {
     }
-    if (!line.startsWith(kReadyPrefix)) {
+    const QByteArray line = process_.readLine().trimmed();
+    if (!line.startsWith(ready)) {
         *error = QStringLiteral("no ready line (%1): %2")
                      .arg(QString::fromUtf8(line), QString::fromUtf8(errorOutput()));
         return false;
     }
-    baseUrl_ = QString::fromUtf8(line.mid(kReadyPrefix.size()));
+    baseUrl_ = QString::fromUtf8(line.mid(ready.size()));
     return true;
 }
 
@@ -56,19 +45,15 @@ void SyncServerProcess::killHard() {
     process_.waitForFinished(10000);
 }
 
-int SyncServerProcess::terminate(int timeoutMs) {
-    sendTerminate();
-    return waitForExit(timeoutMs);
-}
-
 void SyncServerProcess::sendTerminate() {
     ::kill(pid_t(process_.processId()), SIGTERM);
 }
 
 int SyncServerProcess::waitForExit(int timeoutMs) {
-    if (!process_.waitForFinished(timeoutMs) || process_.exitStatus() != QProcess::NormalExit)
-        return -1;
-    return process_.exitCode();
+    if (process_.state() != QProcess::NotRunning)
+        process_.waitForFinished(timeoutMs);
+    const bool exited = process_.state() == QProcess::NotRunning;
+    return exited && process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
 }
 
 QByteArray SyncServerProcess::errorOutput() {
@@ -77,22 +62,7 @@ QByteArray SyncServerProcess::errorOutput() {
 }
 
 QStringList plainHttpOn(const QString &databaseUrl) {
-    return {QStringLiteral("--plain-http"), QStringLiteral("--database"), databaseUrl,
-            QStringLiteral("--max-requests-per-minute"), QStringLiteral("0")};
-}
-
-ProgramRun runSyncServer(const QStringList &arguments) {
-    QProcess process;
-    process.start(QStringLiteral(VELINO_SYNC_SERVER_BINARY), arguments);
-    ProgramRun run;
-    if (!process.waitForFinished(15000)) {
-        process.kill();
-        process.waitForFinished();
-        return run;
-    }
-    run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    run.errorOutput = QString::fromUtf8(process.readAllStandardError());
-    return run;
+    return {"--plain-http", "--database", databaseUrl, "--max-requests-per-minute", "0"};
 }
 
 } // namespace velino::test

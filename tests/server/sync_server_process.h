@@ -1,29 +1,27 @@
 #pragma once
 
-#include <QByteArray>
 #include <QProcess>
-#include <QString>
 #include <QStringList>
 #include <QTemporaryFile>
 
 namespace velino::test {
 
-// The velino-sync-server program, started on a free port of 127.0.0.1.
+// The velino-sync-server program, on a free port of 127.0.0.1 unless told --listen.
 class SyncServerProcess {
 public:
     ~SyncServerProcess();
 
-    // Starts it with `arguments` and --listen 127.0.0.1:0, and waits for its ready line.
+    // Starts it with `arguments` and waits for its ready line; false when it does not come.
     bool start(const QStringList &arguments, QString *error);
     // As printed in the ready line: https://127.0.0.1:PORT or http://...
     QString baseUrl() const { return baseUrl_; }
     int port() const;
 
     void killHard();
-    // SIGTERM, then the exit code, or -1 when it does not exit normally in time.
-    int terminate(int timeoutMs = 10000);
     void sendTerminate();
+    // The exit code, or -1 when it does not exit normally in time.
     int waitForExit(int timeoutMs = 10000);
+    int terminate() { return sendTerminate(), waitForExit(); }
     // Everything the program wrote on its standard error so far.
     QByteArray errorOutput();
 
@@ -36,12 +34,5 @@ private:
 
 // Plain HTTP on the storage at `databaseUrl`, without a request ceiling.
 QStringList plainHttpOn(const QString &databaseUrl);
-
-// Runs the program to its end with `arguments`; its exit code and standard error.
-struct ProgramRun {
-    int exitCode = -1;
-    QString errorOutput;
-};
-ProgramRun runSyncServer(const QStringList &arguments);
 
 } // namespace velino::test

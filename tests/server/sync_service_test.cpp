@@ -86,64 +86,72 @@ TEST_F(SyncServiceTest, SlotsAreKeyedByTheHashSoTheDatabaseHoldsNoCode) {
     EXPECT_FALSE(everything.contains(kCode));
 }
 
-TEST_F(SyncServiceTest, HostileUploadsAreRefusedInFrenchAndStoreNothing) {
+HttpRequest lookup(const std::string &method, const std::string &path, const std::string &code) {
+    HttpRequest r = request(method, path);
+    if (!code.empty())
+        r.query = {{"code", code}};
+    return r;
+}
+
+// Hostile uploads, bad lookups, wrong methods and unknown addresses: refused with a French
+// sentence, nothing stored.
+TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
+    using Json = QJsonObject &;
     const QString badCode = text(texts::kInvalidCode);
+    const QString notAllowed = text(texts::kMethodNotAllowed);
+    const std::string sync = "/api/velino-sync";
     // An empty sentence stands for the desktop's own decoder's, word for word.
-    std::vector<std::tuple<std::string, std::string, int, QString>> cases = {
-        {"code of 15 characters", uploadBody(QStringLiteral("AB12CD34EF56GH7")), 400, badCode},
-        {"code of 65 characters", uploadBody(QString(65, u'A')), 400, badCode},
-        {"lower-case code", uploadBody(QStringLiteral("ab12-cd34ef56gh78")), 400, badCode},
-        {"accented code", uploadBody(QStringLiteral("ÉCOLE-CD34EF56GH78")), 400, badCode},
-        {"code with a blank", uploadBody(QStringLiteral("AB12 CD34EF56GH78")), 400, badCode},
-        {"upload without code", withUpload([](QJsonObject &u) { u.remove(u"code"); }), 400, {}},
-        {"null payload", withUpload([](QJsonObject &u) { u[u"payload"] = QJsonValue(); }), 400, {}},
-        {"code as a number",
-         withUpload([](QJsonObject &u) { u[u"code"] = 1234567890123456.0; }),
-         400,
-         {}},
-        {"version as text", withPayload([](QJsonObject &p) { p[u"version"] = "1"; }), 400, {}},
-        {"data as an array",
-         withPayload([](QJsonObject &p) { p[u"data"] = QJsonArray{}; }),
-         400,
-         {}},
-        {"unknown preset",
-         withPayload([](QJsonObject &p) { p[u"activePreset"] = "promo"; }),
-         400,
-         {}},
-        {"data field as a number",
-         withPayload([](QJsonObject &p) {
+    // clang-format off
+    std::vector<std::tuple<std::string, HttpRequest, int, QString>> cases = {
+        {"code of 15 characters", putRequest(uploadBody(QStringLiteral("AB12CD34EF56GH7"))), 400, badCode},
+        {"code of 65 characters", putRequest(uploadBody(QString(65, u'A'))), 400, badCode},
+        {"lower-case code", putRequest(uploadBody(QStringLiteral("ab12-cd34ef56gh78"))), 400, badCode},
+        {"accented code", putRequest(uploadBody(QStringLiteral("ÉCOLE-CD34EF56GH78"))), 400, badCode},
+        {"code with a blank", putRequest(uploadBody(QStringLiteral("AB12 CD34EF56GH78"))), 400, badCode},
+        {"upload without code", putRequest(withUpload([](Json u) { u.remove(u"code"); })), 400, {}},
+        {"null payload", putRequest(withUpload([](Json u) { u[u"payload"] = QJsonValue(); })), 400, {}},
+        {"code as a number", putRequest(withUpload([](Json u) { u[u"code"] = 1234567890123456.0; })), 400, {}},
+        {"version as text", putRequest(withPayload([](Json p) { p[u"version"] = "1"; })), 400, {}},
+        {"data as an array", putRequest(withPayload([](Json p) { p[u"data"] = QJsonArray{}; })), 400, {}},
+        {"unknown preset", putRequest(withPayload([](Json p) { p[u"activePreset"] = "promo"; })), 400, {}},
+        {"data field as a number", putRequest(withPayload([](Json p) {
              QJsonObject data = p[u"data"].toObject();
              data[u"subject"] = 3;
              p[u"data"] = data;
-         }),
-         400,
-         {}},
-        {"preset date with a fraction", withPreset("2026-01-01T10:00:00.250Z"), 400, {}},
-        {"body not JSON", "code=AB12-CD34EF56GH78", 400, {}},
-        {"empty body", "", 400, {}},
-        {"JSON array", "[]", 400, {}},
-        {"8 MiB + 1 bytes", std::string(8 * 1024 * 1024 + 1, ' '), 413,
-         text(texts::kBodyTooLarge).arg(8 * 1024 * 1024)},
+         })), 400, {}},
+        {"preset date with a fraction", putRequest(withPreset("2026-01-01T10:00:00.250Z")), 400, {}},
+        {"body not JSON", putRequest("code=AB12-CD34EF56GH78"), 400, {}},
+        {"empty body", putRequest(""), 400, {}},
+        {"JSON array", putRequest("[]"), 400, {}},
+        {"8 MiB + 1 bytes", putRequest(std::string(8 * 1024 * 1024 + 1, ' ')), 413, text(texts::kBodyTooLarge).arg(8 * 1024 * 1024)},
+        {"GET of a short code", lookup("GET", sync, "AB12CD34EF56GH7"), 400, badCode},
+        {"GET of a lower-case code", lookup("GET", sync, "ab12-cd34ef56gh78"), 400, badCode},
+        {"GET without code", lookup("GET", sync, ""), 400, badCode},
+        {"GET of an unknown code", lookup("GET", sync, kCode), 404, text(texts::kUnknownCode)},
+        {"DELETE", lookup("DELETE", sync, ""), 405, notAllowed},
+        {"POST", lookup("POST", sync, ""), 405, notAllowed},
+        {"HEAD", lookup("HEAD", sync, ""), 405, notAllowed},
+        {"PUT of the logo", lookup("PUT", "/photos/velino-logo.png", ""), 405, notAllowed},
+        {"GET of a rendering", lookup("GET", "/api/velino-render", ""), 405, notAllowed},
+        {"PUT of a preview", lookup("PUT", "/api/velino-preview", ""), 405, notAllowed},
+        {"POST of the page", lookup("POST", "/velino.html", ""), 405, notAllowed},
+        {"unknown address", lookup("GET", "/velino.php", ""), 404, text(texts::kUnknownAddress)},
     };
     for (const QString &key : defaultUpload().payload.toJson().keys()) {
-        cases.push_back({"payload without " + key.toStdString(),
-                         withPayload([&](QJsonObject &p) { p.remove(key); }),
-                         400,
-                         {}});
-        cases.push_back({"payload with " + key.toStdString() + " null",
-                         withPayload([&](QJsonObject &p) { p[key] = QJsonValue(); }),
-                         400,
-                         {}});
+        const std::string name = key.toStdString();
+        cases.push_back({"payload without " + name, putRequest(withPayload([&](Json p) { p.remove(key); })), 400, {}});
+        cases.push_back({"payload with " + name + " null", putRequest(withPayload([&](Json p) { p[key] = QJsonValue(); })), 400, {}});
     }
-    for (const auto &[what, body, status, sentence] : cases) {
+    // clang-format on
+    for (const auto &[what, r, status, sentence] : cases) {
         SCOPED_TRACE(what);
-        const HttpResponse answer = service->handle(putRequest(body));
+        const HttpResponse answer = service->handle(r);
         EXPECT_EQ(answer.status, status);
         EXPECT_EQ(answer.contentType, "application/json");
         QString expected = sentence;
         if (expected.isEmpty()) {
             ASSERT_FALSE(
-                decodeSyncRecord<VelinoSyncUpload>(QByteArray::fromStdString(body), &expected));
+                decodeSyncRecord<VelinoSyncUpload>(QByteArray::fromStdString(r.body), &expected));
         }
         EXPECT_FALSE(expected.isEmpty());
         EXPECT_EQ(errorText(answer.body), expected);
@@ -154,106 +162,63 @@ TEST_F(SyncServiceTest, HostileUploadsAreRefusedInFrenchAndStoreNothing) {
     EXPECT_EQ(store->count(), 0);
 }
 
-TEST_F(SyncServiceTest, BadLookupsWrongMethodsAndUnknownAddresses) {
-    const struct {
-        std::string method, path, code;
-        int status;
-        const char *text;
-    } cases[] = {
-        {"GET", "/api/velino-sync", "AB12CD34EF56GH7", 400, texts::kInvalidCode},
-        {"GET", "/api/velino-sync", "ab12-cd34ef56gh78", 400, texts::kInvalidCode},
-        {"GET", "/api/velino-sync", "", 400, texts::kInvalidCode},
-        {"GET", "/api/velino-sync", "AB12-CD34EF56GH78", 404, texts::kUnknownCode},
-        {"DELETE", "/api/velino-sync", "", 405, texts::kMethodNotAllowed},
-        {"POST", "/api/velino-sync", "", 405, texts::kMethodNotAllowed},
-        {"HEAD", "/api/velino-sync", "", 405, texts::kMethodNotAllowed},
-        {"PUT", "/photos/velino-logo.png", "", 405, texts::kMethodNotAllowed},
-        {"GET", "/velino.php", "", 404, texts::kUnknownAddress},
-        {"GET", "/api/velino-render", "", 405, texts::kMethodNotAllowed},
-        {"PUT", "/api/velino-preview", "", 405, texts::kMethodNotAllowed},
-        {"POST", "/velino.html", "", 405, texts::kMethodNotAllowed},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.method + ' ' + c.path + ' ' + c.code);
-        HttpRequest r = request(c.method, c.path);
-        if (!c.code.empty())
-            r.query = {{"code", c.code}};
-        const HttpResponse answer = service->handle(r);
-        EXPECT_EQ(answer.status, c.status);
-        EXPECT_EQ(errorText(answer.body), text(c.text));
-    }
-}
-
-// Ceilings per client address, over sync and rendering alike: a request `times` over, from
-// `peer` (forwarded for `forwarded` when not empty), each answered `status`.
+// Ceilings per client address, over sync and rendering alike. Each step sends a request
+// `times` from `peer` (forwarded for `forwardedFor` when not empty) to a service with
+// `perMinute` requests a minute at most, behind a trusted proxy when `proxy`: a new service
+// whenever these two change. "unknown" is a GET of a code with nothing stored, each time another.
 TEST_F(SyncServiceTest, CeilingsCountPerClientAddress) {
-    struct Step {
-        int times;
-        std::string kind, peer, forwarded;
-        int status;
-    };
     const struct {
-        const char *name;
         int perMinute;
-        bool trustProxy;
-        std::vector<Step> steps;
-        const char *refusal;
-    } scenarios[] = {
-        {"ten unknown codes",
-         1200,
-         false,
-         {{10, "unknown", "192.0.2.10", "", 404},
-          {1, "unknown", "192.0.2.10", "", 429},
-          {1, "unknown", "192.0.2.99", "", 404},
-          {1, "put", "192.0.2.10", "", 200}},
-         "Trop de tentatives : reessaie dans une minute."},
-        {"unknown codes behind a proxy",
-         1200,
-         true,
-         {{10, "unknown", "10.0.0.1", "198.51.100.7", 404},
-          {1, "unknown", "10.0.0.1", "203.0.113.9, 198.51.100.7", 429},
-          {1, "unknown", "10.0.0.1", "198.51.100.8", 404}},
-         texts::kTooManyLookups},
-        {"five requests",
-         5,
-         false,
-         {{5, "get", "192.0.2.10", "", 404},
-          {1, "get", "192.0.2.10", "", 429},
-          {1, "get", "192.0.2.11", "", 404}},
-         texts::kTooManyRequests},
-        {"rendering and sync together",
-         3,
-         false,
-         {{1, "render", "192.0.2.10", "", 200},
-          {1, "get", "192.0.2.10", "", 404},
-          {1, "render", "192.0.2.10", "", 200},
-          {1, "render", "192.0.2.10", "", 429},
-          {1, "render", "192.0.2.11", "", 200}},
-         texts::kTooManyRequests},
+        bool proxy;
+        int times;
+        std::string kind, peer, forwardedFor;
+        int status;
+    } steps[] = {
+        // clang-format off
+        {1200, false, 10, "unknown", "192.0.2.10", "", 404},
+        {1200, false, 1, "unknown", "192.0.2.10", "192.0.2.99", 429}, // an untrusted claim
+        {1200, false, 1, "unknown", "192.0.2.99", "", 404},
+        {1200, false, 1, "put", "192.0.2.10", "", 200},
+        {1200, true, 10, "unknown", "10.0.0.1", "198.51.100.7", 404},
+        {1200, true, 1, "unknown", "10.0.0.1", "203.0.113.9, 198.51.100.7", 429}, // the proxy's
+        {1200, true, 1, "unknown", "10.0.0.1", "198.51.100.8", 404},
+        {5, false, 5, "get", "192.0.2.10", "", 404},
+        {5, false, 1, "get", "192.0.2.10", "", 429},
+        {5, false, 1, "get", "192.0.2.11", "", 404},
+        {3, false, 1, "render", "192.0.2.10", "", 200},
+        {3, false, 1, "get", "192.0.2.10", "", 404},
+        {3, false, 1, "render", "192.0.2.10", "", 200},
+        {3, false, 1, "render", "192.0.2.10", "", 429},
+        {3, false, 1, "render", "192.0.2.11", "", 200},
+        // clang-format on
     };
     int unknown = 1000;
-    for (const auto &scenario : scenarios) {
-        SCOPED_TRACE(scenario.name);
-        config.requestsPerMinute = scenario.perMinute;
-        config.trustProxy = scenario.trustProxy;
-        remake();
-        for (const Step &step : scenario.steps) {
-            HttpRequest r =
-                step.kind == "put"
-                    ? putRequest(uploadBody(QStringLiteral("PUT-CODE-0000-0000")), step.peer)
-                : step.kind == "render" ? request("POST", "/api/velino-render",
-                                                  R"({"activePreset":"devis"})", step.peer)
-                                        : getRequest(kCode, step.peer);
-            if (!step.forwarded.empty())
-                r.headers["x-forwarded-for"] = step.forwarded;
-            for (int n = 0; n < step.times; ++n) {
-                if (step.kind == "unknown")
-                    r.query = {{"code", "UNKNOWN-CODE-" + std::to_string(++unknown)}};
-                const HttpResponse answer = service->handle(r);
-                EXPECT_EQ(answer.status, step.status) << step.kind << ' ' << step.peer << ' ' << n;
-                if (answer.status == 429) {
-                    EXPECT_EQ(errorText(answer.body), text(scenario.refusal));
-                }
+    for (const auto &step : steps) {
+        SCOPED_TRACE(testing::Message()
+                     << step.perMinute << (step.proxy ? " proxy " : " ") << step.kind << ' '
+                     << step.peer << ' ' << step.forwardedFor);
+        if (step.perMinute != config.requestsPerMinute || step.proxy != config.trustProxy) {
+            config.requestsPerMinute = step.perMinute;
+            config.trustProxy = step.proxy;
+            remake();
+        }
+        HttpRequest r =
+            step.kind == "put"
+                ? putRequest(uploadBody(QStringLiteral("PUT-CODE-0000-0000")), step.peer)
+            : step.kind == "render"
+                ? request("POST", "/api/velino-render", R"({"activePreset":"devis"})", step.peer)
+                : getRequest(kCode, step.peer);
+        if (!step.forwardedFor.empty())
+            r.headers["x-forwarded-for"] = step.forwardedFor;
+        for (int n = 0; n < step.times; ++n) {
+            if (step.kind == "unknown")
+                r.query = {{"code", "UNKNOWN-CODE-" + std::to_string(++unknown)}};
+            const HttpResponse answer = service->handle(r);
+            EXPECT_EQ(answer.status, step.status) << n;
+            if (answer.status == 429) {
+                EXPECT_EQ(errorText(answer.body),
+                          step.kind == "unknown" ? "Trop de tentatives : reessaie dans une minute."
+                                                 : "Trop de requetes : reessaie dans une minute.");
             }
         }
     }
