@@ -3,6 +3,7 @@
 #include "sync_server_process.h"
 
 #include <QFile>
+#include <QSslSocket>
 
 using namespace velino;
 using namespace velino::test;
@@ -14,9 +15,9 @@ bool writeFile(const QString &path, const QByteArray &bytes) {
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
-// The desktop's own ComposerStore against the real velino-sync-server over HTTPS, its
-// certificate made by openssl for this run and trusted through the store's services only.
-class DesktopAgainstServerTest : public TlsStoreTest {
+// The real velino-sync-server over HTTPS, its certificate made by openssl for this run and
+// trusted through the desktop store's services only.
+class HttpsProgramTest : public TlsStoreTest {
 protected:
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(TlsStoreTest::SetUp());
@@ -64,7 +65,7 @@ protected:
     SyncServerProcess server;
 };
 
-TEST_F(DesktopAgainstServerTest, PushedRecordIsPulledByAnotherDesktop) {
+TEST_F(HttpsProgramTest, PushedRecordIsPulledByAnotherDesktop) {
     const QString code = QString::fromLatin1(kCode);
     auto sender = sync(
         "sender", code, true, u"Brouillon envoye vers l'iPhone \u00b7 ", [](ComposerStore &store) {
@@ -94,6 +95,45 @@ TEST_F(DesktopAgainstServerTest, PushedRecordIsPulledByAnotherDesktop) {
     EXPECT_TRUE(log.contains("GET /api/velino-sync 404 ")) << log.toStdString();
     for (const char *secret : {kCode, "ZZZZ-9999", "Lea Martin"})
         EXPECT_FALSE(log.contains(secret)) << secret;
+}
+
+// TLS 1.2 and 1.3 over kept-alive connections; a header line without end loses its
+// connection (64 MiB would be held in the server's memory if it kept reading), while
+// several kilobytes of headers still pass.
+TEST_F(HttpsProgramTest, SpeaksTls12And13AndCutsEndlessHeaders) {
+    const auto connect = [&](QSsl::SslProtocol protocol) {
+        auto socket = std::make_unique<QSslSocket>();
+        QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+        tls.setCaCertificates({identity_->caCertificate});
+        tls.setProtocol(protocol);
+        socket->setSslConfiguration(tls);
+        socket->connectToHostEncrypted(QStringLiteral("127.0.0.1"), quint16(server.port()));
+        EXPECT_TRUE(socket->waitForEncrypted(5000)) << socket->errorString().toStdString();
+        EXPECT_EQ(socket->sessionProtocol(), protocol);
+        return socket;
+    };
+    const auto healthy = [](QSslSocket &socket, const QByteArray &padding = {}) {
+        socket.write("GET /healthz HTTP/1.1\r\nHost: 127.0.0.1\r\nX-Pad: " + padding + "\r\n\r\n");
+        QByteArray answer;
+        while (!answer.contains("\r\n\r\nok") && socket.waitForReadyRead(5000))
+            answer += socket.readAll();
+        return answer.startsWith("HTTP/1.1 200 OK");
+    };
+    for (const QSsl::SslProtocol protocol : {QSsl::TlsV1_2, QSsl::TlsV1_3}) {
+        auto socket = connect(protocol);
+        EXPECT_TRUE(healthy(*socket));
+        EXPECT_TRUE(healthy(*socket));
+    }
+    auto socket = connect(QSsl::TlsV1_3);
+    socket->write("GET /healthz HTTP/1.1\r\nHost: 127.0.0.1\r\nX-Long: ");
+    int sent = 0;
+    while (sent < 1024 && socket->state() == QAbstractSocket::ConnectedState) {
+        socket->write(QByteArray(64 * 1024, 'a'));
+        socket->waitForBytesWritten(2000);
+        ++sent;
+    }
+    EXPECT_LT(sent, 1024);
+    EXPECT_TRUE(healthy(*connect(QSsl::TlsV1_2), QByteArray(6000, 'b')));
 }
 
 TEST(SyncServerProgramTest, RefusesToStartWithoutAWayToProtectConnectionsOrAPort) {

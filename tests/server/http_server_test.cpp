@@ -1,6 +1,5 @@
-#include "http_server_fixture.h"
 #include "raw_http_client.h"
-#include "server_test_records.h"
+#include "service_fixture.h"
 #include "sync_texts.h"
 
 #include <gtest/gtest.h>
@@ -28,18 +27,20 @@ std::string withLength(qint64 length) {
 
 // The HTTP layer on a real socket (plain HTTP on a free port of 127.0.0.1) with a small body
 // cap, cutting clients after one second without progress instead of thirty.
-class HttpServerTest : public HttpServerFixture {
+class HttpServerTest : public ServiceFixture {
 protected:
     void SetUp() override {
-        SyncServiceConfig config;
+        ASSERT_NO_FATAL_FAILURE(ServiceFixture::SetUp());
         config.maxBodyBytes = kCap;
+        config.log = [](const std::string &) {};
+        remake();
         HttpServerOptions options;
         options.port = 0;
         options.plainHttp = true;
         options.ioTimeout = 1s;
         options.keepAliveIdle = 1s;
         options.threads = 8;
-        ASSERT_NO_FATAL_FAILURE(startServer(config, options));
+        ASSERT_NO_FATAL_FAILURE(serve(options));
     }
 
     int port() const { return server->port(); }

@@ -1,11 +1,8 @@
 #include "postgres_schema.h"
 #include "test_storage.h"
 
-#include <QCryptographicHash>
 #include <QElapsedTimer>
 #include <QProcess>
-
-#include <gtest/gtest.h>
 
 #include <thread>
 
@@ -14,15 +11,6 @@ using namespace velino::test;
 using Status = SlotStore::Status;
 
 namespace {
-
-QByteArray keyOf(int n) {
-    return QCryptographicHash::hash(QByteArray::number(n), QCryptographicHash::Sha256);
-}
-
-StoredSlot slotOf(int n) {
-    return {QDateTime::fromSecsSinceEpoch(1'700'000'000 + n, Qt::UTC),
-            "{\"n\":" + QByteArray::number(n) + "}"};
-}
 
 class PostgresSlotStoreTest : public ::testing::Test {
 protected:
@@ -34,25 +22,16 @@ protected:
 class PrivateCluster {
 public:
     PrivateCluster() {
-        m_script.start(
-            QStringLiteral(VELINO_SOURCE_DIR "/scripts/with-test-postgres"),
-            {"sh", "-c",
-             "printf '%s\\n' \"$VELINO_TEST_POSTGRES_URL\" \"$VELINO_TEST_POSTGRES_CTL\" "
-             "\"$PGPASSFILE\"; exec cat >/dev/null"});
-        QByteArray output;
-        QElapsedTimer timer;
-        timer.start();
-        while (output.count('\n') < 4 && timer.elapsed() < 60000 &&
-               m_script.state() != QProcess::NotRunning) {
-            m_script.waitForReadyRead(1000);
-            output += m_script.readAllStandardOutput();
-        }
-        // The first line is the script's own note.
-        m_lines = output.split('\n');
-        if (m_lines.size() < 4)
-            m_lines = {output + m_script.readAllStandardError()};
-        else
-            qputenv("PGPASSFILE", m_lines[3]);
+        m_script.start(QStringLiteral(VELINO_SOURCE_DIR "/scripts/with-test-postgres"),
+                       {"sh", "-c",
+                        "echo \"$VELINO_TEST_POSTGRES_URL $VELINO_TEST_POSTGRES_CTL $PGPASSFILE\"; "
+                        "exec cat >/dev/null"});
+        // The script's own note comes first.
+        while (m_output.count('\n') < 2 && m_script.waitForReadyRead(60000))
+            m_output += m_script.readAllStandardOutput();
+        m_parts = m_output.split('\n').value(1).split(' ');
+        if (started())
+            qputenv("PGPASSFILE", m_parts[2]);
     }
     ~PrivateCluster() {
         m_script.closeWriteChannel();
@@ -61,20 +40,21 @@ public:
         qputenv("PGPASSFILE", m_previousPassFile);
     }
 
-    bool started() const { return m_lines.size() >= 4; }
-    QString url() const { return QString::fromUtf8(m_lines.value(1)); }
-    QString log() const { return QString::fromUtf8(m_lines.value(0)); }
+    bool started() const { return m_parts.size() == 3; }
+    QString log() { return QString::fromUtf8(m_output + m_script.readAllStandardError()); }
+    QString url() const { return QString::fromUtf8(m_parts[0]); }
     // pg_ctl on the cluster: "restart", "stop" or "start", with the given shutdown mode.
     bool control(const QString &action, const QString &mode = QStringLiteral("fast")) {
         QProcess pgCtl;
-        pgCtl.start(QString::fromUtf8(m_lines[2]), {action, "-w", "-t", "60", "-m", mode});
+        pgCtl.start(QString::fromUtf8(m_parts[1]), {action, "-w", "-t", "60", "-m", mode});
         return pgCtl.waitForFinished(60000) && pgCtl.exitStatus() == QProcess::NormalExit &&
                pgCtl.exitCode() == 0;
     }
 
 private:
     QProcess m_script;
-    QList<QByteArray> m_lines;
+    QByteArray m_output;
+    QList<QByteArray> m_parts;
     QByteArray m_previousPassFile = qgetenv("PGPASSFILE");
 };
 
@@ -98,6 +78,7 @@ TEST_F(PostgresSlotStoreTest, OpenUpgradesOlderSchemasOnceAndLeavesNewerOnesAlon
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
         ScratchStorage storage("postgresql");
+        ASSERT_TRUE(storage.error().isEmpty()) << storage.error().toStdString();
         PostgresSession session(storage.url());
         ASSERT_TRUE(session.run(c.setUp)) << session.lastError().toStdString();
         auto store = storage.makeStore();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "http_server.h"
 #include "server_test_records.h"
 #include "sqlite_slot_store.h"
 #include "sync_service.h"
@@ -9,10 +10,12 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 namespace velino::test {
 
 // A service on a real SQLite file, with its clock and log in the test's hands; tests that
-// change `config` call remake().
+// change `config` call remake(), and serve() puts it behind the HTTP layer on its own thread.
 class ServiceFixture : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -25,8 +28,22 @@ protected:
         remake();
     }
 
+    void TearDown() override {
+        if (server)
+            server->stop();
+        if (runner.joinable())
+            runner.join();
+    }
+
     void remake() { service = std::make_unique<server::SyncService>(*store, config); }
     QString databasePath() const { return folder.filePath(QStringLiteral("sync.db")); }
+
+    void serve(const server::HttpServerOptions &options) {
+        server = std::make_unique<server::HttpServer>(*service, options);
+        QString error;
+        ASSERT_TRUE(server->bind(&error)) << error.toStdString();
+        runner = std::thread([this] { server->run(); });
+    }
 
     QTemporaryDir folder;
     std::unique_ptr<server::SqliteSlotStore> store;
@@ -34,6 +51,8 @@ protected:
     std::unique_ptr<server::SyncService> service;
     QDateTime now = QDateTime(QDate(2026, 6, 5), QTime(8, 15, 0, 734), QTimeZone::utc());
     std::vector<std::string> logLines;
+    std::unique_ptr<server::HttpServer> server;
+    std::thread runner;
 };
 
 } // namespace velino::test

@@ -1,12 +1,5 @@
 #include "test_storage.h"
 
-#include <QCryptographicHash>
-#include <QElapsedTimer>
-#include <QFile>
-#include <QTimeZone>
-
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <thread>
 
@@ -15,14 +8,6 @@ using namespace velino::test;
 using Status = SlotStore::Status;
 
 namespace {
-
-QByteArray keyOf(int n) {
-    return QCryptographicHash::hash(QByteArray::number(n), QCryptographicHash::Sha256);
-}
-
-QDateTime at(qint64 secondsSinceEpoch) {
-    return QDateTime::fromSecsSinceEpoch(secondsSinceEpoch, QTimeZone::utc());
-}
 
 // The same behaviour from every engine, each test on fresh storage.
 class SlotStoreContract : public ::testing::TestWithParam<std::string> {
@@ -38,45 +23,43 @@ protected:
     std::unique_ptr<SlotStore> store;
 };
 
-TEST_P(SlotStoreContract, PutThenGetReplaceAndNotFound) {
+TEST_P(SlotStoreContract, PutGetReplaceSweepAndReopen) {
     StoredSlot slot;
     EXPECT_EQ(store->get(keyOf(1), slot), Status::NotFound);
     EXPECT_EQ(store->count(), 0);
-
     // Payload bytes come back exactly, even those no text column would keep.
-    const QByteArray first = QByteArray("{\"t\":\"\xC3\xA9 \\u0000\"}\n") + '\0' + "\xFF";
-    ASSERT_EQ(store->put(keyOf(1), {at(1'780'000'000), first}), Status::Ok);
+    const QByteArray bytes = QByteArray("{\"t\":\"\xC3\xA9 \\u0000\"}\n") + '\0' + "\xFF";
+    ASSERT_EQ(store->put(keyOf(1), {at(1000), bytes}), Status::Ok);
     ASSERT_EQ(store->get(keyOf(1), slot), Status::Ok);
-    EXPECT_EQ(slot.payloadJson, first);
-    EXPECT_EQ(slot.updatedAt, at(1'780'000'000));
+    EXPECT_EQ(slot.payloadJson, bytes);
+    EXPECT_EQ(slot.updatedAt, at(1000));
     EXPECT_EQ(slot.updatedAt.offsetFromUtc(), 0);
 
-    // Last writer wins, other keys untouched.
-    ASSERT_EQ(store->put(keyOf(2), {at(1'780'000'005), "{\"b\":2}"}), Status::Ok);
-    ASSERT_EQ(store->put(keyOf(1), {at(1'780'000'010), "{\"a\":3}"}), Status::Ok);
+    // Last writer wins, other keys untouched; rewriting a slot makes it young again.
+    ASSERT_EQ(store->put(keyOf(2), {at(2000), "{\"b\":2}"}), Status::Ok);
+    ASSERT_EQ(store->put(keyOf(3), {at(3000), "{}"}), Status::Ok);
+    ASSERT_EQ(store->put(keyOf(1), {at(4000), "{\"a\":3}"}), Status::Ok);
     ASSERT_EQ(store->get(keyOf(1), slot), Status::Ok);
     EXPECT_EQ(slot.payloadJson, "{\"a\":3}");
-    EXPECT_EQ(slot.updatedAt, at(1'780'000'010));
+    EXPECT_EQ(slot.updatedAt, at(4000));
     ASSERT_EQ(store->get(keyOf(2), slot), Status::Ok);
     EXPECT_EQ(slot.payloadJson, "{\"b\":2}");
-    EXPECT_EQ(store->count(), 2);
-    EXPECT_EQ(store->get(keyOf(3), slot), Status::NotFound);
+    EXPECT_EQ(store->count(), 3);
+    EXPECT_EQ(store->get(keyOf(4), slot), Status::NotFound);
     EXPECT_TRUE(store->isHealthy());
-}
-
-TEST_P(SlotStoreContract, SweepDeletesOnlySlotsWrittenBeforeTheCutoff) {
-    for (const int n : {1, 2, 3})
-        ASSERT_EQ(store->put(keyOf(n), {at(n * 1000), "{}"}), Status::Ok);
-    // Rewriting a slot makes it young again.
-    ASSERT_EQ(store->put(keyOf(1), {at(4000), "{}"}), Status::Ok);
 
     EXPECT_EQ(store->deleteWrittenBefore(at(3000)), 1); // slot 2 only; 3 is exactly at the cutoff
-    StoredSlot slot;
     EXPECT_EQ(store->get(keyOf(2), slot), Status::NotFound);
-    EXPECT_EQ(store->get(keyOf(3), slot), Status::Ok);
-    EXPECT_EQ(store->get(keyOf(1), slot), Status::Ok);
-    EXPECT_EQ(store->count(), 2);
     EXPECT_EQ(store->deleteWrittenBefore(at(3000)), 0);
+
+    store.reset();
+    const std::unique_ptr<SlotStore> reopened = storage.makeStore();
+    ASSERT_TRUE(reopened->open());
+    EXPECT_EQ(reopened->count(), 2);
+    ASSERT_EQ(reopened->get(keyOf(1), slot), Status::Ok);
+    EXPECT_EQ(slot.payloadJson, "{\"a\":3}");
+    EXPECT_EQ(slot.updatedAt, at(4000));
+    EXPECT_EQ(reopened->get(keyOf(3), slot), Status::Ok);
 }
 
 // Several stores (as several server processes would) open the same empty storage at once,
@@ -100,8 +83,7 @@ TEST_P(SlotStoreContract, StoresOnOneStorageActAsOneService) {
     constexpr int kWritesEach = 20;
     // Each payload names its writer and write: a reader can check it against the time.
     const auto write = [](int writer, int index) {
-        return StoredSlot{at(1'700'000'000 + writer * 1000 + index),
-                          QByteArray::number(writer * 1000 + index)};
+        return StoredSlot{at(writer * 1000 + index), QByteArray::number(writer * 1000 + index)};
     };
     std::atomic<int> failures = 0;
     std::atomic<int> tornReads = 0;
@@ -118,9 +100,8 @@ TEST_P(SlotStoreContract, StoresOnOneStorageActAsOneService) {
     std::thread reader([&] {
         StoredSlot read;
         while (writing) {
-            if (stores[0]->get(keyOf(-1), read) == Status::Ok &&
-                read.updatedAt.toSecsSinceEpoch() - 1'700'000'000 != read.payloadJson.toInt())
-                ++tornReads;
+            tornReads += stores[0]->get(keyOf(-1), read) == Status::Ok &&
+                         read.updatedAt.toSecsSinceEpoch() != read.payloadJson.toInt();
         }
     });
     for (std::thread &thread : threads)
@@ -140,55 +121,7 @@ TEST_P(SlotStoreContract, StoresOnOneStorageActAsOneService) {
     EXPECT_EQ(read.payloadJson.toInt() % 1000, kWritesEach - 1) << "the last write of a writer";
 }
 
-TEST_P(SlotStoreContract, ReopeningKeepsTheData) {
-    ASSERT_EQ(store->put(keyOf(7), {at(1'780'000'000), "{\"kept\":true}"}), Status::Ok);
-    store.reset();
-    const std::unique_ptr<SlotStore> reopened = storage.makeStore();
-    ASSERT_TRUE(reopened->open());
-    StoredSlot slot;
-    ASSERT_EQ(reopened->get(keyOf(7), slot), Status::Ok);
-    EXPECT_EQ(slot.payloadJson, "{\"kept\":true}");
-    EXPECT_EQ(slot.updatedAt, at(1'780'000'000));
-    EXPECT_EQ(reopened->count(), 1);
-}
-
 INSTANTIATE_TEST_SUITE_P(Engines, SlotStoreContract, ::testing::Values("sqlite", "postgresql"),
                          [](const auto &info) { return info.param; });
-
-TEST(UnopenableSlotStoreTest, EveryCallIsUnavailableAtOnce) {
-    QTemporaryDir folder;
-    QFile blocker(folder.filePath(QStringLiteral("not-a-folder")));
-    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
-    const struct {
-        const char *what;
-        QString url;
-        const char *password;
-    } cases[] = {
-        {"sqlite under a file", "sqlite:" + blocker.fileName() + "/sync.db", nullptr},
-        {"no postgresql server", "postgresql://velino@/sync?host=/nonexistent/velino", nullptr},
-        {"wrong postgresql password", testPostgresUrl(), "not-the-password"},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.what);
-        if (c.url.isEmpty())
-            continue; // no test cluster
-        if (c.password)
-            qputenv("PGPASSWORD", c.password);
-        QString error;
-        const auto store = makeSlotStore(c.url, &error);
-        ASSERT_TRUE(store) << error.toStdString();
-        QElapsedTimer timer;
-        timer.start();
-        StoredSlot slot;
-        EXPECT_FALSE(store->open());
-        EXPECT_EQ(store->put(keyOf(1), {at(1), "{}"}), Status::Unavailable);
-        EXPECT_EQ(store->get(keyOf(1), slot), Status::Unavailable);
-        EXPECT_EQ(store->count(), std::nullopt);
-        EXPECT_EQ(store->deleteWrittenBefore(at(2)), std::nullopt);
-        EXPECT_FALSE(store->isHealthy());
-        EXPECT_LT(timer.elapsed(), 3000);
-        qunsetenv("PGPASSWORD");
-    }
-}
 
 } // namespace

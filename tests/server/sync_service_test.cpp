@@ -1,7 +1,9 @@
 #include "service_fixture.h"
 #include "sync_code.h"
 #include "sync_texts.h"
+#include "test_storage.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QJsonArray>
 
@@ -182,6 +184,9 @@ TEST_F(SyncServiceTest, CeilingsCountPerClientAddress) {
         {1200, true, 10, "unknown", "10.0.0.1", "198.51.100.7", 404},
         {1200, true, 1, "unknown", "10.0.0.1", "203.0.113.9, 198.51.100.7", 429}, // the proxy's
         {1200, true, 1, "unknown", "10.0.0.1", "198.51.100.8", 404},
+        {1200, true, 10, "unknown", "10.0.0.2", "", 404}, // no header: the peer's own
+        {1200, true, 1, "unknown", "10.0.0.2", "", 429},
+        {1200, true, 1, "unknown", "10.0.0.3", "", 404},
         {5, false, 5, "get", "192.0.2.10", "", 404},
         {5, false, 1, "get", "192.0.2.10", "", 429},
         {5, false, 1, "get", "192.0.2.11", "", 404},
@@ -224,28 +229,45 @@ TEST_F(SyncServiceTest, CeilingsCountPerClientAddress) {
     }
 }
 
-TEST_F(SyncServiceTest, ClientAddressFromForwardedForOnlyWhenTrusted) {
-    HttpRequest r = getRequest(kCode, "10.0.0.1");
-    r.headers["x-forwarded-for"] = "203.0.113.9, 198.51.100.7";
-    EXPECT_EQ(service->clientAddressOf(r), "10.0.0.1");
-    config.trustProxy = true;
-    remake();
-    // The address the proxy appended, not what the client claimed before it.
-    EXPECT_EQ(service->clientAddressOf(r), "198.51.100.7");
-    r.headers.erase("x-forwarded-for");
-    EXPECT_EQ(service->clientAddressOf(r), "10.0.0.1");
-}
-
-TEST_F(SyncServiceTest, StorageUnavailableAnswers503) {
+// Storage that cannot be reached: every store call says so at once, and the service answers
+// 503 with the reason in French while a healthy one answers "ok".
+TEST_F(SyncServiceTest, UnreachableStorageAnswers503AtOnce) {
     QFile blocker(folder.filePath(QStringLiteral("not-a-folder")));
     ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
-    SqliteSlotStore unavailable(blocker.fileName() + QStringLiteral("/sync.db"));
-    SyncService down(unavailable, config);
-    const HttpResponse put = down.handle(putRequest(uploadBody()));
-    EXPECT_EQ(put.status, 503);
-    EXPECT_EQ(errorText(put.body), text(texts::kStorageUnavailable));
-    EXPECT_EQ(down.handle(getRequest(kCode)).status, 503);
-    EXPECT_EQ(down.handle(request("GET", "/healthz")).status, 503);
+    const struct {
+        const char *what;
+        QString url;
+        const char *password;
+    } cases[] = {
+        {"sqlite under a file", "sqlite:" + blocker.fileName() + "/sync.db", nullptr},
+        {"no postgresql server", "postgresql://velino@/sync?host=/nonexistent/velino", nullptr},
+        {"wrong postgresql password", testPostgresUrl(), "not-the-password"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.what);
+        if (c.url.isEmpty())
+            continue; // no test cluster
+        if (c.password)
+            qputenv("PGPASSWORD", c.password);
+        QString error;
+        const auto unreachable = makeSlotStore(c.url, &error);
+        ASSERT_TRUE(unreachable) << error.toStdString();
+        QElapsedTimer timer;
+        timer.start();
+        StoredSlot slot;
+        EXPECT_FALSE(unreachable->open());
+        EXPECT_EQ(unreachable->get(keyOf(1), slot), SlotStore::Status::Unavailable);
+        EXPECT_EQ(unreachable->count(), std::nullopt);
+        EXPECT_EQ(unreachable->deleteWrittenBefore(at(2)), std::nullopt);
+        SyncService down(*unreachable, config);
+        const HttpResponse put = down.handle(putRequest(uploadBody()));
+        EXPECT_EQ(put.status, 503);
+        EXPECT_EQ(errorText(put.body), text(texts::kStorageUnavailable));
+        EXPECT_EQ(down.handle(getRequest(kCode)).status, 503);
+        EXPECT_EQ(down.handle(request("GET", "/healthz")).status, 503);
+        EXPECT_LT(timer.elapsed(), 3000);
+        qunsetenv("PGPASSWORD");
+    }
     const HttpResponse health = service->handle(request("GET", "/healthz"));
     EXPECT_EQ(health.status, 200);
     EXPECT_EQ(health.body, "ok");

@@ -1,7 +1,5 @@
 #include "test_storage.h"
 
-#include "postgres_url.h"
-
 #include <QUuid>
 
 #include <libpq-fe.h>
@@ -12,25 +10,24 @@ QString testPostgresUrl() {
     return qEnvironmentVariable("VELINO_TEST_POSTGRES_URL");
 }
 
-ScratchStorage::ScratchStorage(const std::string &engine) : m_clusterUrl(testPostgresUrl()) {
+ScratchStorage::ScratchStorage(const std::string &engine) {
     if (engine == "sqlite") {
         m_url = QStringLiteral("sqlite:") + m_folder.filePath(QStringLiteral("slots/sync.db"));
         return;
     }
-    if (m_clusterUrl.isEmpty()) {
-        m_error = QStringLiteral("VELINO_TEST_POSTGRES_URL not set (scripts/with-test-postgres)");
+    if (testPostgresUrl().isEmpty())
         return;
-    }
     const QString name =
         QStringLiteral("velino_scratch_") + QUuid::createUuid().toString(QUuid::Id128).left(16);
-    const qsizetype queryStart = m_clusterUrl.indexOf(u'?');
-    const QString base = m_clusterUrl.left(queryStart);
-    m_url = base.left(base.lastIndexOf(u'/') + 1) + name +
-            (queryStart < 0 ? QString() : m_clusterUrl.mid(queryStart));
-    PostgresSession admin(m_clusterUrl);
+    PostgresSession admin(testPostgresUrl());
     if (admin.run("CREATE DATABASE " + name.toUtf8()) &&
         admin.run("ALTER DATABASE " + name.toUtf8() + " SET timezone = 'Pacific/Kiritimati'")) {
         m_databaseName = name;
+        // The cluster's address with this database instead of its own.
+        const QString cluster = testPostgresUrl();
+        const qsizetype query = cluster.indexOf(u'?');
+        m_url = cluster.left(cluster.lastIndexOf(u'/', query) + 1) + name +
+                (query < 0 ? QString() : cluster.mid(query));
     } else {
         m_error = admin.lastError();
     }
@@ -38,7 +35,7 @@ ScratchStorage::ScratchStorage(const std::string &engine) : m_clusterUrl(testPos
 
 ScratchStorage::~ScratchStorage() {
     if (!m_databaseName.isEmpty())
-        PostgresSession(m_clusterUrl)
+        PostgresSession(testPostgresUrl())
             .run("DROP DATABASE IF EXISTS " + m_databaseName.toUtf8() + " WITH (FORCE)");
 }
 
@@ -47,19 +44,8 @@ std::unique_ptr<server::SlotStore> ScratchStorage::makeStore() const {
     return server::makeSlotStore(m_url, &error);
 }
 
-PostgresSession::PostgresSession(const QString &url) {
-    const auto parameters = server::parsePostgresUrl(url, &m_lastError);
-    if (!parameters)
-        return;
-    std::vector<const char *> keywords;
-    std::vector<const char *> values;
-    for (const auto &[keyword, value] : *parameters) {
-        keywords.push_back(keyword.constData());
-        values.push_back(value.constData());
-    }
-    keywords.push_back(nullptr);
-    values.push_back(nullptr);
-    m_connection = PQconnectdbParams(keywords.data(), values.data(), 0);
+PostgresSession::PostgresSession(const QString &url)
+    : m_connection(PQconnectdb(url.toUtf8().constData())) {
     if (PQstatus(m_connection) != CONNECTION_OK)
         m_lastError = QString::fromUtf8(PQerrorMessage(m_connection));
 }
@@ -69,7 +55,7 @@ PostgresSession::~PostgresSession() {
 }
 
 std::optional<QByteArray> PostgresSession::run(const QByteArray &sql) {
-    if (!m_connection || PQstatus(m_connection) != CONNECTION_OK)
+    if (PQstatus(m_connection) != CONNECTION_OK)
         return std::nullopt;
     PGresult *result = PQexec(m_connection, sql.constData());
     const ExecStatusType status = PQresultStatus(result);

@@ -2,7 +2,9 @@
 
 #include "slot_store.h"
 
+#include <QCryptographicHash>
 #include <QTemporaryDir>
+#include <QTimeZone>
 
 #include <optional>
 #include <string>
@@ -21,13 +23,22 @@ QString testPostgresUrl();
             GTEST_SKIP() << "VELINO_TEST_POSTGRES_URL not set (scripts/with-test-postgres)";       \
     } while (false)
 
+// The key of slot `n` and a slot written `n` seconds after 2023-11-14 22:13:20 UTC.
+inline QByteArray keyOf(int n) {
+    return QCryptographicHash::hash(QByteArray::number(n), QCryptographicHash::Sha256);
+}
+inline QDateTime at(qint64 secondsSinceEpoch) {
+    return QDateTime::fromSecsSinceEpoch(secondsSinceEpoch, QTimeZone::utc());
+}
+inline server::StoredSlot slotOf(int n) {
+    return {at(1'700'000'000 + n), "{\"n\":" + QByteArray::number(n) + "}"};
+}
+
 // Empty storage of one engine, removed with the object: a SQLite file in a folder of its own,
 // or a database of its own on the test cluster whose time zone is far from UTC.
 class ScratchStorage {
 public:
     explicit ScratchStorage(const std::string &engine);
-    ScratchStorage(const ScratchStorage &) = delete;
-    ScratchStorage &operator=(const ScratchStorage &) = delete;
     ~ScratchStorage();
 
     QString error() const { return m_error; }
@@ -38,7 +49,6 @@ public:
 
 private:
     QTemporaryDir m_folder;
-    QString m_clusterUrl;
     QString m_databaseName;
     QString m_url;
     QString m_error;
@@ -48,8 +58,6 @@ private:
 class PostgresSession {
 public:
     explicit PostgresSession(const QString &url);
-    PostgresSession(const PostgresSession &) = delete;
-    PostgresSession &operator=(const PostgresSession &) = delete;
     ~PostgresSession();
 
     QString lastError() const { return m_lastError; }
