@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QByteArray>
+
 #include <chrono>
 #include <map>
 #include <optional>
@@ -30,17 +32,15 @@ public:
     // An ordinary request (a JSON body unless GET) and its answer.
     std::optional<RawHttpAnswer> exchange(const std::string &method, const std::string &target,
                                           const std::string &body = {});
-    // True when the server closes the connection (end of stream or reset) within `timeout`,
-    // whatever it sent before.
+    // True when the server closes the connection within `timeout`, whatever it sent before.
     bool closedWithin(std::chrono::milliseconds timeout);
 
 private:
-    int fd_ = -1;
-    std::string buffer_;
-};
+    // Reads what has come within `timeout`; false when nothing came or the stream ended.
+    bool receive(std::chrono::milliseconds timeout);
 
-// exchange() on a fresh connection.
-std::optional<RawHttpAnswer> rawRequest(int port, const std::string &method,
-                                        const std::string &target, const std::string &body = {});
+    int fd_ = -1;
+    QByteArray buffer_;
+};
 
 } // namespace velino::test

@@ -39,7 +39,8 @@ std::optional<QString> put(RawHttpConnection &connection, const VelinoSyncUpload
 
 // "updatedAt payload" of a GET answered 200, or the status.
 QString readBack(int port, const QString &code) {
-    const auto answer = rawRequest(port, "GET", "/api/velino-sync?code=" + code.toStdString());
+    const auto answer =
+        RawHttpConnection(port).exchange("GET", "/api/velino-sync?code=" + code.toStdString());
     QString error;
     const auto record = answer ? decodeSyncRecord<VelinoSyncDownloadResponse>(
                                      QByteArray::fromStdString(answer->body), &error)
