@@ -46,27 +46,6 @@ protected:
     int port() const { return server->port(); }
 };
 
-TEST_F(HttpServerTest, KeepAliveCarriesSeveralRequests) {
-    RawHttpConnection connection(port());
-    const std::string body = uploadBody();
-    ASSERT_TRUE(connection.send(putHead(withLength(body.size())) + body));
-    const auto put = connection.readAnswer(5s);
-    ASSERT_TRUE(put);
-    EXPECT_EQ(put->status, 200) << put->body;
-    ASSERT_TRUE(connection.send(head("GET", "/api/velino-sync?code=" + std::string(kCode), "")));
-    auto got = connection.readAnswer(5s);
-    ASSERT_TRUE(got);
-    EXPECT_EQ(got->status, 200);
-    EXPECT_EQ(got->headers["content-type"], "application/json");
-    EXPECT_NE(got->body.find(R"("payload":{)"), std::string::npos);
-    ASSERT_TRUE(connection.send(head("GET", "/velino.html", "")));
-    auto page = connection.readAnswer(5s);
-    ASSERT_TRUE(page);
-    EXPECT_EQ(page->status, 200);
-    EXPECT_EQ(page->headers["content-type"], "text/html; charset=utf-8");
-    EXPECT_NE(page->body.find("<title>VELINO Mobile</title>"), std::string::npos);
-}
-
 // Requests no HTTP library would send, and bodies over the cap on every address that takes
 // one: refused with a French sentence (`sentence` empty: none checked), the connection closed
 // when `closes`, nothing stored; rows with a `policy` also keep the page's security headers.

@@ -4,8 +4,6 @@
 #include <QElapsedTimer>
 #include <QProcess>
 
-#include <thread>
-
 using namespace velino::server;
 using namespace velino::test;
 using Status = SlotStore::Status;
@@ -79,8 +77,8 @@ TEST_F(PostgresSlotStoreTest, OpenUpgradesOlderSchemasOnceAndLeavesNewerOnesAlon
         SCOPED_TRACE(c.name);
         ScratchStorage storage("postgresql");
         ASSERT_TRUE(storage.error().isEmpty()) << storage.error().toStdString();
-        PostgresSession session(storage.url());
-        ASSERT_TRUE(session.run(c.setUp)) << session.lastError().toStdString();
+        QString error;
+        ASSERT_TRUE(runSql(storage.url(), c.setUp, &error)) << error.toStdString();
         auto store = storage.makeStore();
         ASSERT_EQ(store->open(), c.opens);
         if (c.opens) {
@@ -90,34 +88,13 @@ TEST_F(PostgresSlotStoreTest, OpenUpgradesOlderSchemasOnceAndLeavesNewerOnesAlon
             ASSERT_TRUE(second->open());
             EXPECT_EQ(second->count(), 1);
         }
-        EXPECT_EQ(session.run("SELECT string_agg(version::text, ',') FROM velino_sync_schema"),
-                  c.opens ? current : newer);
         EXPECT_EQ(
-            session.run("SELECT count(*) FROM pg_tables WHERE tablename = 'velino_sync_slots'"),
-            QByteArray(c.opens ? "1" : "0"));
+            runSql(storage.url(), "SELECT string_agg(version::text, ',') FROM velino_sync_schema"),
+            c.opens ? current : newer);
+        EXPECT_EQ(runSql(storage.url(),
+                         "SELECT count(*) FROM pg_tables WHERE tablename = 'velino_sync_slots'"),
+                  QByteArray(c.opens ? "1" : "0"));
     }
-}
-
-TEST_F(PostgresSlotStoreTest, AStoreStaysWithinItsSixteenConnections) {
-    ScratchStorage storage("postgresql");
-    auto store = storage.makeStore();
-    ASSERT_TRUE(store->open());
-    std::vector<std::thread> threads;
-    std::atomic<int> failures = 0;
-    for (int n = 0; n < 36; ++n)
-        threads.emplace_back([&, n] {
-            for (int i = 0; i < 10; ++i)
-                failures += store->put(keyOf(n), slotOf(i)) != Status::Ok;
-        });
-    for (std::thread &thread : threads)
-        thread.join();
-    EXPECT_EQ(failures, 0);
-    const auto backends = PostgresSession(storage.url())
-                              .run("SELECT count(*) FROM pg_stat_activity "
-                                   "WHERE datname = current_database()");
-    ASSERT_TRUE(backends);
-    EXPECT_LE(backends->toInt(), 16 + 1);
-    EXPECT_GT(backends->toInt(), 2);
 }
 
 // The database restarts under a running store: calls made while it is down are answered
@@ -127,8 +104,7 @@ TEST_F(PostgresSlotStoreTest, AStoreStaysWithinItsSixteenConnections) {
 TEST_F(PostgresSlotStoreTest, ReconnectsAfterARestartAndLosesNoAcknowledgedWrite) {
     PrivateCluster cluster;
     ASSERT_TRUE(cluster.started()) << cluster.log().toStdString();
-    ASSERT_TRUE(PostgresSession(cluster.url())
-                    .run("ALTER DATABASE velino_test SET synchronous_commit = off"));
+    ASSERT_TRUE(runSql(cluster.url(), "ALTER DATABASE velino_test SET synchronous_commit = off"));
     QString error;
     auto store = makeSlotStore(cluster.url(), &error);
     ASSERT_TRUE(store && store->open()) << error.toStdString();

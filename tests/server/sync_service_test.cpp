@@ -273,15 +273,20 @@ TEST_F(SyncServiceTest, UnreachableStorageAnswers503AtOnce) {
     EXPECT_EQ(health.body, "ok");
 }
 
-TEST_F(SyncServiceTest, LogoAndMetrics) {
+TEST_F(SyncServiceTest, LogoMetricsAndLogLines) {
     const HttpResponse logo = service->handle(request("GET", "/photos/velino-logo.png"));
     EXPECT_EQ(logo.status, 200);
     EXPECT_EQ(logo.contentType, "image/png");
     EXPECT_EQ(logo.body, config.logoPng.toStdString());
 
     ASSERT_EQ(service->handle(putRequest(uploadBody())).status, 200);
-    service->recordExchange(getRequest(kCode), 200, std::chrono::milliseconds(3));
-    service->recordExchange(getRequest(kCode), 404, std::chrono::milliseconds(70));
+    HttpRequest put = putRequest(uploadBody());
+    put.query = {{"code", kCode}};
+    HttpRequest forged = getRequest(kCode);
+    forged.path = "/x\nPUT /api/velino-sync 200";
+    logLines.clear();
+    service->recordExchange(put, 200, std::chrono::microseconds(1500));
+    service->recordExchange(forged, 404, std::chrono::milliseconds(70));
     service->recordExchange(getRequest(kCode), 404, std::chrono::seconds(20));
     const std::string metrics = service->handle(request("GET", "/metrics")).body;
     for (const char *line :
@@ -291,19 +296,12 @@ TEST_F(SyncServiceTest, LogoAndMetrics) {
           "velino_sync_request_duration_seconds_bucket{le=\"0.1\"} 2\n",
           "velino_sync_request_duration_seconds_bucket{le=\"+Inf\"} 3\n", "velino_sync_slots 1\n"})
         EXPECT_NE(metrics.find(line), std::string::npos) << line << metrics;
-}
 
-TEST_F(SyncServiceTest, LogLinesNameTheRequestButNeverTheCodeOrPayload) {
-    HttpRequest put = putRequest(uploadBody());
-    put.query = {{"code", kCode}};
-    service->recordExchange(put, 200, std::chrono::microseconds(1500));
-    HttpRequest forged = getRequest(kCode);
-    forged.path = "/x\nPUT /api/velino-sync 200";
-    service->recordExchange(forged, 404, std::chrono::milliseconds(1));
-    ASSERT_EQ(logLines.size(), 2u);
+    // Log lines name the request, never the code or the payload, and cannot be forged.
+    ASSERT_EQ(logLines.size(), 3u);
     EXPECT_EQ(logLines[0], "PUT /api/velino-sync 200 1.5ms 192.0.2.10");
-    EXPECT_EQ(logLines[1].find('\n'), std::string::npos);
     for (const std::string &line : logLines) {
+        EXPECT_EQ(line.find('\n'), std::string::npos) << line;
         EXPECT_EQ(line.find(kCode), std::string::npos) << line;
         EXPECT_EQ(line.find("korvel"), std::string::npos) << line;
     }

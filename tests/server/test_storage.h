@@ -9,8 +9,6 @@
 #include <optional>
 #include <string>
 
-struct pg_conn;
-
 namespace velino::test {
 
 // The test cluster's address given by scripts/with-test-postgres, or empty outside it.
@@ -54,20 +52,9 @@ private:
     QString m_error;
 };
 
-// A direct libpq session, to set a database up and look inside it.
-class PostgresSession {
-public:
-    explicit PostgresSession(const QString &url);
-    ~PostgresSession();
-
-    QString lastError() const { return m_lastError; }
-    // Runs SQL (several statements allowed); the first value of the first row as text, an
-    // empty text when there is no row, nothing on failure (see lastError).
-    std::optional<QByteArray> run(const QByteArray &sql);
-
-private:
-    pg_conn *m_connection = nullptr;
-    QString m_lastError;
-};
+// Runs SQL (several statements allowed) on a connection of its own: the first value of the
+// first row as text, empty when there is no row, nothing on failure (the reason in `error`).
+std::optional<QByteArray> runSql(const QString &url, const QByteArray &sql,
+                                 QString *error = nullptr);
 
 } // namespace velino::test
