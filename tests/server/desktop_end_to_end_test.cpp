@@ -1,5 +1,5 @@
 #include "../store_sync/tls_store_fixture.h"
-#include "server_test_records.h"
+#include "service_fixture.h"
 #include "sync_server_process.h"
 
 #include <QFile>

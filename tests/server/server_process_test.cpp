@@ -1,5 +1,5 @@
 #include "raw_http_client.h"
-#include "server_test_records.h"
+#include "service_fixture.h"
 #include "sync_code.h"
 #include "sync_server_process.h"
 #include "test_storage.h"

@@ -1,7 +1,13 @@
+#include "retention_sweeper.h"
 #include "test_storage.h"
+
+#include <QFile>
+#include <QTest>
 
 #include <atomic>
 #include <thread>
+
+#include <sys/stat.h>
 
 using namespace velino::server;
 using namespace velino::test;
@@ -60,6 +66,36 @@ TEST_P(SlotStoreContract, PutGetReplaceSweepAndReopen) {
     EXPECT_EQ(slot.payloadJson, "{\"a\":3}");
     EXPECT_EQ(slot.updatedAt, at(4000));
     EXPECT_EQ(reopened->get(keyOf(3), slot), Status::Ok);
+
+    if (GetParam() == "sqlite") { // the folder and every file are the owner's only
+        const auto mode = [](const QString &path) {
+            struct stat info {};
+            return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_mode & 0777
+                                                                           : 07777;
+        };
+        const QString path = storage.url().mid(7);
+        EXPECT_EQ(mode(path.left(path.lastIndexOf(u'/'))), 0700u);
+        for (const char *suffix : {"", "-wal", "-shm"})
+            EXPECT_EQ(mode(path + suffix), 0600u) << suffix;
+    }
+}
+
+TEST_P(SlotStoreContract, RetentionSweeperSweepsAtStartSlotsOlderThanTheRetention) {
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    ASSERT_EQ(store->put(keyOf(1), {now.addDays(-91), "{}"}), Status::Ok);
+    ASSERT_EQ(store->put(keyOf(2), {now.addDays(-89), "{}"}), Status::Ok);
+    std::vector<std::string> log;
+    std::mutex logMutex;
+    {
+        RetentionSweeper sweeper(*store, 90, std::chrono::hours(1), [&](const std::string &line) {
+            std::lock_guard lock(logMutex);
+            log.push_back(line);
+        });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return store->count() == 1; }, 5000));
+    }
+    StoredSlot slot;
+    EXPECT_EQ(store->get(keyOf(2), slot), Status::Ok);
+    EXPECT_EQ(log, std::vector<std::string>{"retention: 1 emplacement(s) supprime(s)"});
 }
 
 // Several stores (as several server processes would) open the same empty storage at once,

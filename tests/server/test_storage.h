@@ -5,6 +5,9 @@
 #include <QCryptographicHash>
 #include <QTemporaryDir>
 #include <QTimeZone>
+#include <QUuid>
+
+#include <libpq-fe.h>
 
 #include <optional>
 #include <string>
@@ -12,7 +15,9 @@
 namespace velino::test {
 
 // The test cluster's address given by scripts/with-test-postgres, or empty outside it.
-QString testPostgresUrl();
+inline QString testPostgresUrl() {
+    return qEnvironmentVariable("VELINO_TEST_POSTGRES_URL");
+}
 
 // Skips a test on "postgresql" outside scripts/with-test-postgres.
 #define SKIP_WITHOUT_TEST_CLUSTER(engine)                                                          \
@@ -21,7 +26,6 @@ QString testPostgresUrl();
             GTEST_SKIP() << "VELINO_TEST_POSTGRES_URL not set (scripts/with-test-postgres)";       \
     } while (false)
 
-// The key of slot `n` and a slot written `n` seconds after 2023-11-14 22:13:20 UTC.
 inline QByteArray keyOf(int n) {
     return QCryptographicHash::hash(QByteArray::number(n), QCryptographicHash::Sha256);
 }
@@ -32,29 +36,63 @@ inline server::StoredSlot slotOf(int n) {
     return {at(1'700'000'000 + n), "{\"n\":" + QByteArray::number(n) + "}"};
 }
 
+// Runs SQL (several statements allowed) on a connection of its own: the first value of the
+// first row as text, empty when there is no row, nothing on failure (the reason in `error`).
+inline std::optional<QByteArray> runSql(const QString &url, const QByteArray &sql,
+                                        QString *error = nullptr) {
+    pg_conn *connection = PQconnectdb(url.toUtf8().constData());
+    PGresult *result = PQexec(connection, sql.constData());
+    const ExecStatusType status = PQresultStatus(result);
+    std::optional<QByteArray> value;
+    if (status == PGRES_TUPLES_OK || status == PGRES_COMMAND_OK || status == PGRES_EMPTY_QUERY)
+        value = PQntuples(result) > 0 ? QByteArray(PQgetvalue(result, 0, 0)) : QByteArray();
+    else if (error)
+        *error = QString::fromUtf8(PQerrorMessage(connection));
+    PQclear(result);
+    PQfinish(connection);
+    return value;
+}
+
 // Empty storage of one engine, removed with the object: a SQLite file in a folder of its own,
 // or a database of its own on the test cluster whose time zone is far from UTC.
 class ScratchStorage {
 public:
-    explicit ScratchStorage(const std::string &engine);
-    ~ScratchStorage();
+    explicit ScratchStorage(const std::string &engine) {
+        if (engine == "sqlite") {
+            m_url = QStringLiteral("sqlite:") + m_folder.filePath(QStringLiteral("slots/sync.db"));
+            return;
+        }
+        const QString cluster = testPostgresUrl();
+        const QByteArray name = "velino_scratch_" + QUuid::createUuid().toByteArray(QUuid::Id128);
+        if (!cluster.isEmpty() && runSql(cluster, "CREATE DATABASE " + name, &m_error) &&
+            runSql(cluster, "ALTER DATABASE " + name + " SET timezone = 'Pacific/Kiritimati'",
+                   &m_error)) {
+            m_databaseName = name;
+            // The cluster's address with this database instead of its own.
+            const qsizetype query = cluster.indexOf(u'?');
+            m_url = cluster.left(cluster.lastIndexOf(u'/', query) + 1) + QString::fromLatin1(name) +
+                    (query < 0 ? QString() : cluster.mid(query));
+        }
+    }
+    ~ScratchStorage() {
+        if (!m_databaseName.isEmpty())
+            runSql(testPostgresUrl(), "DROP DATABASE " + m_databaseName + " WITH (FORCE)");
+    }
 
     QString error() const { return m_error; }
     // The address as --database takes it.
     QString url() const { return m_url; }
     // A new store on this storage, not opened yet.
-    std::unique_ptr<server::SlotStore> makeStore() const;
+    std::unique_ptr<server::SlotStore> makeStore() const {
+        QString error;
+        return server::makeSlotStore(m_url, &error);
+    }
 
 private:
     QTemporaryDir m_folder;
-    QString m_databaseName;
+    QByteArray m_databaseName;
     QString m_url;
     QString m_error;
 };
-
-// Runs SQL (several statements allowed) on a connection of its own: the first value of the
-// first row as text, empty when there is no row, nothing on failure (the reason in `error`).
-std::optional<QByteArray> runSql(const QString &url, const QByteArray &sql,
-                                 QString *error = nullptr);
 
 } // namespace velino::test
