@@ -23,8 +23,7 @@ std::string withLength(qint64 length) {
     return "Content-Length: " + std::to_string(length) + "\r\n";
 }
 
-// The HTTP layer on a real socket (plain HTTP on a free port of 127.0.0.1) with a small body
-// cap, cutting clients after one second without progress instead of thirty.
+// Plain HTTP on a socket, a small body cap, clients cut after 1 s without progress.
 class HttpServerTest : public ServiceFixture {
 protected:
     void SetUp() override {
@@ -43,9 +42,8 @@ protected:
     int port() const { return server->port(); }
 };
 
-// Requests no HTTP library would send, and bodies over the cap on every address that takes
-// one: refused with a French sentence (`sentence` empty: none checked), the connection closed
-// when `closes`, nothing stored; rows with a `policy` also keep the page's security headers.
+// Refused with their French sentence (if any), closed when `closes`, nothing stored; rows with
+// a `policy` keep the page's security headers.
 TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
     const std::string body = uploadBody();
     QString truncated;

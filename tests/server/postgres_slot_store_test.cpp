@@ -15,8 +15,7 @@ protected:
     void SetUp() override { SKIP_WITHOUT_TEST_CLUSTER("postgresql"); }
 };
 
-// A cluster of its own, so that stopping it disturbs no other test: the test cluster script
-// around a command that prints the cluster's address and waits for its input to close.
+// A cluster of its own, so that stopping it disturbs no other test.
 class PrivateCluster {
 public:
     PrivateCluster() {
@@ -24,7 +23,6 @@ public:
                        {"sh", "-c",
                         "echo \"$VELINO_TEST_POSTGRES_URL $VELINO_TEST_POSTGRES_CTL $PGPASSFILE\"; "
                         "exec cat >/dev/null"});
-        // The script's own note comes first.
         while (m_output.count('\n') < 2 && m_script.waitForReadyRead(60000))
             m_output += m_script.readAllStandardOutput();
         m_parts = m_output.split('\n').value(1).split(' ');
@@ -41,7 +39,6 @@ public:
     bool started() const { return m_parts.size() == 3; }
     QString log() { return QString::fromUtf8(m_output + m_script.readAllStandardError()); }
     QString url() const { return QString::fromUtf8(m_parts[0]); }
-    // pg_ctl on the cluster: "restart", "stop" or "start", with the given shutdown mode.
     bool control(const QString &action, const QString &mode = QStringLiteral("fast")) {
         QProcess pgCtl;
         pgCtl.start(QString::fromUtf8(m_parts[1]), {action, "-w", "-t", "60", "-m", mode});
@@ -97,10 +94,8 @@ TEST_F(PostgresSlotStoreTest, OpenUpgradesOlderSchemasOnceAndLeavesNewerOnesAlon
     }
 }
 
-// The database restarts under a running store: calls made while it is down are answered
-// "unavailable" at once, the first call once it is back succeeds on a new connection, and
-// every write acknowledged before a crash (an immediate stop, no checkpoint) is still there,
-// even with a database whose default is not to wait for the disk.
+// Calls while the database is down are unavailable at once, the first one after succeeds, and
+// every write acknowledged before a crash is kept, even if the database does not wait for disk.
 TEST_F(PostgresSlotStoreTest, ReconnectsAfterARestartAndLosesNoAcknowledgedWrite) {
     PrivateCluster cluster;
     ASSERT_TRUE(cluster.started()) << cluster.log().toStdString();

@@ -21,8 +21,7 @@ struct RawHttpAnswer {
     std::string body;
 };
 
-// A plain TCP connection to 127.0.0.1 that sends exactly the bytes it is given, for
-// requests no HTTP library would send (slow, malformed, lying about their length).
+// Sends exactly the bytes it is given: requests no HTTP library would send.
 class RawHttpConnection {
 public:
     explicit RawHttpConnection(int port) : fd_(socket(AF_INET, SOCK_STREAM, 0)) {
@@ -44,7 +43,6 @@ public:
     RawHttpConnection(const RawHttpConnection &) = delete;
     RawHttpConnection &operator=(const RawHttpConnection &) = delete;
 
-    // False when the peer no longer takes bytes.
     bool send(const std::string &bytes) {
         for (size_t sent = 0; sent < bytes.size();) {
             const ssize_t n = ::send(fd_, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
@@ -55,8 +53,7 @@ public:
         return fd_ >= 0;
     }
 
-    // One answer with a Content-Length body, or nothing when the connection ends first or
-    // the time is over.
+    // One answer with a Content-Length body, or nothing when the connection ends first.
     std::optional<RawHttpAnswer> readAnswer(std::chrono::milliseconds timeout) {
         const QDeadlineTimer deadline(timeout);
         for (;;) {
@@ -81,7 +78,6 @@ public:
         }
     }
 
-    // An ordinary request (a JSON body unless GET) and its answer.
     std::optional<RawHttpAnswer> exchange(const std::string &method, const std::string &target,
                                           const std::string &body = {}) {
         std::string request = method + " " + target + " HTTP/1.1\r\nHost: 127.0.0.1\r\n";
@@ -92,7 +88,6 @@ public:
         return send(request + "\r\n" + body) ? readAnswer(std::chrono::seconds(10)) : std::nullopt;
     }
 
-    // True when the server closes the connection within `timeout`, whatever it sent before.
     bool closedWithin(std::chrono::milliseconds timeout) {
         const QDeadlineTimer deadline(timeout);
         pollfd p{fd_, POLLIN, 0};
@@ -104,7 +99,6 @@ public:
     }
 
 private:
-    // Reads what comes within `timeout`; false when nothing came or the stream ended.
     bool receive(std::chrono::milliseconds timeout) {
         pollfd p{fd_, POLLIN, 0};
         char chunk[65536];

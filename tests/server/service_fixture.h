@@ -18,7 +18,6 @@ namespace velino::test {
 
 inline constexpr auto kCode = "AB12-CD34EF56GH78";
 
-// The upload the desktop sends for its default record.
 inline VelinoSyncUpload defaultUpload(const QString &code = QString::fromLatin1(kCode)) {
     return VelinoSyncUpload{code, VelinoSyncPayload::forSending(PresetKind::Devis,
                                                                 MailComposerData::defaultRecord(),
@@ -36,29 +35,19 @@ inline std::string compactJson(const QJsonObject &object) {
 inline server::HttpRequest request(const std::string &method, const std::string &path,
                                    const std::string &body = {},
                                    const std::string &peer = "192.0.2.10") {
-    server::HttpRequest r;
-    r.method = method;
-    r.path = path;
-    r.body = body;
-    r.peerAddress = peer;
-    return r;
+    return {method, path, {}, {}, body, peer};
 }
 
 inline server::HttpRequest putRequest(const std::string &body,
                                       const std::string &peer = "192.0.2.10") {
-    server::HttpRequest r = request("PUT", "/api/velino-sync", body, peer);
-    r.headers = {{"content-type", "application/json"}};
-    return r;
+    return request("PUT", "/api/velino-sync", body, peer);
 }
 
 inline server::HttpRequest getRequest(const std::string &code,
                                       const std::string &peer = "192.0.2.10") {
-    server::HttpRequest r = request("GET", "/api/velino-sync", {}, peer);
-    r.query = {{"code", code}};
-    return r;
+    return {"GET", "/api/velino-sync", {{"code", code}}, {}, {}, peer};
 }
 
-// The French sentence of an error record, or "(not an error record)".
 inline QString errorText(const std::string &body) {
     QString error;
     const auto record =
@@ -66,8 +55,7 @@ inline QString errorText(const std::string &body) {
     return record ? record->error : QStringLiteral("(not an error record)");
 }
 
-// A service on a real SQLite file, with its clock and log in the test's hands; tests that
-// change `config` call remake(), and serve() puts it behind the HTTP layer on its own thread.
+// A service on SQLite with its clock and log in the test's hands; serve() adds the HTTP layer.
 class ServiceFixture : public ::testing::Test {
 protected:
     void SetUp() override {

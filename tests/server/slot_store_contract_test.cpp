@@ -15,7 +15,6 @@ using Status = SlotStore::Status;
 
 namespace {
 
-// The same behaviour from every engine, each test on fresh storage.
 class SlotStoreContract : public ::testing::TestWithParam<std::string> {
 protected:
     void SetUp() override {
@@ -98,9 +97,8 @@ TEST_P(SlotStoreContract, RetentionSweeperSweepsAtStartSlotsOlderThanTheRetentio
     EXPECT_EQ(log, std::vector<std::string>{"retention: 1 emplacement(s) supprime(s)"});
 }
 
-// Several stores (as several server processes would) open the same empty storage at once,
-// then their request threads write their own slots and one shared slot while a reader
-// watches: every call succeeds, no slot is seen half-written, each ends with its last write.
+// Stores (as server processes) open one empty storage at once, then write their own slots and a
+// shared one while a reader watches: no failure, no torn slot, each ends with its last write.
 TEST_P(SlotStoreContract, StoresOnOneStorageActAsOneService) {
     ScratchStorage empty(GetParam());
     std::vector<std::unique_ptr<SlotStore>> stores(4);

@@ -17,7 +17,6 @@ public:
             killHard();
     }
 
-    // Starts it with `arguments` and waits for its ready line; false when it does not come.
     bool start(const QStringList &arguments, QString *error) {
         // The log goes to a file: a pipe nobody reads would stall the program once full.
         errorFile_.open();
@@ -36,7 +35,6 @@ public:
         *error = QString::fromUtf8("no ready line (" + line + "): " + errorOutput());
         return line.startsWith(ready);
     }
-    // As printed in the ready line: https://127.0.0.1:PORT or http://...
     QString baseUrl() const { return baseUrl_; }
     int port() const { return QUrl(baseUrl_).port(); }
 
@@ -45,7 +43,7 @@ public:
         process_.waitForFinished(10000);
     }
     void sendTerminate() { ::kill(pid_t(process_.processId()), SIGTERM); }
-    // The exit code, or -1 when it does not exit normally in time.
+    // -1 when it does not exit normally in time.
     int waitForExit(int timeoutMs = 10000) {
         if (process_.state() != QProcess::NotRunning)
             process_.waitForFinished(timeoutMs);
@@ -53,7 +51,6 @@ public:
         return exited && process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
     }
     int terminate() { return sendTerminate(), waitForExit(); }
-    // Everything the program wrote on its standard error so far.
     QByteArray errorOutput() {
         QFile file(errorFile_.fileName());
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
@@ -65,7 +62,6 @@ private:
     QTemporaryFile errorFile_;
 };
 
-// Plain HTTP on the storage at `databaseUrl`, without a request ceiling.
 inline QStringList plainHttpOn(const QString &databaseUrl) {
     return {"--plain-http", "--database", databaseUrl, "--max-requests-per-minute", "0"};
 }

@@ -14,12 +14,10 @@
 
 namespace velino::test {
 
-// The test cluster's address given by scripts/with-test-postgres, or empty outside it.
 inline QString testPostgresUrl() {
     return qEnvironmentVariable("VELINO_TEST_POSTGRES_URL");
 }
 
-// Skips a test on "postgresql" outside scripts/with-test-postgres.
 #define SKIP_WITHOUT_TEST_CLUSTER(engine)                                                          \
     do {                                                                                           \
         if (std::string(engine) == "postgresql" && velino::test::testPostgresUrl().isEmpty())      \
@@ -36,8 +34,7 @@ inline server::StoredSlot slotOf(int n) {
     return {at(1'700'000'000 + n), "{\"n\":" + QByteArray::number(n) + "}"};
 }
 
-// Runs SQL (several statements allowed) on a connection of its own: the first value of the
-// first row as text, empty when there is no row, nothing on failure (the reason in `error`).
+// The first value of the first row (empty without a row), nothing on failure.
 inline std::optional<QByteArray> runSql(const QString &url, const QByteArray &sql,
                                         QString *error = nullptr) {
     pg_conn *connection = PQconnectdb(url.toUtf8().constData());
@@ -53,8 +50,7 @@ inline std::optional<QByteArray> runSql(const QString &url, const QByteArray &sq
     return value;
 }
 
-// Empty storage of one engine, removed with the object: a SQLite file in a folder of its own,
-// or a database of its own on the test cluster whose time zone is far from UTC.
+// Empty storage of one engine, removed with the object; PostgreSQL in a far time zone.
 class ScratchStorage {
 public:
     explicit ScratchStorage(const std::string &engine) {
@@ -68,7 +64,6 @@ public:
             runSql(cluster, "ALTER DATABASE " + name + " SET timezone = 'Pacific/Kiritimati'",
                    &m_error)) {
             m_databaseName = name;
-            // The cluster's address with this database instead of its own.
             const qsizetype query = cluster.indexOf(u'?');
             m_url = cluster.left(cluster.lastIndexOf(u'/', query) + 1) + QString::fromLatin1(name) +
                     (query < 0 ? QString() : cluster.mid(query));
@@ -80,9 +75,7 @@ public:
     }
 
     QString error() const { return m_error; }
-    // The address as --database takes it.
     QString url() const { return m_url; }
-    // A new store on this storage, not opened yet.
     std::unique_ptr<server::SlotStore> makeStore() const {
         QString error;
         return server::makeSlotStore(m_url, &error);

@@ -37,8 +37,7 @@ QJsonObject expectedAnswer(const MailComposerData &record, PresetKind preset) {
     return answer;
 }
 
-// The rendering and the preview (the email as a document of its own, from the page's form)
-// answer the desktop's files byte for byte.
+// The rendering and the preview (from the page's form) give the desktop's files, byte for byte.
 TEST_F(WebServiceTest, RenderAndPreviewAnswerTheDesktopsFilesByteForByte) {
     for (const char *name : {"default", "blank", "hostile"}) {
         SCOPED_TRACE(name);
