@@ -83,13 +83,10 @@ TEST_P(SlotStoreContract, RetentionSweeperSweepsAtStartSlotsOlderThanTheRetentio
     const QDateTime now = QDateTime::currentDateTimeUtc();
     ASSERT_EQ(store->put(keyOf(1), {now.addDays(-91), "{}"}), Status::Ok);
     ASSERT_EQ(store->put(keyOf(2), {now.addDays(-89), "{}"}), Status::Ok);
-    std::vector<std::string> log;
-    std::mutex logMutex;
+    std::vector<std::string> log; // written by the sweeper's thread, read once it has ended
     {
-        RetentionSweeper sweeper(*store, 90, std::chrono::hours(1), [&](const std::string &line) {
-            std::lock_guard lock(logMutex);
-            log.push_back(line);
-        });
+        RetentionSweeper sweeper(*store, 90, std::chrono::hours(1),
+                                 [&](const std::string &line) { log.push_back(line); });
         EXPECT_TRUE(QTest::qWaitFor([&] { return store->count() == 1; }, 5000));
     }
     StoredSlot slot;
