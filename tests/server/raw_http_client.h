@@ -80,12 +80,10 @@ public:
 
     std::optional<RawHttpAnswer> exchange(const std::string &method, const std::string &target,
                                           const std::string &body = {}) {
-        std::string request = method + " " + target + " HTTP/1.1\r\nHost: 127.0.0.1\r\n";
-        if (method != "GET")
-            request +=
-                "Content-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) +
-                "\r\n";
-        return send(request + "\r\n" + body) ? readAnswer(std::chrono::seconds(10)) : std::nullopt;
+        return send(method + " " + target + " HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: " +
+                    std::to_string(body.size()) + "\r\n\r\n" + body)
+                   ? readAnswer(std::chrono::seconds(10))
+                   : std::nullopt;
     }
 
     bool closedWithin(std::chrono::milliseconds timeout) {

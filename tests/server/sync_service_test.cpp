@@ -81,6 +81,22 @@ TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
     const QString badCode = QString::fromUtf8(texts::kInvalidCode);
     const QString notAllowed = QString::fromUtf8(texts::kMethodNotAllowed);
     const std::string sync = "/api/velino-sync";
+    const auto render = [](const std::string &body) {
+        return request("POST", "/api/velino-render", body);
+    };
+    const auto preview = [](const std::string &body) {
+        return request("POST", "/api/velino-preview", body);
+    };
+    const auto badRender = [](const char *reason) {
+        return "Requete de rendu invalide : " + QString::fromUtf8(reason);
+    };
+    QJsonObject data = MailComposerData::defaultRecord().toJson();
+    const std::string withoutPreset = R"({"data":)" + compactJson(data) + "}";
+    data.remove(u"footerNote");
+    const std::string withoutFooter =
+        R"({"activePreset":"devis","data":)" + compactJson(data) + "}";
+    data[u"footerNote"] = QJsonValue::Null;
+    const std::string nullFooter = R"({"activePreset":"devis","data":)" + compactJson(data) + "}";
     // An empty sentence stands for the desktop's own decoder's, word for word.
     // clang-format off
     std::vector<std::tuple<std::string, HttpRequest, int, QString>> cases = {
@@ -116,6 +132,19 @@ TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
         {"GET of a rendering", request("GET", "/api/velino-render"), 405, notAllowed},
         {"PUT of a preview", request("PUT", "/api/velino-preview"), 405, notAllowed},
         {"POST of the page", request("POST", "/velino.html"), 405, notAllowed},
+        {"render of nothing", render(""), 400, badRender("JSON invalide a l'octet 0 : fin inattendue du document.")},
+        {"render of an array", render("[1,2]"), 400, badRender("JSON invalide : un objet est attendu.")},
+        {"render of a cut object", render(R"({"activePreset":"devis")"), 400, badRender("JSON invalide a l'octet 23 : objet non termine.")},
+        {"render without preset", render(withoutPreset), 400, badRender("cle manquante : activePreset.")},
+        {"render of preset Devis", render(R"({"activePreset":"Devis"})"), 400, badRender(R"(preset inconnu pour la cle activePreset : "Devis".)")},
+        {"render of preset 7", render(R"({"activePreset":7})"), 400, badRender("type incorrect pour la cle activePreset : texte attendu, nombre trouve.")},
+        {"render applying pretty", render(R"({"activePreset":"devis","applyPreset":"pretty"})"), 400, badRender(R"(preset inconnu pour la cle applyPreset : "pretty".)")},
+        {"render of text data", render(R"({"activePreset":"devis","data":"x"})"), 400, badRender("type incorrect pour la cle data : objet attendu, texte trouve.")},
+        {"render without footer", render(withoutFooter), 400, badRender("cle manquante : data.footerNote.")},
+        {"render with a null footer", render(nullFooter), 400, badRender("valeur null pour la cle data.footerNote.")},
+        {"render of Latin-1", render("{\"activePreset\":\"\xff\"}"), 400, badRender("le corps n'est pas du texte UTF-8 valide.")},
+        {"preview without state", preview("other=1"), 400, badRender(R"(champ "state" manquant.)")},
+        {"preview of a cut state", preview("state=%7B"), 400, badRender("JSON invalide a l'octet 1 : objet non termine.")},
         {"unknown address", request("GET", "/velino.php"), 404, QString::fromUtf8(texts::kUnknownAddress)},
     };
     for (const QString &key : defaultUpload().payload.toJson().keys()) {

@@ -84,41 +84,6 @@ TEST_F(WebServiceTest, RenderAndPreviewAnswerTheDesktopsFilesByteForByte) {
     EXPECT_EQ(jsonOf(first), expectedAnswer(MailComposerData::defaultRecord(), PresetKind::Devis));
 }
 
-TEST_F(WebServiceTest, BadRequestsAreRefusedWithTheReasonInFrench) {
-    QJsonObject withoutFooter = MailComposerData::defaultRecord().toJson();
-    withoutFooter.remove(QStringLiteral("footerNote"));
-    QJsonObject nullFooter = MailComposerData::defaultRecord().toJson();
-    nullFooter.insert(QStringLiteral("footerNote"), QJsonValue::Null);
-    const std::string data = compactJson(MailComposerData::defaultRecord().toJson());
-    const std::pair<std::string, const char *> cases[] = {
-        {"", "JSON"},
-        {"[1,2]", "objet"},
-        {"{\"activePreset\":\"devis\"", "JSON"},
-        {"{\"data\":" + data + "}", "cle manquante : activePreset"},
-        {R"({"activePreset":"Devis"})", "preset inconnu pour la cle activePreset : \"Devis\""},
-        {R"({"activePreset":7})", "type incorrect pour la cle activePreset"},
-        {R"({"activePreset":"devis","applyPreset":"pretty"})", "applyPreset : \"pretty\""},
-        {R"({"activePreset":"devis","data":"x"})", "type incorrect pour la cle data"},
-        {renderBody(withoutFooter), "cle manquante : data.footerNote"},
-        {renderBody(nullFooter), "valeur null pour la cle data.footerNote"},
-        {"{\"activePreset\":\"\xff\"}", "UTF-8"},
-        // The same refusals for the preview's form.
-        {"other=1", nullptr},
-        {"state=%7B", nullptr},
-    };
-    for (const auto &[body, reason] : cases) {
-        SCOPED_TRACE(body);
-        const HttpResponse response = service->handle(
-            reason ? renderRequest(body) : request("POST", "/api/velino-preview", body));
-        EXPECT_EQ(response.status, 400);
-        const QString message = errorText(response.body);
-        EXPECT_TRUE(message.startsWith(QStringLiteral("Requete de rendu invalide : ")))
-            << message.toStdString();
-        EXPECT_TRUE(message.contains(QString::fromUtf8(reason ? reason : "")))
-            << message.toStdString();
-    }
-}
-
 TEST_F(WebServiceTest, EveryAnswerKeepsCodesAndDraftsOutOfCachesAndReferrers) {
     const struct {
         HttpRequest request;
