@@ -81,12 +81,8 @@ TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
     const QString badCode = QString::fromUtf8(texts::kInvalidCode);
     const QString notAllowed = QString::fromUtf8(texts::kMethodNotAllowed);
     const std::string sync = "/api/velino-sync";
-    const auto render = [](const std::string &body) {
-        return request("POST", "/api/velino-render", body);
-    };
-    const auto preview = [](const std::string &body) {
-        return request("POST", "/api/velino-preview", body);
-    };
+    const auto render = [](auto body) { return request("POST", "/api/velino-render", body); };
+    const auto preview = [](auto body) { return request("POST", "/api/velino-preview", body); };
     const auto badRender = [](const char *reason) {
         return "Requete de rendu invalide : " + QString::fromUtf8(reason);
     };
@@ -232,14 +228,12 @@ TEST_F(SyncServiceTest, CeilingsCountPerClientAddress) {
 
 // Every store call says so at once; the service answers 503, a healthy one "ok".
 TEST_F(SyncServiceTest, UnreachableStorageAnswers503AtOnce) {
-    QFile blocker(folder.filePath(QStringLiteral("not-a-folder")));
-    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
     const struct {
         const char *what;
         QString url;
         const char *password;
     } cases[] = {
-        {"sqlite under a file", "sqlite:" + blocker.fileName() + "/sync.db", nullptr},
+        {"sqlite under a file", "sqlite:/dev/null/sync.db", nullptr},
         {"no postgresql server", "postgresql://velino@/sync?host=/nonexistent/velino", nullptr},
         {"wrong postgresql password", testPostgresUrl(), "not-the-password"},
     };

@@ -47,8 +47,6 @@ TEST_F(WebServiceTest, RenderAndPreviewAnswerTheDesktopsFilesByteForByte) {
         const QJsonObject data = QJsonDocument::fromJson(file("_record.json")).object();
         const std::string body = renderBody(data, "rdv");
         const HttpResponse response = service->handle(renderRequest(body));
-        ASSERT_EQ(response.status, 200) << response.body;
-        EXPECT_EQ(response.contentType, "application/json");
         const QJsonObject answer = jsonOf(response);
         EXPECT_EQ(answer[u"html"].toString().toUtf8(), file("_email.html"));
         EXPECT_EQ(answer[u"text"].toString().toUtf8(), file("_email.txt"));
@@ -72,7 +70,6 @@ TEST_F(WebServiceTest, RenderAndPreviewAnswerTheDesktopsFilesByteForByte) {
         QByteArray form = "state=" + QByteArray::fromStdString(body).toPercentEncoding(" ");
         const HttpResponse preview = service->handle(
             request("POST", "/api/velino-preview", form.replace(' ', '+').toStdString()));
-        ASSERT_EQ(preview.status, 200) << preview.body;
         EXPECT_EQ(preview.contentType, "text/html; charset=utf-8");
         EXPECT_EQ(QByteArray::fromStdString(preview.body), file("_email.html"));
         const std::string policy = header(preview, "Content-Security-Policy");
