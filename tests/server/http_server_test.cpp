@@ -38,8 +38,6 @@ protected:
         options.threads = 8;
         ASSERT_NO_FATAL_FAILURE(serve(options));
     }
-
-    int port() const { return server->port(); }
 };
 
 // Refused with their French sentence (if any), nothing stored; `closes`: 1 the connection is
@@ -86,7 +84,7 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);
-        RawHttpConnection connection(port());
+        RawHttpConnection connection(server->port());
         const auto start = std::chrono::steady_clock::now();
         ASSERT_TRUE(connection.send(c.bytes));
         auto answer = connection.readAnswer(5s);
@@ -111,7 +109,7 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
 }
 
 TEST_F(HttpServerTest, ChunkedBodyIsRefusedOncePastTheCap) {
-    RawHttpConnection connection(port());
+    RawHttpConnection connection(server->port());
     ASSERT_TRUE(connection.send(putHead("Transfer-Encoding: chunked\r\n")));
     const std::string chunk = "10000\r\n" + std::string(0x10000, ' ') + "\r\n";
     constexpr qint64 kSendAtMost = 32 * 1024 * 1024;

@@ -88,12 +88,9 @@ public:
 
     bool closedWithin(std::chrono::milliseconds timeout) {
         const QDeadlineTimer deadline(timeout);
-        pollfd p{fd_, POLLIN, 0};
-        while (fd_ >= 0 && poll(&p, 1, int(deadline.remainingTime())) > 0) {
-            if (!receive(std::chrono::milliseconds(0)))
-                return true; // end of stream or reset
+        while (receive(std::chrono::milliseconds(deadline.remainingTime()))) {
         }
-        return fd_ < 0;
+        return !deadline.hasExpired(); // the stream ended (or was reset) in time
     }
 
 private:

@@ -60,7 +60,7 @@ class ServiceFixture : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(folder.isValid());
-        store = std::make_unique<server::SqliteSlotStore>(databasePath());
+        store = std::make_unique<server::SqliteSlotStore>(folder.filePath("sync.db"));
         ASSERT_TRUE(store->open());
         config.now = [this] { return now; };
         config.log = [this](const std::string &line) { logLines.push_back(line); };
@@ -76,7 +76,6 @@ protected:
     }
 
     void remake() { service = std::make_unique<server::SyncService>(*store, config); }
-    QString databasePath() const { return folder.filePath(QStringLiteral("sync.db")); }
 
     void serve(const server::HttpServerOptions &options) {
         server = std::make_unique<server::HttpServer>(*service, options);

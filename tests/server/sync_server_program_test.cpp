@@ -20,11 +20,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-bool writeFile(const QString &path, const QByteArray &bytes) {
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
 // The real program over HTTPS, its certificate trusted through the store's services only.
 class HttpsProgramTest : public TlsStoreTest {
 protected:
@@ -32,8 +27,11 @@ protected:
         ASSERT_NO_FATAL_FAILURE(TlsStoreTest::SetUp());
         const QString cert = dir.filePath(QStringLiteral("server.crt"));
         const QString key = dir.filePath(QStringLiteral("server.key"));
-        ASSERT_TRUE(writeFile(cert, identity_->serverCertificate.toPem()));
-        ASSERT_TRUE(writeFile(key, identity_->serverKey.toPem()));
+        for (const auto &[path, pem] : {std::pair{cert, identity_->serverCertificate.toPem()},
+                                        std::pair{key, identity_->serverKey.toPem()}}) {
+            QFile file(path);
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(pem) == pem.size());
+        }
         QString error;
         ASSERT_TRUE(server.start({"--database", "sqlite:" + dir.filePath("server/sync.db"),
                                   "--tls-cert", cert, "--tls-key", key},
@@ -146,7 +144,7 @@ TEST_F(HttpsProgramTest, RefusesToStartWithoutAWayToProtectConnectionsOrAPort) {
     const struct {
         QStringList arguments;
         int exitCode;
-        const char *sentence;
+        QString sentence;
     } cases[] = {
         // clang-format off
         {{}, 2, "Refus de demarrer sans TLS"},
@@ -157,10 +155,8 @@ TEST_F(HttpsProgramTest, RefusesToStartWithoutAWayToProtectConnectionsOrAPort) {
          "Le mot de passe PostgreSQL ne se met pas dans l'adresse : donne-le par la variable PGPASSWORD ou un fichier .pgpass."},
         {{"--plain-http", "--database", "mysql://x"}, 2, "Base de donnees invalide"},
         {{"--plain-http", "--database", "sqlite:"}, 2, "Base de donnees invalide"},
-        {{"--tls-cert", missing, "--tls-key", missing, "--database", "sqlite:" + neverMade + "/sync.db"}, 1,
-         "Fichier TLS illisible : /nonexistent/velino/server.crt"},
-        {{"--plain-http", "--listen", taken, "--database", "sqlite:" + dir.filePath("b.db")}, 1,
-         "Impossible d'ecouter sur 127.0.0.1:"},
+        {{"--tls-cert", missing, "--tls-key", missing, "--database", "sqlite:" + neverMade + "/x"}, 1, "Fichier TLS illisible : " + missing},
+        {{"--plain-http", "--listen", taken, "--database", "sqlite:" + dir.filePath("b.db")}, 1, "Impossible d'ecouter sur 127.0.0.1:"},
         // clang-format on
     };
     for (const auto &c : cases) {
@@ -168,7 +164,7 @@ TEST_F(HttpsProgramTest, RefusesToStartWithoutAWayToProtectConnectionsOrAPort) {
         SyncServerProcess refused;
         EXPECT_FALSE(refused.start(c.arguments, &error));
         EXPECT_EQ(refused.waitForExit(), c.exitCode);
-        EXPECT_TRUE(refused.errorOutput().contains(c.sentence))
+        EXPECT_TRUE(QString::fromUtf8(refused.errorOutput()).contains(c.sentence))
             << refused.errorOutput().toStdString();
     }
     EXPECT_FALSE(QFileInfo::exists(neverMade));
@@ -185,25 +181,21 @@ VelinoSyncUpload numberedUpload(int number) {
 std::optional<QString> put(RawHttpConnection &connection, const VelinoSyncUpload &upload) {
     const auto answer =
         connection.exchange("PUT", "/api/velino-sync", encodeSyncRecord(upload).toStdString());
-    QString error;
-    const auto record = answer && answer->status == 200
-                            ? decodeSyncRecord<VelinoSyncUploadResponse>(
-                                  QByteArray::fromStdString(answer->body), &error)
-                            : std::nullopt;
-    return record ? std::optional(record->updatedAt + u' ' + encodeSyncRecord(upload.payload))
-                  : std::nullopt;
+    if (!answer || answer->status != 200)
+        return std::nullopt;
+    const QJsonDocument json = QJsonDocument::fromJson(QByteArray::fromStdString(answer->body));
+    return json[u"updatedAt"].toString() + u' ' + encodeSyncRecord(upload.payload);
 }
 
-// "updatedAt payload" of a GET answered 200, or the status.
+// "updatedAt payload" of a GET answered 200, or why not.
 QString readBack(int port, const QString &code) {
     const auto answer =
         RawHttpConnection(port).exchange("GET", "/api/velino-sync?code=" + code.toStdString());
     QString error;
-    const auto record = answer ? decodeSyncRecord<VelinoSyncDownloadResponse>(
-                                     QByteArray::fromStdString(answer->body), &error)
-                               : std::nullopt;
+    const auto record = decodeSyncRecord<VelinoSyncDownloadResponse>(
+        QByteArray::fromStdString(answer.value_or(RawHttpAnswer{}).body), &error);
     return record ? record->snapshot.updatedAt + u' ' + encodeSyncRecord(record->snapshot.payload)
-                  : QString::number(answer ? answer->status : 0);
+                  : error;
 }
 
 class ServerProcessTest : public ::testing::TestWithParam<std::string> {};

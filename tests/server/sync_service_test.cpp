@@ -68,7 +68,7 @@ TEST_F(SyncServiceTest, PutThenGetAnswersThePayloadWithTheServerTime) {
     service.reset();
     QByteArray everything;
     for (const QString &suffix : {QString(), QStringLiteral("-wal")}) {
-        QFile file(databasePath() + suffix);
+        QFile file(folder.filePath("sync.db") + suffix);
         everything += file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
     EXPECT_TRUE(everything.contains("Devis ecran"));

@@ -25,10 +25,6 @@ std::string header(const HttpResponse &response, const std::string &name) {
     return found == response.headers.end() ? std::string("(none)") : found->second;
 }
 
-std::string renderBody(const QJsonObject &data, const QString &preset = QStringLiteral("devis")) {
-    return compactJson(QJsonObject{{"activePreset", preset}, {"data", data}});
-}
-
 // What velino-render --format json gives for a record, with the page's two additions.
 QJsonObject expectedAnswer(const MailComposerData &record, PresetKind preset) {
     QJsonObject answer = renderedMailJson(MailTemplateContext(record));
@@ -45,7 +41,7 @@ TEST_F(WebServiceTest, RenderAndPreviewAnswerTheDesktopsFilesByteForByte) {
             return readTestData(QString::fromLatin1(name) + QString::fromLatin1(suffix));
         };
         const QJsonObject data = QJsonDocument::fromJson(file("_record.json")).object();
-        const std::string body = renderBody(data, "rdv");
+        const std::string body = compactJson({{"activePreset", "rdv"}, {"data", data}});
         const HttpResponse response = service->handle(renderRequest(body));
         const QJsonObject answer = jsonOf(response);
         EXPECT_EQ(answer[u"html"].toString().toUtf8(), file("_email.html"));
