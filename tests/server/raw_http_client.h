@@ -1,9 +1,17 @@
 #pragma once
 
-#include <chrono>
+#include <QByteArray>
+#include <QDeadlineTimer>
+
 #include <map>
 #include <optional>
 #include <string>
+
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace velino::test {
 
@@ -13,32 +21,91 @@ struct RawHttpAnswer {
     std::string body;
 };
 
-// A plain TCP connection to 127.0.0.1 that sends exactly the bytes it is given, for
-// requests no HTTP library would send (slow, malformed, lying about their length).
+// Sends exactly the bytes it is given: requests no HTTP library would send.
 class RawHttpConnection {
 public:
-    explicit RawHttpConnection(int port);
-    ~RawHttpConnection();
+    explicit RawHttpConnection(int port) : fd_(socket(AF_INET, SOCK_STREAM, 0)) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(uint16_t(port));
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        const int on = 1;
+        setsockopt(fd_, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+        if (connect(fd_, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0) {
+            close(fd_);
+            fd_ = -1;
+        }
+    }
+    ~RawHttpConnection() {
+        if (fd_ >= 0)
+            close(fd_);
+    }
     RawHttpConnection(const RawHttpConnection &) = delete;
     RawHttpConnection &operator=(const RawHttpConnection &) = delete;
 
-    bool connected() const { return fd_ >= 0; }
-    // False when the peer no longer takes bytes.
-    bool send(const std::string &bytes);
-    // One answer with a Content-Length body, or nothing when the connection ends first or
-    // the time is over.
-    std::optional<RawHttpAnswer> readAnswer(std::chrono::milliseconds timeout);
-    // True when the server closes the connection (end of stream or reset) within `timeout`,
-    // whatever it sent before.
-    bool closedWithin(std::chrono::milliseconds timeout);
+    bool send(const std::string &bytes) {
+        for (size_t sent = 0; sent < bytes.size();) {
+            const ssize_t n = ::send(fd_, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+            if (n <= 0)
+                return false;
+            sent += size_t(n);
+        }
+        return fd_ >= 0;
+    }
+
+    // One answer with a Content-Length body, or nothing when the connection ends first.
+    std::optional<RawHttpAnswer> readAnswer(std::chrono::milliseconds timeout) {
+        const QDeadlineTimer deadline(timeout);
+        for (;;) {
+            const qsizetype headEnd = buffer_.indexOf("\r\n\r\n");
+            RawHttpAnswer answer;
+            const QList<QByteArray> lines = buffer_.left(headEnd).split('\n');
+            answer.status = lines[0].mid(lines[0].indexOf(' ') + 1, 3).toInt();
+            for (const QByteArray &line : lines.mid(1)) {
+                const qsizetype colon = line.indexOf(':');
+                answer.headers[line.left(colon).toLower().toStdString()] =
+                    line.mid(colon + 1).trimmed().toStdString();
+            }
+            const qsizetype length =
+                QByteArray::fromStdString(answer.headers["content-length"]).toInt();
+            if (headEnd >= 0 && buffer_.size() >= headEnd + 4 + length) {
+                answer.body = buffer_.mid(headEnd + 4, length).toStdString();
+                buffer_.remove(0, headEnd + 4 + length);
+                return answer;
+            }
+            if (!receive(std::chrono::milliseconds(deadline.remainingTime())))
+                return std::nullopt;
+        }
+    }
+
+    std::optional<RawHttpAnswer> exchange(const std::string &method, const std::string &target,
+                                          const std::string &body = {}) {
+        return send(method + " " + target + " HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: " +
+                    std::to_string(body.size()) + "\r\n\r\n" + body)
+                   ? readAnswer(std::chrono::seconds(10))
+                   : std::nullopt;
+    }
+
+    bool closedWithin(std::chrono::milliseconds timeout) {
+        const QDeadlineTimer deadline(timeout);
+        while (receive(std::chrono::milliseconds(deadline.remainingTime()))) {
+        }
+        return !deadline.hasExpired(); // the stream ended (or was reset) in time
+    }
 
 private:
-    int fd_ = -1;
-    std::string buffer_;
-};
+    bool receive(std::chrono::milliseconds timeout) {
+        pollfd p{fd_, POLLIN, 0};
+        char chunk[65536];
+        const ssize_t n = fd_ >= 0 && poll(&p, 1, int(timeout.count())) > 0
+                              ? recv(fd_, chunk, sizeof chunk, 0)
+                              : 0;
+        buffer_.append(chunk, n > 0 ? n : 0);
+        return n > 0;
+    }
 
-// PUT or GET on a fresh connection; the answer, or nothing.
-std::optional<RawHttpAnswer> rawRequest(int port, const std::string &method,
-                                        const std::string &target, const std::string &body = {});
+    int fd_ = -1;
+    QByteArray buffer_;
+};
 
 } // namespace velino::test

@@ -1,44 +1,69 @@
 #pragma once
 
-#include <QByteArray>
+#include <QDeadlineTimer>
 #include <QProcess>
-#include <QString>
-#include <QStringList>
 #include <QTemporaryFile>
+#include <QUrl>
+
+#include <csignal>
 
 namespace velino::test {
 
-// The velino-sync-server program, started on a free port of 127.0.0.1.
+// The velino-sync-server program, on a free port of 127.0.0.1 unless told --listen.
 class SyncServerProcess {
 public:
-    ~SyncServerProcess();
+    ~SyncServerProcess() {
+        if (process_.state() != QProcess::NotRunning)
+            killHard();
+    }
 
-    // Starts it with `arguments` and --listen 127.0.0.1:0, and waits for its ready line.
-    bool start(const QStringList &arguments, QString *error);
-    // As printed in the ready line: https://127.0.0.1:PORT or http://...
+    bool start(const QStringList &arguments, QString *error) {
+        // The log goes to a file: a pipe nobody reads would stall the program once full.
+        errorFile_.open();
+        process_.setStandardErrorFile(errorFile_.fileName());
+        process_.start(QStringLiteral(VELINO_SYNC_SERVER_BINARY),
+                       arguments.contains(QStringLiteral("--listen"))
+                           ? arguments
+                           : arguments + QStringList{"--listen", "127.0.0.1:0"});
+        QDeadlineTimer deadline(15000);
+        while (!process_.canReadLine() &&
+               process_.waitForReadyRead(int(deadline.remainingTime()))) {
+        }
+        const QByteArray ready = "velino-sync-server: pret sur ";
+        const QByteArray line = process_.readLine().trimmed();
+        baseUrl_ = QString::fromUtf8(line.mid(ready.size()));
+        *error = QString::fromUtf8("no ready line (" + line + "): " + errorOutput());
+        return line.startsWith(ready);
+    }
     QString baseUrl() const { return baseUrl_; }
-    int port() const;
+    int port() const { return QUrl(baseUrl_).port(); }
 
-    void killHard();
-    // SIGTERM, then the exit code, or -1 when it does not exit normally in time.
-    int terminate(int timeoutMs = 10000);
-    void sendTerminate();
-    int waitForExit(int timeoutMs = 10000);
-    // Everything the program wrote on its standard error so far.
-    QByteArray errorOutput();
+    void killHard() {
+        process_.kill(); // SIGKILL
+        process_.waitForFinished(10000);
+    }
+    void sendTerminate() { ::kill(pid_t(process_.processId()), SIGTERM); }
+    // -1 when it does not exit normally in time.
+    int waitForExit(int timeoutMs = 10000) {
+        if (process_.state() != QProcess::NotRunning)
+            process_.waitForFinished(timeoutMs);
+        const bool exited = process_.state() == QProcess::NotRunning;
+        return exited && process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
+    }
+    int terminate() { return sendTerminate(), waitForExit(); }
+    QByteArray errorOutput() {
+        QFile file(errorFile_.fileName());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
 
 private:
     QProcess process_;
     QString baseUrl_;
-    // The log goes to a file: a pipe nobody reads would stall the program once full.
     QTemporaryFile errorFile_;
 };
 
-// Runs the program to its end with `arguments`; its exit code and standard error.
-struct ProgramRun {
-    int exitCode = -1;
-    QString errorOutput;
-};
-ProgramRun runSyncServer(const QStringList &arguments);
+inline QStringList plainHttpOn(const QString &databaseUrl) {
+    return {"--plain-http", "--database", databaseUrl, "--max-requests-per-minute", "0"};
+}
 
 } // namespace velino::test
