@@ -1,9 +1,6 @@
-"""Runs a command with accessibility forced on while a listener process registers for
-every AT-SPI event, as a screen reader does, so that Qt's bridge really sends them; exits
-with the command's status. The bus is the D-Bus session's own:
-
-    dbus-run-session -- python3 atspi_session.py PROGRAM ARGS...
-"""
+"""Runs a command with accessibility forced on while a listener process registers for every
+AT-SPI event as a screen reader does, so that Qt's bridge really sends them; exits with the
+command's status. Usage: dbus-run-session -- python3 atspi_session.py PROGRAM ARGS..."""
 
 import os
 import subprocess
@@ -32,8 +29,8 @@ def run_listened(command):
         listener.kill()
         listener.wait()
     if status < 0:
-        print("atspi_session.py: %s ended by signal %d" % (command[0], -status), file=sys.stderr)
-    return 1 if status < 0 else status
+        sys.exit("atspi_session.py: %s ended by signal %d" % (command[0], -status))
+    return status
 
 
 if __name__ == "__main__":

@@ -55,15 +55,15 @@ def events_since(start, types, role=None):
     return [e for e in events if e[0] >= start and e[1].startswith(types) and role in (None, e[2])]
 
 
-def normalized(text):
-    return text.replace("\u2029", "\n").replace("\u2028", "\n").strip()
-
-
 def interface(query):
     try:
         return query()
     except NotImplementedError:  # the node has no such interface
         return None
+
+
+def normalized(text):
+    return text.replace("\u2029", "\n").replace("\u2028", "\n").strip()
 
 
 class Node:

@@ -2,7 +2,6 @@ import QtQuick
 import QtTest
 import Velino
 import VelinoTest
-import "../ui/qml"
 
 // Closing windows while an AT-SPI client listens (run by atspi_session.py, accessibility
 // forced on): each close leaves the program running, and a subject typed just before the
@@ -14,8 +13,6 @@ Item {
     TestCase {
         name: "CloseWindows"
         when: windowShown
-
-        property WindowDriver driver: WindowDriver {}
 
         function init() {
             verify(TestSupport.resetSettings(), "settings wiped")
@@ -32,8 +29,8 @@ Item {
         function typeSubject(w, text) {
             w.lockState.password = "Falcon77!"
             w.lockState.unlock()
-            tryVerify(() => driver.findNamed(w.contentItem, "field.subject"), 3000, "unlocked")
-            const subject = driver.findNamed(w.contentItem, "field.subject").field
+            tryVerify(() => findChild(w.contentItem, "field.subject"), 3000, "unlocked")
+            const subject = findChild(w.contentItem, "field.subject").field
             subject.forceActiveFocus()
             tryVerify(() => subject.activeFocus, 2000, "subject focused")
             subject.clear()

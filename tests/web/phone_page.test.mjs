@@ -1,15 +1,13 @@
-// The phone page in Debian's chromium against velino-sync-server over HTTPS, with the
-// desktop's own ComposerStore on the other end. Controls are found by role and accessible
-// name; axe-core checks each state.
+// The phone page in Debian's chromium against velino-sync-server, with the desktop's own
+// ComposerStore on the other end; controls found by role and name, axe-core in each state.
 import { after, before, test } from 'node:test';
 import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
-import { createRequire } from 'node:module';
 import path from 'node:path';
 import { setTimeout as sleep } from 'node:timers/promises';
 import { SyncServer, button, desktop, field, openPhone, settledRender, setUp, tile } from './support.mjs';
 
-const axeSource = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
+const axeSource = readFileSync(new URL(import.meta.resolve('axe-core/axe.min.js')), 'utf8');
 const SENT = /^Brouillon envoye · \d\d:\d\d$/;
 const DRAFT = 'velino-draft-v1';
 let phone;
@@ -40,12 +38,15 @@ async function expectText(locator, expected, what) {
 // VELINO_SCREENSHOTS=DIR (screenshots.mjs), each "name#element" of `shots` saved as
 // DIR/name.png with #element scrolled to the top.
 async function checkState(page, state, ...shots) {
-  if (!(await page.evaluate(() => Boolean(window.axe)))) await page.evaluate(axeSource);
-  const result = await page.evaluate(() => window.axe.run(document, { iframes: false, resultTypes: ['violations'] }));
-  const serious = result.violations.filter((v) => v.impact === 'serious' || v.impact === 'critical');
+  const { violations } = await page.evaluate(`${axeSource}; axe.run(document, { iframes: false, resultTypes: ['violations'] })`);
+  const serious = violations.filter((v) => v.impact === 'serious' || v.impact === 'critical');
   assert.deepEqual(serious.map((v) => `${v.id}: ${v.nodes.map((n) => n.target).join(' ')}`), [], `axe, ${state}`);
   assert.deepEqual(page.problems, [], `script errors or policy violations, ${state}`);
-  await shot(page, ...shots);
+  for (const [name, at] of process.env.VELINO_SCREENSHOTS ? shots.filter(Boolean).map((s) => s.split('#')) : []) {
+    if (at) await page.locator(`#${at}`).evaluate((e) => e.scrollIntoView({ block: 'start' }));
+    await page.waitForTimeout(300); // the preview frame paints its new document
+    await page.screenshot({ path: path.join(process.env.VELINO_SCREENSHOTS, `${name}.png`) });
+  }
 }
 
 // Types `code` as the code to use; it is then shown as `shown`.
@@ -57,13 +58,6 @@ async function useCode(page, code, { change = false, shown = code } = {}) {
   if (shown) await expectText(codeShown(page), shown, 'code shown');
 }
 
-async function shot(page, ...shots) {
-  for (const [name, at] of process.env.VELINO_SCREENSHOTS ? shots.filter(Boolean).map((s) => s.split('#')) : []) {
-    if (at) await page.locator(`#${at}`).evaluate((e) => e.scrollIntoView({ block: 'start' }));
-    await page.waitForTimeout(300); // the preview frame paints its new document
-    await page.screenshot({ path: path.join(process.env.VELINO_SCREENSHOTS, `${name}.png`) });
-  }
-}
 
 test('a first visit makes a code, keeps it on the phone and out of the address', async (t) => {
   const server = await new SyncServer(phone.workspace, { name: 'first' }).start();
@@ -142,7 +136,7 @@ test('the desktop pushes, the phone pulls, edits and pushes, the desktop gets it
   assert.deepEqual(pulled.record, shown);
   assert.ok(pulled.html === previewHtml, 'desktop HTML equals the phone preview byte for byte');
   await page.evaluate(() => { document.documentElement.style.fontSize = '200%'; });
-  await shot(page, 'text-200#sync-heading');
+  await checkState(page, 'text at 200 %', 'text-200#sync-heading');
 });
 
 test('refusals and failures are shown in French, the fields stay and a later push succeeds', async (t) => {

@@ -81,15 +81,11 @@ export async function openPhone(context, server, query = '') {
   const page = await context.newPage();
   page.problems = [];
   page.on('pageerror', (error) => page.problems.push(error.message));
-  page.on('console', (message) => {
-    if (/Content Security Policy/.test(message.text()) && message.location().url?.startsWith(server.baseUrl)) {
-      page.problems.push(message.text());
-    }
-  });
+  page.on('console', (message) => /Content Security Policy/.test(message.text())
+    && message.location().url?.startsWith(server.baseUrl) && page.problems.push(message.text()));
   const rendered = response(page, 'velino-render');
   await page.goto(`${server.baseUrl}/velino.html${query}`);
   await rendered;
-  await field(page, 'Nom du client').waitFor();
   return page;
 }
 
