@@ -32,7 +32,6 @@ Item {
             tryVerify(() => findChild(w.contentItem, "field.subject"), 3000, "unlocked")
             const subject = findChild(w.contentItem, "field.subject").field
             subject.forceActiveFocus()
-            tryVerify(() => subject.activeFocus, 2000, "subject focused")
             subject.clear()
             TestSupport.typeText(w, text)
             // With a client listening, Qt hands each key to the bus first and delivers it
@@ -49,12 +48,10 @@ Item {
         }
 
         function test_closes_data() {
-            return [
-                { tag: "only window, locked", windows: 1, unlock: false },
-                { tag: "only window, unlocked, edited", windows: 1, unlock: true },
-                { tag: "second window, locked", windows: 2, unlock: false },
-                { tag: "second window, unlocked, edited", windows: 2, unlock: true },
-            ]
+            return [{ tag: "only window, locked", windows: 1, unlock: false },
+                    { tag: "only window, unlocked, edited", windows: 1, unlock: true },
+                    { tag: "second window, locked", windows: 2, unlock: false },
+                    { tag: "second window, unlocked, edited", windows: 2, unlock: true }]
         }
 
         // 5 rounds of each case: 20 closes of the window under test.

@@ -5,7 +5,7 @@ import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
 import path from 'node:path';
 import { setTimeout as sleep } from 'node:timers/promises';
-import { SyncServer, button, desktop, field, openPhone, settledRender, setUp, tile } from './support.mjs';
+import { SyncServer, button, desktop, field, openPhone, settledRender, setUp } from './support.mjs';
 
 const axeSource = readFileSync(new URL(import.meta.resolve('axe-core/axe.min.js')), 'utf8');
 const SENT = /^Brouillon envoye · \d\d:\d\d$/;
@@ -45,7 +45,8 @@ async function checkState(page, state, ...shots) {
   for (const [name, at] of process.env.VELINO_SCREENSHOTS ? shots.filter(Boolean).map((s) => s.split('#')) : []) {
     if (at) await page.locator(`#${at}`).evaluate((e) => e.scrollIntoView({ block: 'start' }));
     await page.waitForTimeout(300); // the preview frame paints its new document
-    await page.screenshot({ path: path.join(process.env.VELINO_SCREENSHOTS, `${name}.png`) });
+    const png = await page.screenshot({ path: path.join(process.env.VELINO_SCREENSHOTS, `${name}.png`) });
+    assert.ok(png.length > 2000, `${name}.png looks empty`);
   }
 }
 
@@ -105,8 +106,9 @@ test('the desktop pushes, the phone pulls, edits and pushes, the desktop gets it
   assert.equal(await field(page, 'Nom du client').inputValue(), 'Mme Lambert');
   await checkState(page, 'pulled', 'pulled#sync-heading', 'form#card-destinataire');
 
-  await settledRender(page, () => tile(page, 'Appareil pret').tap());
-  assert.equal(await tile(page, 'Appareil pret').getAttribute('aria-pressed'), 'true');
+  const readyTile = page.getByRole('button', { name: /^Appareil pret / }); // named by its title and summary
+  await settledRender(page, () => readyTile.tap());
+  assert.equal(await readyTile.getAttribute('aria-pressed'), 'true');
   assert.equal(await field(page, 'Objet du mail').inputValue(), 'Votre appareil est pret');
   const steps = await page.evaluate(() => history.length);
   const { answer, previewHtml } = await settledRender(page, () => field(page, 'Nom du client').fill('Lea Martin'));

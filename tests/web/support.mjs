@@ -1,6 +1,5 @@
-// What the phone page's browser tests and screenshots share: certificates made for the run,
-// velino-sync-server as a real process, Debian's chromium driven by Playwright as a phone
-// (390 x 844, touch), the desktop's helper program, and the page's controls by their names.
+// The phone page's surroundings: certificates made for the run, velino-sync-server as a real
+// process, Debian's chromium as a phone, the desktop's helper program, the page's controls.
 import { spawn, execFile } from 'node:child_process';
 import { mkdtempSync, rmSync } from 'node:fs';
 import { tmpdir } from 'node:os';
@@ -71,8 +70,6 @@ export async function desktop(operation, server, code, stateDir) {
 
 export const field = (page, label) => page.getByLabel(label, { exact: true });
 export const button = (page, name) => page.getByRole('button', { name, exact: true });
-// A preset tile, named by its title and its summary.
-export const tile = (page, title) => page.getByRole('button', { name: new RegExp(`^${title} `) });
 const response = (page, api) => page.waitForResponse((r) => r.url().endsWith(`/api/${api}`));
 
 // A page of its own, once rendered; page.problems collects its script errors and its
@@ -83,9 +80,7 @@ export async function openPhone(context, server, query = '') {
   page.on('pageerror', (error) => page.problems.push(error.message));
   page.on('console', (message) => /Content Security Policy/.test(message.text())
     && message.location().url?.startsWith(server.baseUrl) && page.problems.push(message.text()));
-  const rendered = response(page, 'velino-render');
-  await page.goto(`${server.baseUrl}/velino.html${query}`);
-  await rendered;
+  await Promise.all([response(page, 'velino-render'), page.goto(`${server.baseUrl}/velino.html${query}`)]);
   return page;
 }
 
