@@ -2,9 +2,7 @@
 AT-SPI event as a screen reader does, so that Qt's bridge really sends them; exits with the
 command's status. Usage: dbus-run-session -- python3 atspi_session.py PROGRAM ARGS..."""
 
-import os
-import subprocess
-import sys
+import os, subprocess, sys  # noqa: E401
 
 
 def accessibility_environment():
@@ -13,8 +11,7 @@ def accessibility_environment():
 
 def listen_forever():
     import pyatspi
-    for event_type in ("object:", "window:", "focus:", "document:"):
-        pyatspi.Registry.registerEventListener(lambda _event: None, event_type)
+    pyatspi.Registry.registerEventListener(lambda _event: None, "object:", "window:", "focus:", "document:")
     print("listening", flush=True)
     pyatspi.Registry.start()
 

@@ -1,6 +1,6 @@
 // The phone page in Debian's chromium against velino-sync-server, with the desktop's own
 // ComposerStore on the other end; controls found by role and name, axe-core in each state.
-import { after, before, test } from 'node:test';
+import { after, test } from 'node:test';
 import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
 import path from 'node:path';
@@ -9,11 +9,8 @@ import { SyncServer, button, desktop, field, openPhone, settledRender, setUp } f
 
 const axeSource = readFileSync(new URL(import.meta.resolve('axe-core/axe.min.js')), 'utf8');
 const SENT = /^Brouillon envoye · \d\d:\d\d$/;
-const DRAFT = 'velino-draft-v1';
-let phone;
-
-before(async () => { phone = await setUp(); });
-after(async () => { await phone?.close(); });
+const phone = await setUp();
+after(() => phone.close());
 
 const codeShown = (page) => page.getByRole('status', { name: 'Code prive', exact: true });
 const status = (page) => page.locator('#sync-status');
@@ -34,9 +31,8 @@ async function expectText(locator, expected, what) {
   assert.fail(`${what}: expected ${expected}, saw "${text}"`);
 }
 
-// No serious axe-core violation and no script error in this state; with
-// VELINO_SCREENSHOTS=DIR (screenshots.mjs), each "name#element" of `shots` saved as
-// DIR/name.png with #element scrolled to the top.
+// No serious axe-core violation nor script error in this state. With VELINO_SCREENSHOTS=DIR
+// (screenshots.mjs), each "name#element" of `shots` is saved as DIR/name.png, #element on top.
 async function checkState(page, state, ...shots) {
   const { violations } = await page.evaluate(`${axeSource}; axe.run(document, { iframes: false, resultTypes: ['violations'] })`);
   const serious = violations.filter((v) => v.impact === 'serious' || v.impact === 'critical');
@@ -86,11 +82,11 @@ test('a first visit makes a code, keeps it on the phone and out of the address',
 
   // Reset: back to the default record, nothing kept on the phone.
   await field(second, 'Nom du client').fill('A effacer');
-  await second.waitForFunction((key) => localStorage.getItem(key)?.includes('A effacer'), DRAFT);
+  await second.waitForFunction(() => localStorage.getItem('velino-draft-v1')?.includes('A effacer'));
   await button(second, 'Reinitialiser').tap();
   await shows(second, 'Contenu reinitialise.');
   assert.equal(await field(second, 'Nom du client').inputValue(), 'Mme Lambert');
-  assert.equal(await second.evaluate((key) => localStorage.getItem(key), DRAFT), null);
+  assert.equal(await second.evaluate(() => localStorage.getItem('velino-draft-v1')), null);
 });
 
 test('the desktop pushes, the phone pulls, edits and pushes, the desktop gets it byte for byte', async (t) => {
@@ -168,8 +164,8 @@ test('refusals and failures are shown in French, the fields stay and a later pus
       () => useCode(page, 'FAIL-0000-1111-2222-3333-4444', { change: true })],
     ['server stopped', fill('Nom du client', 'Client hors ligne'), async () => { await server.stop(); await push(); },
       'Service injoignable : verifie la connexion puis reessaie.', () => server.start(), 'error#sync-heading'],
-    ['slow server', fill('Nom du client', 'Client patient'), async () => { server.pause(); await push(); },
-      'Le service ne repond pas (delai depasse) : reessaie dans un instant.', () => server.resume()],
+    ['slow server', fill('Nom du client', 'Client patient'), async () => { server.process.kill('SIGSTOP'); await push(); },
+      'Le service ne repond pas (delai depasse) : reessaie dans un instant.', () => server.process.kill('SIGCONT')],
   ];
   for (const [what, edit, failure, expected, repair, screenshot] of cases) {
     await edit();
@@ -177,7 +173,7 @@ test('refusals and failures are shown in French, the fields stay and a later pus
     await failure();
     await alertWith(page, expected).waitFor();
     assert.deepEqual(await shownRecord(page), typed, `fields kept, ${what}`);
-    const saved = await page.evaluate((key) => JSON.parse(localStorage.getItem(key)).data, DRAFT);
+    const saved = await page.evaluate(() => JSON.parse(localStorage.getItem('velino-draft-v1')).data);
     assert.deepEqual(saved, typed, `draft kept on the phone, ${what}`);
     await checkState(page, what, screenshot);
     await repair();

@@ -43,22 +43,18 @@ export class SyncServer {
     for await (const line of createInterface({ input: this.process.stdout })) {
       const ready = line.match(/pret sur (https:\/\/127\.0\.0\.1:(\d+))/);
       if (!ready) continue;
-      [this.baseUrl, this.port] = [ready[1], Number(ready[2])];
       this.process.stdout.resume(); // keeps reading what it prints
-      return this;
+      return Object.assign(this, { baseUrl: ready[1], port: Number(ready[2]) });
     }
     throw new Error(`velino-sync-server ended before it was ready (${await this.exited})`);
   }
 
   async stop() {
     if (this.process?.exitCode !== null) return;
-    this.process.kill('SIGCONT');
+    this.process.kill('SIGCONT'); // if paused
     this.process.kill('SIGTERM');
     await this.exited;
   }
-
-  pause() { this.process.kill('SIGSTOP'); }
-  resume() { this.process.kill('SIGCONT'); }
 }
 
 // The desktop's store: push the default record, or pull and return what it then holds.
