@@ -109,7 +109,10 @@ class Velino:
         for window in (screen.create_resource_object("window", int(w)) for w in windows):
             window.send_event(protocol.event.ClientMessage(
                 window=window, client_type=screen.intern_atom("WM_PROTOCOLS"), data=data))
-        screen.close()  # sends them
+        # A round trip, so that the server has handled the requests before the connection
+        # closes: Xorg drops a closed connection's requests it has not read yet.
+        screen.sync()
+        screen.close()
         return len(windows)
 
     def log_tail(self):
