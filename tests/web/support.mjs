@@ -1,105 +1,91 @@
-// What the phone page's browser tests and screenshots share: a certificate made for the
-// run, velino-sync-server started and stopped as a real process, Debian's chromium driven
-// by Playwright with a phone's viewport, and the desktop's helper program.
+// The phone page's surroundings: certificates made for the run, velino-sync-server as a real
+// process, Debian's chromium as a phone, the desktop's helper program, the page's controls.
 import { spawn, execFile } from 'node:child_process';
 import { mkdtempSync, rmSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import path from 'node:path';
+import { createInterface } from 'node:readline';
 import { promisify } from 'node:util';
 import { chromium } from 'playwright-core';
 
 const run = promisify(execFile);
-const here = path.dirname(new URL(import.meta.url).pathname);
-const buildDir = process.env.VELINO_BUILD_DIR || path.join(here, '../../build');
+const buildDir = process.env.VELINO_BUILD_DIR || path.join(import.meta.dirname, '../../build');
+const serverBinary = process.env.VELINO_SYNC_SERVER || path.join(buildDir, 'src/server/velino-sync-server');
+const helperBinary = process.env.VELINO_DESKTOP_SYNC_HELPER || path.join(buildDir, 'tests/velino_desktop_sync_helper');
+const offscreen = { ...process.env, QT_QPA_PLATFORM: 'offscreen', TZ: process.env.TZ || 'Europe/Paris' };
 
-export const serverBinary = process.env.VELINO_SYNC_SERVER || path.join(buildDir, 'src/server/velino-sync-server');
-export const helperBinary = process.env.VELINO_DESKTOP_SYNC_HELPER || path.join(buildDir, 'tests/velino_desktop_sync_helper');
-export const chromiumBinary = process.env.VELINO_CHROMIUM || '/usr/bin/chromium';
-
-export const PHONE = { width: 390, height: 844 };
-
-// A temporary folder with the authority and the server's certificate for 127.0.0.1.
-export async function makeWorkspace() {
+// A folder with the authority and the server's certificate for 127.0.0.1, and the phone.
+export async function setUp() {
   const dir = mkdtempSync(path.join(tmpdir(), 'velino-web-'));
-  await run(helperBinary, ['certificates', dir], { env: { ...process.env, QT_QPA_PLATFORM: 'offscreen' } });
-  return {
-    dir,
-    ca: path.join(dir, 'ca.crt'),
-    cert: path.join(dir, 'server.crt'),
-    key: path.join(dir, 'server.key'),
-    remove() { rmSync(dir, { recursive: true, force: true }); },
-  };
+  await run(helperBinary, ['certificates', dir], { env: offscreen });
+  // Playwright's own switches leave out the sandbox, the background and first-run work.
+  const browser = await chromium.launch({ executablePath: process.env.VELINO_CHROMIUM || '/usr/bin/chromium' });
+  const context = await browser.newContext({
+    viewport: { width: 390, height: 844 }, deviceScaleFactor: 2, isMobile: true, hasTouch: true, locale: 'fr-FR',
+    timezoneId: 'Europe/Paris', ignoreHTTPSErrors: true, permissions: ['clipboard-read', 'clipboard-write'],
+  });
+  const close = async () => { await browser.close(); rmSync(dir, { recursive: true, force: true }); };
+  return { workspace: { dir, ca: path.join(dir, 'ca.crt') }, context, close };
 }
 
-// velino-sync-server over HTTPS on 127.0.0.1; port 0 takes a free one.
+// velino-sync-server over HTTPS on a free port of 127.0.0.1, the same one once restarted.
 export class SyncServer {
-  constructor(workspace, { name = 'server', port = 0, extra = [] } = {}) {
-    this.workspace = workspace;
-    this.database = `sqlite:${path.join(workspace.dir, name, 'sync.db')}`;
-    this.port = port;
-    this.extra = extra;
-    this.stderr = '';
+  constructor(workspace, { name = 'server', extra = [] } = {}) {
+    this.args = ['--database', `sqlite:${path.join(workspace.dir, name, 'sync.db')}`, '--tls-cert',
+      path.join(workspace.dir, 'server.crt'), '--tls-key', path.join(workspace.dir, 'server.key'), ...extra];
+    Object.assign(this, { workspace, port: 0 });
   }
 
+  // Resolves once the server says where it listens; its errors go to the test's output.
   async start() {
-    const args = ['--listen', `127.0.0.1:${this.port}`, '--database', this.database,
-      '--tls-cert', this.workspace.cert, '--tls-key', this.workspace.key, ...this.extra];
-    this.process = spawn(serverBinary, args, { stdio: ['ignore', 'pipe', 'pipe'] });
-    this.process.stderr.on('data', (chunk) => { this.stderr += chunk; });
-    const exited = new Promise((resolve) => this.process.once('exit', resolve));
-    this.exited = exited;
-    this.baseUrl = await new Promise((resolve, reject) => {
-      let out = '';
-      const timer = setTimeout(() => reject(new Error(`no ready line: ${this.stderr}`)), 10000);
-      this.process.stdout.on('data', (chunk) => {
-        out += chunk;
-        const match = out.match(/pret sur (https:\/\/127\.0\.0\.1:(\d+))/);
-        if (match) {
-          clearTimeout(timer);
-          this.port = Number(match[2]);
-          resolve(match[1]);
-        }
-      });
-      exited.then((code) => reject(new Error(`exited ${code}: ${this.stderr}`)));
-    });
-    return this;
+    this.process = spawn(serverBinary, ['--listen', `127.0.0.1:${this.port}`, ...this.args], { stdio: ['ignore', 'pipe', 'inherit'] });
+    this.exited = new Promise((resolve) => this.process.once('exit', resolve));
+    for await (const line of createInterface({ input: this.process.stdout })) {
+      const ready = line.match(/pret sur (https:\/\/127\.0\.0\.1:(\d+))/);
+      if (!ready) continue;
+      this.process.stdout.resume(); // keeps reading what it prints
+      return Object.assign(this, { baseUrl: ready[1], port: Number(ready[2]) });
+    }
+    throw new Error(`velino-sync-server ended before it was ready (${await this.exited})`);
   }
 
   async stop() {
-    if (!this.process || this.process.exitCode !== null) return;
-    this.process.kill('SIGCONT');
+    if (this.process?.exitCode !== null) return;
+    this.process.kill('SIGCONT'); // if paused
     this.process.kill('SIGTERM');
     await this.exited;
   }
-
-  pause() { this.process.kill('SIGSTOP'); }
-  resume() { this.process.kill('SIGCONT'); }
 }
 
-// The desktop: push the default record, or pull and return what its store holds.
+// The desktop's store: push the default record, or pull and return what it then holds.
 export async function desktop(operation, server, code, stateDir) {
-  const { stdout } = await run(helperBinary,
-    [operation, `${server.baseUrl}/api/velino-sync`, server.workspace.ca, code, stateDir],
-    { env: { ...process.env, QT_QPA_PLATFORM: 'offscreen', TZ: process.env.TZ || 'Europe/Paris' }, maxBuffer: 1 << 24 });
+  const { stdout } = await run(helperBinary, [operation, `${server.baseUrl}/api/velino-sync`, server.workspace.ca, code,
+    stateDir], { env: offscreen, maxBuffer: 1 << 24 });
   return operation === 'pull' ? JSON.parse(stdout) : null;
 }
 
-export async function launchPhone() {
-  const browser = await chromium.launch({
-    executablePath: chromiumBinary,
-    headless: true,
-    args: ['--no-sandbox', '--disable-background-networking', '--disable-component-update',
-      '--disable-sync', '--no-first-run', '--disable-dev-shm-usage'],
-  });
-  const context = await browser.newContext({
-    viewport: PHONE,
-    deviceScaleFactor: 2,
-    isMobile: true,
-    hasTouch: true,
-    locale: 'fr-FR',
-    timezoneId: 'Europe/Paris',
-    ignoreHTTPSErrors: true,
-    permissions: ['clipboard-read', 'clipboard-write'],
-  });
-  return { browser, context };
+export const field = (page, label) => page.getByLabel(label, { exact: true });
+export const button = (page, name) => page.getByRole('button', { name, exact: true });
+const response = (page, api) => page.waitForResponse((r) => r.url().endsWith(`/api/${api}`));
+
+// A page of its own, once rendered; page.problems collects its script errors and its
+// content policy violations.
+export async function openPhone(context, server, query = '') {
+  const page = await context.newPage();
+  page.problems = [];
+  page.on('pageerror', (error) => page.problems.push(error.message));
+  page.on('console', (message) => /Content Security Policy/.test(message.text())
+    && message.location().url?.startsWith(server.baseUrl) && page.problems.push(message.text()));
+  await Promise.all([response(page, 'velino-render'), page.goto(`${server.baseUrl}/velino.html${query}`)]);
+  return page;
+}
+
+// Waits for the render that follows `trigger`, then for the preview (the page lays the e-mail
+// out once its frame is on screen), and returns both.
+export async function settledRender(page, trigger) {
+  const [render, preview] = [response(page, 'velino-render'), response(page, 'velino-preview')];
+  await trigger();
+  const answer = await (await render).json();
+  await page.locator('#preview-box').scrollIntoViewIfNeeded();
+  return { answer, previewHtml: await (await preview).text() };
 }
