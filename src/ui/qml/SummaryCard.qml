@@ -48,11 +48,20 @@ Item {
             Layout.fillWidth: true
             text: root.value
             font.family: AppTheme.fontFamily
-            font.pixelSize: 22
+            // A word too wide for the card ("Thunderbird") makes the value smaller, not broken.
+            font.pixelSize: Math.max(14, Math.min(22, Math.floor(22 * width / Math.max(1, longestWord.advanceWidth))))
             font.weight: Font.Bold
             color: AppTheme.text
             wrapMode: Text.Wrap
             maximumLineCount: 2
+
+            TextMetrics {
+                id: longestWord
+                font.family: AppTheme.fontFamily
+                font.pixelSize: 22
+                font.weight: Font.Bold
+                text: root.value.split(/\s+/).reduce((longest, word) => word.length > longest.length ? word : longest, "")
+            }
             elide: Text.ElideRight
         }
         Text {

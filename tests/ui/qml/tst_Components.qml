@@ -88,6 +88,16 @@ Item {
             }
         }
 
+        // A card as narrow as at 1320 px: words wrap whole; a word too wide shrinks the value instead.
+        function test_summaryCardKeepsWordsWhole() {
+            for (const [value, lines, full] of [["Thunderbird", 1, false], ["Pret a envoyer", 2, true], ["4", 1, true]]) {
+                const card = make("SummaryCard", { width: 134, height: 140, title: "Etat", value: value, caption: "x" })
+                waitForItemPolished(named(card, "summaryValue").parent)
+                const text = named(card, "summaryValue")
+                compare([text.lineCount, text.font.pixelSize === 22], [lines, full], value)
+            }
+        }
+
         // The active state and what each button does: through the window (tst_MainWindow).
         function test_customPresetRow() {
             const row = make("CustomPresetRow", { width: 900, name: "Devis iPhone", sourceTitle: "Devis",
