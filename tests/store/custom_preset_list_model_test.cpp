@@ -10,40 +10,34 @@ using velino::test::StoreTest;
 namespace {
 
 // Every signal the model sends, in order, written short: "inserted 0", "removed 2",
-// "moved 3>0", "changed 1 isActive", "reset".
+// "moved 3>0", "changed 1 isActive", "reset"; " to N" when it spans rows up to N.
 class ModelLog : public QObject {
 public:
     explicit ModelLog(CustomPresetListModel &model) {
-        connect(&model, &QAbstractItemModel::rowsInserted, this,
-                [this](const QModelIndex &, int first, int last) {
-                    add(QStringLiteral("inserted %1").arg(first), first, last);
-                });
-        connect(&model, &QAbstractItemModel::rowsRemoved, this,
-                [this](const QModelIndex &, int first, int last) {
-                    add(QStringLiteral("removed %1").arg(first), first, last);
-                });
+        const auto rows = [this](const char *what) {
+            return [this, what](const QModelIndex &, int first, int last) {
+                add(QLatin1String(what) + QString::number(first), first, last);
+            };
+        };
+        connect(&model, &QAbstractItemModel::rowsInserted, this, rows("inserted "));
+        connect(&model, &QAbstractItemModel::rowsRemoved, this, rows("removed "));
         connect(&model, &QAbstractItemModel::rowsMoved, this,
                 [this](const QModelIndex &, int first, int last, const QModelIndex &, int to) {
                     add(QStringLiteral("moved %1>%2").arg(first).arg(to), first, last);
                 });
         connect(&model, &QAbstractItemModel::dataChanged, this,
                 [this](const QModelIndex &from, const QModelIndex &to, const QList<int> &roles) {
-                    const QString what = roles == QList<int>{CustomPresetListModel::IsActiveRole}
-                                             ? QStringLiteral("isActive")
-                                             : QStringLiteral("content");
-                    add(QStringLiteral("changed %1 %2").arg(from.row()).arg(what), from.row(),
-                        to.row());
+                    const bool active = roles == QList<int>{CustomPresetListModel::IsActiveRole};
+                    add(QStringLiteral("changed %1 ").arg(from.row()) +
+                            (active ? "isActive" : "content"),
+                        from.row(), to.row());
                 });
-        connect(&model, &QAbstractItemModel::modelReset, this,
-                [this] { entries << QStringLiteral("reset"); });
+        connect(&model, &QAbstractItemModel::modelReset, this, [this] { entries << "reset"; });
     }
-
-    QStringList entries;
-
-private:
     void add(const QString &entry, int first, int last) {
         entries << (first == last ? entry : entry + QStringLiteral(" to %1").arg(last));
     }
+    QStringList entries;
 };
 
 class CustomPresetListModelTest : public StoreTest {
@@ -53,8 +47,7 @@ protected:
         auto store = makeStore();
         for (int i = 0; i < 5; ++i) {
             clock->advance(60);
-            store->setCustomPresetDraftName(QStringLiteral("P%1").arg(i));
-            store->saveAsNewCustomPreset();
+            saveAs(*store, QStringLiteral("P%1").arg(i));
         }
         return store;
     }
@@ -97,10 +90,7 @@ TEST_F(CustomPresetListModelTest, EachOperationAnnouncesOnlyTheRowsItTouches) {
          {},
          0},
         {"save as new: one row on top",
-         [](ComposerStore &s) {
-             s.setCustomPresetDraftName(QStringLiteral("Nouveau"));
-             s.saveAsNewCustomPreset();
-         },
+         [](ComposerStore &s) { saveAs(s, QStringLiteral("Nouveau")); },
          {"changed 0 isActive", "inserted 0"},
          0},
         {"overwrite an older one: it moves to the top with its new date",

@@ -5,11 +5,11 @@
 #include "qt_state_storage.h"
 #include "test_records.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSettings>
@@ -37,6 +37,10 @@ public:
     void showWarning(const QString &informativeText) override { shown.append(informativeText); }
     QStringList shown;
 };
+
+// The save status once the state is on disk, at the tests' time (14:07 in Paris).
+inline const QString kSavedStatus = QString::fromUtf16(u"Sauvegarde locale active \u00B7 14:07");
+inline const QString kUnsavedStatus = QStringLiteral("Sauvegarde locale indisponible.");
 
 // A store on real state files in a temporary folder, with a fixed clock.
 class StoreTest : public ::testing::Test {
@@ -84,12 +88,23 @@ protected:
         return std::make_unique<ComposerStore>(services());
     }
 
+    static void saveAs(ComposerStore &store, const QString &name) {
+        store.setCustomPresetDraftName(name);
+        store.saveAsNewCustomPreset();
+    }
+    // What the preset panel shows: draft name, loaded preset's name ("-" for none), last action.
+    static QStringList panel(const ComposerStore &store) {
+        return {store.customPresetDraftName(), store.activeCustomPresetName().value_or("-"),
+                store.lastAction()};
+    }
+
     // What another process would read from the files now.
     QByteArray savedBytes() const {
         QFile file(documentPath());
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
     QJsonObject savedDocument() const { return QJsonDocument::fromJson(savedBytes()).object(); }
+    QString saved(QStringView key) const { return savedDocument()[key].toString(); }
     QString savedSubject() const { return savedDocument()[u"data"][u"subject"].toString(); }
     QString savedSyncCode() const {
         return QSettings(settingsPath(), QSettings::IniFormat)
@@ -109,6 +124,8 @@ protected:
 
     // Lets timers fire for the given time.
     static void wait(int milliseconds) { QTest::qWait(milliseconds); }
+    // Long enough for every debounced regeneration and save to run.
+    static void settle() { wait(ComposerStore::kDebounceMilliseconds + 100); }
 
     QTemporaryDir dir;
     std::shared_ptr<FixedClock> clock = std::make_shared<FixedClock>();

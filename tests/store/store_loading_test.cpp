@@ -2,9 +2,6 @@
 #include "saved_payload.h"
 #include "store_fixture.h"
 
-#include <QFile>
-#include <QJsonArray>
-
 using namespace velino;
 using velino::test::StoreTest;
 
@@ -38,24 +35,21 @@ TEST_F(StoreTest, EmptyStoreStartsFromTheDefaultStateAndSavesIt) {
     EXPECT_EQ(store->activePreset(), PresetKind::Devis);
     EXPECT_TRUE(store->data() == MailComposerData::defaultRecord());
     EXPECT_EQ(store->generatedHTML().toUtf8(), test::readTestData("default_email.html"));
-    EXPECT_EQ(store->generatedSubject(), "Votre devis Korvel est pret");
     EXPECT_EQ(store->currentDetailsCount(), 4);
     EXPECT_EQ(store->currentChecklist().size(), 8);
-    EXPECT_EQ(store->currentFormatStatus(), "Pret a envoyer");
-    EXPECT_EQ(store->lastAction(), "Application prete.");
-    EXPECT_EQ(store->syncStatus(), "Aucune synchronisation effectuee.");
-    EXPECT_EQ(store->saveStatus(), QString::fromUtf16(u"Sauvegarde locale active \u00B7 14:07"));
+    EXPECT_EQ(QStringList({store->generatedSubject(), store->currentFormatStatus(),
+                           store->lastAction(), store->syncStatus(), store->saveStatus()}),
+              QStringList({"Votre devis Korvel est pret", "Pret a envoyer", "Application prete.",
+                           "Aucune synchronisation effectuee.", test::kSavedStatus}));
 
     // The saved document: compact, no active id key, numeric timestamps, empty login.
-    const QByteArray bytes = savedBytes();
-    EXPECT_FALSE(bytes.contains('\n'));
-    const QJsonObject saved = QJsonDocument::fromJson(bytes).object();
-    EXPECT_EQ(saved.value("preset").toString(), "devis");
-    EXPECT_EQ(saved.value("smtpLoginEmail").toString(), "");
-    EXPECT_TRUE(saved.value("customPresets").toArray().isEmpty());
-    EXPECT_EQ(saved.value("customPresetDraftName").toString(), "");
-    EXPECT_FALSE(saved.contains("activeCustomPresetID"));
-    EXPECT_EQ(saved.value("data").toObject(), MailComposerData::defaultRecord().toJson());
+    EXPECT_FALSE(savedBytes().contains('\n'));
+    EXPECT_EQ(
+        QStringList({saved(u"preset"), saved(u"smtpLoginEmail"), saved(u"customPresetDraftName")}),
+        QStringList({"devis", "", ""}));
+    EXPECT_TRUE(savedDocument()[u"customPresets"].toArray().isEmpty());
+    EXPECT_FALSE(savedDocument().contains("activeCustomPresetID"));
+    EXPECT_EQ(savedDocument()[u"data"].toObject(), MailComposerData::defaultRecord().toJson());
 }
 
 TEST_F(StoreTest, ValidDocumentIsLoadedRepairedAndSortedNewestFirst) {
@@ -82,19 +76,16 @@ TEST_F(StoreTest, ValidDocumentIsLoadedRepairedAndSortedNewestFirst) {
     EXPECT_EQ(presetNames(*store), QStringList({"Trente", "Vingt", "Vingt bis", "Dix"}));
     EXPECT_EQ(store->customPresets()[1].data.highlight, kCurrentHighlight);
     EXPECT_EQ(store->customPresets()[1].createdAt.sinceReference, 5.0);
-    EXPECT_EQ(uuidText(*store->activeCustomPresetID()), c);
-    EXPECT_EQ(store->customPresetDraftName(), "Brouillon");
+    EXPECT_EQ(panel(*store), QStringList({"Brouillon", "Vingt", "Application prete."}));
 
     // Written back at once: repaired texts, sorted library, empty login, upper-case ids.
-    const QJsonObject saved = savedDocument();
-    EXPECT_EQ(saved.value("smtpLoginEmail").toString(), "");
-    EXPECT_EQ(saved.value("activeCustomPresetID").toString(), c);
-    const QJsonArray presets = saved.value("customPresets").toArray();
-    ASSERT_EQ(presets.size(), 4);
-    EXPECT_EQ(presets[0].toObject().value("updatedAt").toDouble(), 30.0);
-    EXPECT_EQ(presets[1].toObject().value("data").toObject().value("highlight").toString(),
-              kCurrentHighlight);
-    EXPECT_EQ(saved.value("data").toObject().value("highlight").toString(), kCurrentHighlight);
+    EXPECT_EQ(QStringList({saved(u"smtpLoginEmail"), saved(u"activeCustomPresetID")}),
+              QStringList({"", c}));
+    const QJsonValue presets = savedDocument()[u"customPresets"];
+    EXPECT_EQ(presets.toArray().size(), 4);
+    EXPECT_EQ(presets[0][u"updatedAt"].toDouble(), 30.0);
+    EXPECT_EQ(presets[1][u"data"][u"highlight"].toString(), kCurrentHighlight);
+    EXPECT_EQ(savedDocument()[u"data"][u"highlight"].toString(), kCurrentHighlight);
 }
 
 TEST_F(StoreTest, MinimalDocumentLoadsAndTheNextSaveAddsTheOptionalKeys) {
@@ -107,59 +98,47 @@ TEST_F(StoreTest, MinimalDocumentLoadsAndTheNextSaveAddsTheOptionalKeys) {
     EXPECT_TRUE(store->customPresets().isEmpty());
     EXPECT_FALSE(store->activeCustomPresetID().has_value());
     EXPECT_EQ(store->customPresetDraftName(), "");
-    const QJsonObject saved = savedDocument();
-    EXPECT_EQ(saved.value("smtpLoginEmail").toString(), "");
-    EXPECT_TRUE(saved.value("customPresets").isArray());
-    EXPECT_FALSE(saved.contains("activeCustomPresetID"));
+    EXPECT_EQ(saved(u"smtpLoginEmail"), "");
+    EXPECT_TRUE(savedDocument()[u"customPresets"].isArray());
+    EXPECT_FALSE(savedDocument().contains("activeCustomPresetID"));
 }
 
 // Each unreadable document makes the store start from the default state, silently, and
 // the first save replaces it.
-class UnreadableDocument : public StoreTest, public ::testing::WithParamInterface<const char *> {};
-
-TEST_P(UnreadableDocument, FallsBackToTheDefaultStateAndIsOverwritten) {
-    const QString kind = QString::fromLatin1(GetParam());
-    QJsonObject document = minimalDocument();
-    QJsonObject preset = presetJson(uuidText(randomUuid()), "Atelier", 10);
-    if (kind == "unknown preset") {
-        document.insert("preset", "promo");
-    } else if (kind == "missing data") {
-        document.remove("data");
-    } else if (kind == "data without footerNote") {
-        QJsonObject data = document.value("data").toObject();
-        data.remove("footerNote");
-        document.insert("data", data);
-    } else if (kind == "date string") {
-        preset.insert("updatedAt", "2026-01-01T00:00:00Z");
-        document.insert("customPresets", QJsonArray{preset});
-    } else if (kind == "bad active id") {
-        document.insert("activeCustomPresetID", "pas-un-uuid");
-    } else if (kind == "malformed preset") {
-        preset.insert("sourcePreset", "Relance");
-        document.insert("customPresets",
-                        QJsonArray{presetJson(uuidText(randomUuid()), "Ok", 3), preset});
-    } else if (kind == "preset not an object") {
-        document.insert("customPresets", QJsonArray{42});
+TEST_F(StoreTest, UnreadableDocumentFallsBackToTheDefaultStateAndIsOverwritten) {
+    QJsonObject noFooter = MailComposerData::defaultRecord().toJson();
+    noFooter.remove("footerNote");
+    QJsonObject dated = presetJson(uuidText(randomUuid()), "Atelier", 10);
+    dated.insert("updatedAt", "2026-01-01T00:00:00Z");
+    QJsonObject malformed = presetJson(uuidText(randomUuid()), "Atelier", 10);
+    malformed.insert("sourcePreset", "Relance");
+    const QJsonArray fine{presetJson(uuidText(randomUuid()), "Ok", 3)};
+    const std::tuple<const char *, QString, QJsonValue> cases[] = {
+        {"unknown preset", "preset", "promo"},
+        {"missing data", "data", QJsonValue::Undefined},
+        {"data without footerNote", "data", noFooter},
+        {"date string", "customPresets", QJsonArray{dated}},
+        {"bad active id", "activeCustomPresetID", "pas-un-uuid"},
+        {"malformed preset", "customPresets", fine + malformed},
+        {"preset not an object", "customPresets", QJsonArray{42}},
+    };
+    for (const auto &[what, key, value] : cases) {
+        SCOPED_TRACE(what);
+        QJsonObject document = minimalDocument();
+        document.insert(key, value); // an undefined value removes the key
+        writeSavedDocument(document);
+        const auto store = makeStore();
+        EXPECT_EQ(store->activePreset(), PresetKind::Devis);
+        EXPECT_TRUE(store->data() == MailComposerData::defaultRecord());
+        EXPECT_TRUE(store->customPresets().isEmpty());
+        EXPECT_TRUE(alerts->shown.isEmpty());
+        EXPECT_EQ(saved(u"preset"), "devis");
+        EXPECT_EQ(savedDocument()[u"data"].toObject(), MailComposerData::defaultRecord().toJson());
     }
-    writeSavedDocument(document);
-    const auto store = makeStore();
-    EXPECT_EQ(store->activePreset(), PresetKind::Devis);
-    EXPECT_TRUE(store->data() == MailComposerData::defaultRecord());
-    EXPECT_TRUE(store->customPresets().isEmpty());
-    EXPECT_TRUE(alerts->shown.isEmpty());
-    EXPECT_EQ(savedDocument().value("preset").toString(), "devis");
-    EXPECT_EQ(savedDocument().value("data").toObject(), MailComposerData::defaultRecord().toJson());
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, UnreadableDocument,
-                         ::testing::Values("unknown preset", "missing data",
-                                           "data without footerNote", "date string",
-                                           "bad active id", "malformed preset",
-                                           "preset not an object"));
-
 TEST_F(StoreTest, LargeDocumentIsReadWhole) {
-    // About 50 MB: one valid document with a very long footer and many presets.
-    SavedPayload payload;
+    SavedPayload payload; // about 50 MB: a very long footer and many presets
     payload.data = MailComposerData::defaultRecord();
     payload.data.footerNote = QString(20 * 1024 * 1024, u'x');
     for (int i = 0; i < 1000; ++i) {
@@ -183,15 +162,15 @@ TEST_F(StoreTest, LargeDocumentIsReadWhole) {
 TEST_F(StoreTest, UnwritableDocumentIsReportedAndTheStoreKeepsWorking) {
     blockDataFolder();
     const auto store = makeStore();
-    EXPECT_EQ(store->saveStatus(), "Sauvegarde locale indisponible.");
+    EXPECT_EQ(store->saveStatus(), test::kUnsavedStatus);
     store->setDataField("subject", "Objet toujours modifiable");
-    wait(ComposerStore::kDebounceMilliseconds + 100);
+    settle();
     EXPECT_EQ(store->generatedSubject(), "Objet toujours modifiable");
-    EXPECT_EQ(store->saveStatus(), "Sauvegarde locale indisponible.");
+    EXPECT_EQ(store->saveStatus(), test::kUnsavedStatus);
 
     // Once the folder can be written again, the next save writes the whole state.
     unblockDataFolder();
     store->applyPreset(PresetKind::Rdv);
-    EXPECT_EQ(store->saveStatus(), QString::fromUtf16(u"Sauvegarde locale active \u00B7 14:07"));
+    EXPECT_EQ(store->saveStatus(), test::kSavedStatus);
     EXPECT_EQ(savedSubject(), "Confirmation de votre rendez-vous");
 }

@@ -1,6 +1,5 @@
 #include "output_fixture.h"
 
-#include "identifiers.h"
 #include "suggested_file_name.h"
 
 #include <QRegularExpression>
@@ -8,7 +7,6 @@
 #include <sys/stat.h>
 
 using namespace velino;
-using velino::test::FixedIds;
 using velino::test::OutputTest;
 
 namespace {
@@ -27,85 +25,76 @@ void writeFile(const QString &path, const QByteArray &bytes) {
 
 } // namespace
 
-// ---- Export ----------------------------------------------------------------------------
-
+// Accents stay in the suggested name, the file and the report; an older, longer file is
+// replaced whole.
 TEST_F(OutputTest, ExportWritesTheDocumentToTheChosenFile) {
     const auto store = makeOutputStore();
-    store->setDataField("subject", "RDV : lundi 10h");
-    const QString target = dir.filePath("rendez-vous.html");
-    writeFile(target, QByteArray(200000, 'x')); // an older, longer file is replaced whole
-    saveDialog->answer = target;
-    store->exportHTML();
-    EXPECT_EQ(fileBytes(target), store->generatedHTML().toUtf8());
-    EXPECT_TRUE(store->generatedHTML().contains("RDV : lundi 10h"));
-    EXPECT_EQ(store->lastAction(), "HTML exporte vers rendez-vous.html.");
-    EXPECT_EQ(*log, QStringList({"saveDialog", "lastAction: HTML exporte vers rendez-vous.html."}));
-
-    // Accents stay in the suggested name, the file and the report.
-    const QString subject = QString::fromUtf16(u"Votre devis \u2013 iPhone 13 (\u00C9cran) \u2713");
-    store->setDataField("subject", subject);
-    const QString accented = dir.filePath(QString::fromUtf16(u"r\u00E9paration \u00E9cran.html"));
-    saveDialog->answer = accented;
-    store->exportHTML();
-    const QByteArray written = fileBytes(accented);
-    EXPECT_EQ(written, store->generatedHTML().toUtf8());
-    EXPECT_TRUE(written.contains(subject.toUtf8()));
-    EXPECT_EQ(store->lastAction(),
-              QString::fromUtf16(u"HTML exporte vers r\u00E9paration \u00E9cran.html."));
-
-    EXPECT_EQ(saveDialog->titles, QStringList(2, "Exporter le mail HTML"));
-    EXPECT_EQ(saveDialog->suggestedNames,
-              QStringList({"rdv-lundi-10h.html",
-                           QString::fromUtf16(u"votre-devis-iphone-13-\u00E9cran.html")}));
-    EXPECT_EQ(saveDialog->suggestedNames[1], suggestedFileName(store->generatedSubject()));
+    const std::tuple<QString, QString, QString> cases[] = {
+        {"RDV : lundi 10h", "rendez-vous.html", "rdv-lundi-10h.html"},
+        {QString::fromUtf16(u"Votre devis \u2013 iPhone 13 (\u00C9cran) \u2713"),
+         QString::fromUtf16(u"r\u00E9paration \u00E9cran.html"),
+         QString::fromUtf16(u"votre-devis-iphone-13-\u00E9cran.html")},
+    };
+    for (const auto &[subject, fileName, suggested] : cases) {
+        desktop->log.clear();
+        store->setDataField("subject", subject);
+        desktop->answer = dir.filePath(fileName);
+        writeFile(*desktop->answer, QByteArray(200000, 'x'));
+        store->exportHTML();
+        const QByteArray written = fileBytes(*desktop->answer);
+        EXPECT_EQ(written, store->generatedHTML().toUtf8());
+        EXPECT_TRUE(written.contains(subject.toUtf8()));
+        EXPECT_EQ(desktop->log,
+                  QStringList({"saveDialog", "lastAction: HTML exporte vers " + fileName + "."}));
+        EXPECT_EQ(desktop->suggestedNames.last(), suggested);
+        EXPECT_EQ(suggested, suggestedFileName(store->generatedSubject()));
+    }
+    EXPECT_EQ(desktop->titles, QStringList(2, "Exporter le mail HTML"));
 }
 
 // The dialog answers later, from the event loop: the file holds what was shown when it
 // opened, and an answer arriving after the store is gone does nothing.
 TEST_F(OutputTest, ExportAnsweredLaterWritesWhatWasShownWhenAsked) {
-    saveDialog->deferred = true;
-    const QString target = dir.filePath("plus-tard.html");
-    saveDialog->answer = target;
+    desktop->deferred = true;
+    desktop->answer = dir.filePath("plus-tard.html");
     auto store = makeOutputStore();
     store->setDataField("subject", "Objet au moment de l'export");
     store->exportHTML();
     const QString shown = store->generatedHTML();
-    EXPECT_FALSE(QFileInfo::exists(target));
+    EXPECT_FALSE(QFileInfo::exists(*desktop->answer));
     store->setDataField("subject", "Objet change ensuite");
     store->copySubject(); // regenerates
-    saveDialog->answerPending();
-    EXPECT_EQ(fileBytes(target), shown.toUtf8());
+    desktop->answerPending();
+    EXPECT_EQ(fileBytes(*desktop->answer), shown.toUtf8());
     EXPECT_EQ(store->lastAction(), "HTML exporte vers plus-tard.html.");
 
-    const QString orphan = dir.filePath("orphelin.html");
-    saveDialog->answer = orphan;
+    desktop->answer = dir.filePath("orphelin.html");
     store->exportHTML();
     store.reset();
-    saveDialog->answerPending();
-    EXPECT_FALSE(QFileInfo::exists(orphan));
+    desktop->answerPending();
+    EXPECT_FALSE(QFileInfo::exists(*desktop->answer));
 }
 
 TEST_F(OutputTest, CancelledExportChangesNothingBeyondTheSave) {
     const auto store = makeOutputStore();
     store->copySubject();
     putOtherTextOnClipboard();
-    const QStringList entriesBefore =
-        QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+    const auto entries = [&] {
+        return QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+    };
+    const QStringList entriesBefore = entries();
 
     store->setDataField("subject", "Objet jamais exporte");
     for (const std::optional<QString> &answer :
          {std::optional<QString>(), std::optional(QString())}) {
-        saveDialog->answer = answer;
+        desktop->answer = answer;
         store->exportHTML();
-        EXPECT_EQ(store->lastAction(), "Objet copie.");
-        EXPECT_TRUE(shownAlerts->shown.isEmpty());
     }
-    EXPECT_EQ(saveDialog->suggestedNames,
-              QStringList({"objet-jamais-exporte.html", "objet-jamais-exporte.html"}));
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), entriesBefore);
+    EXPECT_EQ(desktop->suggestedNames, QStringList(2, "objet-jamais-exporte.html"));
+    EXPECT_EQ(entries(), entriesBefore);
     EXPECT_EQ(clipboardContent().text(), "autre contenu");
     EXPECT_EQ(savedSubject(), "Objet jamais exporte");
-    EXPECT_EQ(*log,
+    EXPECT_EQ(desktop->log,
               QStringList({"clipboard", "lastAction: Objet copie.", "saveDialog", "saveDialog"}));
 }
 
@@ -117,87 +106,69 @@ TEST_F(OutputTest, ExportIntoAnUnwritableLocationAlertsAndKeepsTheLastAction) {
     writeFile(blocker, "pas un dossier");
     ASSERT_TRUE(QDir().mkpath(dir.filePath("dossier.html")));
     for (const QString &target : {blocker + "/mail.html", dir.filePath("dossier.html")}) {
-        log->clear();
-        saveDialog->answer = target;
+        desktop->log.clear();
+        desktop->answer = target;
         store->exportHTML();
-        EXPECT_EQ(*log, QStringList({"saveDialog", "alert: Impossible d'exporter le mail HTML."}))
-            << target.toStdString();
+        EXPECT_EQ(desktop->log,
+                  QStringList({"saveDialog", "alert: Impossible d'exporter le mail HTML."}));
         EXPECT_EQ(store->lastAction(), "Version texte copiee.");
     }
     EXPECT_EQ(fileBytes(blocker), "pas un dossier");
     EXPECT_TRUE(QFileInfo(dir.filePath("dossier.html")).isDir());
-    EXPECT_EQ(shownAlerts->shown.size(), 2);
 }
 
-// ---- Standalone preview ----------------------------------------------------------------
-
+// The folder's own permissions are checked with the private files themselves.
 TEST_F(OutputTest, EachPreviewWritesANewPrivateUuidNamedFileAndOpensIt) {
-    // A folder left open to everyone, and a umask that would let every file be read.
-    ASSERT_TRUE(QDir().mkpath(tempFolder()));
-    ASSERT_TRUE(QFile::setPermissions(tempFolder(), QFileDevice::Permissions(0x7777)));
-    const mode_t previousUmask = ::umask(0);
+    const mode_t previousUmask = ::umask(0); // would let every file be read
     const auto store = makeOutputStore();
     store->setDataField("subject", "Premier apercu");
     store->openStandalonePreview();
-    opener->accepts = false; // what the browser does is not the store's concern
+    desktop->accepts = false; // what the browser does is not the store's concern
     store->setDataField("subject", "Second apercu");
     store->openStandalonePreview();
-    const QByteArray secondHtml = store->generatedHTML().toUtf8();
     ::umask(previousUmask);
-    EXPECT_EQ(QFileInfo(tempFolder()).permissions() & QFileDevice::Permissions(0x0077), 0)
-        << "group and others shut out of the folder";
 
-    ASSERT_EQ(opener->opened.size(), 2);
+    ASSERT_EQ(desktop->opened.size(), 2);
     static const QRegularExpression uuidName(
         "^[0-9A-F]{8}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{12}\\.html$");
     QStringList paths;
-    for (const QUrl &url : opener->opened) {
-        ASSERT_TRUE(url.isLocalFile()) << url.toString().toStdString();
+    for (const QUrl &url : desktop->opened) {
         const QFileInfo file(url.toLocalFile());
-        EXPECT_TRUE(uuidName.match(file.fileName()).hasMatch()) << file.fileName().toStdString();
+        EXPECT_TRUE(uuidName.match(file.fileName()).hasMatch()) << url.toString().toStdString();
         EXPECT_EQ(file.absolutePath(), QDir(tempFolder()).canonicalPath());
         EXPECT_EQ(file.permissions(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
                                           QFileDevice::ReadUser | QFileDevice::WriteUser);
         paths.append(file.filePath());
     }
-    EXPECT_NE(paths[0], paths[1]);
     // Both files stay; each holds the document of its own call.
-    const QByteArray first = fileBytes(paths[0]);
-    EXPECT_TRUE(first.contains("Premier apercu"));
-    EXPECT_FALSE(first.contains("Second apercu"));
-    EXPECT_EQ(fileBytes(paths[1]), secondHtml);
+    EXPECT_TRUE(fileBytes(paths[0]).contains("Premier apercu"));
+    EXPECT_FALSE(fileBytes(paths[0]).contains("Second apercu"));
+    EXPECT_EQ(fileBytes(paths[1]), store->generatedHTML().toUtf8());
     EXPECT_EQ(QDir(tempFolder()).entryList(QDir::Files).size(), 2);
-
-    EXPECT_EQ(store->lastAction(), "Apercu autonome ouvert.");
-    EXPECT_EQ(log->filter("lastAction"),
+    EXPECT_EQ(desktop->log.filter("lastAction"),
               QStringList(2, QStringLiteral("lastAction: Apercu autonome ouvert.")));
-    EXPECT_TRUE(shownAlerts->shown.isEmpty());
+    EXPECT_TRUE(desktop->shown.isEmpty());
 }
 
 TEST_F(OutputTest, PreviewThatCannotBeWrittenAlertsAndOpensNothing) {
-    auto fixed = std::make_shared<FixedIds>();
-    fixed->id = randomUuid();
-    ids = fixed;
-    const QString name = uuidText(fixed->id) + ".html";
+    desktop->fixedId = randomUuid();
+    const QString name = uuidText(*desktop->fixedId) + ".html";
     const auto store = makeOutputStore();
     store->copySubject();
-
     // A folder already holds the file's name.
     ASSERT_TRUE(QDir().mkpath(QDir(tempFolder()).filePath(name)));
-    log->clear();
+    desktop->log.clear();
     store->openStandalonePreview();
-    EXPECT_EQ(*log, QStringList{"alert: Impossible d'ouvrir l'apercu."});
-
+    EXPECT_EQ(desktop->log, QStringList{"alert: Impossible d'ouvrir l'apercu."});
     EXPECT_EQ(store->lastAction(), "Objet copie.");
-    EXPECT_TRUE(QFileInfo(QDir(tempFolder()).filePath(name)).isDir());
 
     // No private folder at all: its path runs through a regular file.
     writeFile(dir.filePath("bloc"), "pas un dossier");
     files = std::make_shared<QtFileSystem>(dir.filePath("bloc/tmp"));
     const auto blocked = makeOutputStore();
     blocked->openStandalonePreview();
-    EXPECT_EQ(*log, QStringList{"alert: Impossible d'ouvrir l'apercu."});
+    EXPECT_EQ(desktop->log, QStringList{"alert: Impossible d'ouvrir l'apercu."});
     EXPECT_FALSE(QFileInfo::exists(QDir::current().filePath(name)));
     EXPECT_EQ(blocked->lastAction(), "Application prete.");
-    EXPECT_TRUE(opener->opened.isEmpty());
+    EXPECT_TRUE(desktop->opened.isEmpty());
 }

@@ -5,10 +5,8 @@
 #include "qt_services.h"
 
 #include <QElapsedTimer>
+#include <QProcessEnvironment>
 #include <QStandardPaths>
-
-#include <utility>
-#include <vector>
 
 using namespace velino;
 using velino::test::OutputTest;
@@ -31,7 +29,7 @@ protected:
         data.senderEmail = sender;
         data.subject = QStringLiteral("Devis pret");
         store->setData(data);
-        log->clear();
+        desktop->log.clear();
         return store;
     }
 
@@ -50,32 +48,29 @@ TEST_F(MailDraftTest, DraftCreatedInTheMailApplication) {
     putOtherTextOnClipboard();
     store->openAppleMailDraft();
 
-    EXPECT_EQ(*log, QStringList({"findApplication", "launchApplication", "runDraft",
-                                 "lastAction: " + kTexts.draftOpened}));
-    ASSERT_EQ(mailApp->drafts.size(), 1);
-    const MailDraft &draft = mailApp->drafts[0];
+    EXPECT_EQ(desktop->log, QStringList({"findApplication", "launchApplication", "runDraft",
+                                         "lastAction: " + kTexts.draftOpened}));
+    ASSERT_EQ(desktop->drafts.size(), 1);
+    const MailDraft &draft = desktop->drafts[0];
+    EXPECT_EQ(QStringList({draft.subject, draft.recipient, draft.sender, draft.html}),
+              QStringList({store->generatedSubject(), "client@example.com",
+                           "atelier@korvel.example", store->generatedHTML()}));
     EXPECT_EQ(draft.subject, "Devis pret");
-    EXPECT_EQ(draft.subject, store->generatedSubject());
-    EXPECT_EQ(draft.recipient, "client@example.com");
-    EXPECT_EQ(draft.sender, "atelier@korvel.example");
-    EXPECT_EQ(draft.html, store->generatedHTML());
     EXPECT_EQ(draft.script, mailDraftScript("Devis pret", "client@example.com",
                                             "atelier@korvel.example", store->generatedHTML()));
     EXPECT_EQ(clipboardContent().text(), "autre contenu");
-    EXPECT_TRUE(opener->opened.isEmpty());
-    EXPECT_TRUE(shownAlerts->shown.isEmpty());
+    EXPECT_TRUE(desktop->opened.isEmpty() && desktop->shown.isEmpty());
 }
 
 // Whatever stops the draft, the content is copied and a plain new mail is opened; when even
 // that link is refused, the reason is shown instead and the last action stays.
 TEST_F(MailDraftTest, EveryFailureEndsInTheFallbackOrItsOwnMessage) {
     const QString blank = QString::fromUtf16(u" \t\u00A0\n");
-    const QString permission = kTexts.automationRefused;
+    const QString client = "client@example.com", atelier = "atelier@korvel.example";
     const QStringList draftRun{"findApplication", "launchApplication", "runDraft"};
     struct Case {
         const char *what;
-        QString recipient;
-        QString sender;
+        QString recipient, sender;
         bool installed;
         std::optional<DraftFailure> failure;
         QStringList before; // the calls before the copy
@@ -84,56 +79,47 @@ TEST_F(MailDraftTest, EveryFailureEndsInTheFallbackOrItsOwnMessage) {
     const Case cases[] = {
         // The mail application is not even looked for.
         {"no recipient", blank, blank, true, {}, {}, "Renseigne l'email du client avant l'envoi."},
-        {"no sender",
-         "client@example.com",
-         blank,
-         true,
-         {},
-         {},
-         "Renseigne l'email expediteur avant l'envoi."},
+        {"no sender", client, blank, true, {}, {}, "Renseigne l'email expediteur avant l'envoi."},
         {"no mail application",
-         "client@example.com",
-         "atelier@korvel.example",
+         client,
+         atelier,
          false,
          {},
          {"findApplication"},
          kTexts.applicationMissing},
-        {"refused with a message", "client@example.com", "atelier@korvel.example", true,
+        {"refused with a message", client, atelier, true,
          DraftFailure{false, "  Mail a refuse le brouillon.\n", 1743}, draftRun,
          "Mail a refuse le brouillon."},
-        {"blank message", "client@example.com", "atelier@korvel.example", true,
-         DraftFailure{false, " ", 42}, draftRun, permission},
-        {"no message", "client@example.com", "atelier@korvel.example", true,
-         DraftFailure{false, {}, {}}, draftRun, permission},
-        {"not prepared", "client@example.com", "atelier@korvel.example", true,
-         DraftFailure{true, "ignore", 7}, draftRun, kTexts.bridgeUnavailable},
+        {"blank message", client, atelier, true, DraftFailure{false, " ", 42}, draftRun,
+         kTexts.automationRefused},
+        {"no message", client, atelier, true, DraftFailure{false, {}, {}}, draftRun,
+         kTexts.automationRefused},
+        {"not prepared", client, atelier, true, DraftFailure{true, "ignore", 7}, draftRun,
+         kTexts.bridgeUnavailable},
     };
     for (const Case &c : cases) {
-        mailApp->installed = c.installed;
-        mailApp->failure = c.failure;
-        const QString link =
-            c.recipient == blank
-                ? QStringLiteral("openUrl: mailto:?subject=Devis%20pret")
-                : QStringLiteral("openUrl: mailto:client@example.com?subject=Devis%20pret");
+        desktop->mailAppInstalled = c.installed;
+        desktop->draftFailure = c.failure;
+        const QString link = QStringLiteral("openUrl: mailto:%1?subject=Devis%20pret")
+                                 .arg(c.recipient == blank ? "" : client);
         for (const bool opens : {true, false}) {
-            opener->accepts = opens;
+            SCOPED_TRACE(std::string(c.what) + (opens ? "" : ", link refused"));
+            desktop->accepts = opens;
             const auto store = storeWith(c.recipient, c.sender);
             store->openAppleMailDraft();
             const QStringList after =
                 opens ? QStringList{"lastAction: " + kFallbackAction, "alert: " + kFallbackAlert}
                       : QStringList{"alert: " + c.message};
-            EXPECT_EQ(*log, (c.before + QStringList{"clipboard", link} + after))
-                << c.what << (opens ? "" : ", link refused");
-            EXPECT_EQ(store->lastAction(), opens ? kFallbackAction : "Application prete.")
-                << c.what;
+            EXPECT_EQ(desktop->log, (c.before + QStringList{"clipboard", link} + after));
+            EXPECT_EQ(store->lastAction(), opens ? kFallbackAction : "Application prete.");
             expectRichCopyOf(*store);
         }
     }
-    EXPECT_EQ(mailApp->drafts.size(), 8);
+    EXPECT_EQ(desktop->drafts.size(), 8);
 }
 
 TEST_F(MailDraftTest, FallbackCopyFollowsTheImportFailureRule) {
-    richText = std::make_shared<test::ScriptedRichText>(); // cannot import anything
+    desktop->scripted = true; // cannot import anything
     const auto store = storeWith("", "");
     store->openAppleMailDraft();
     EXPECT_EQ(clipboardContent().html(), store->generatedHTML());
@@ -144,32 +130,29 @@ TEST_F(MailDraftTest, FallbackCopyFollowsTheImportFailureRule) {
 
 namespace {
 
-// Sets environment variables for the life of the object, then restores them.
+// Sets and unsets environment variables; the destructor puts the earlier values back.
 class ScopedEnvironment {
 public:
     ~ScopedEnvironment() {
-        for (auto it = saved_.rbegin(); it != saved_.rend(); ++it) {
-            if (it->second)
-                qputenv(it->first, *it->second);
+        for (const char *name : changed) {
+            if (saved.contains(name))
+                qputenv(name, saved.value(name).toLocal8Bit());
             else
-                qunsetenv(it->first);
+                qunsetenv(name);
         }
     }
     void set(const char *name, const QString &value) {
-        remember(name);
+        changed.append(name);
         qputenv(name, QFile::encodeName(value));
     }
     void unset(const char *name) {
-        remember(name);
+        changed.append(name);
         qunsetenv(name);
     }
 
 private:
-    void remember(const char *name) {
-        saved_.emplace_back(name, qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name))
-                                                                  : std::nullopt);
-    }
-    std::vector<std::pair<const char *, std::optional<QByteArray>>> saved_;
+    const QProcessEnvironment saved = QProcessEnvironment::systemEnvironment();
+    QList<const char *> changed;
 };
 
 void writeExecutable(const QString &path, const QByteArray &content) {
@@ -205,13 +188,13 @@ TEST_F(MailDraftTest, RealXdgOpenWithoutAMailtoHandlerEndsInTheBridgeError) {
         env.set("DISPLAY", ":0"); // xdg-open looks for scheme handlers only with a display
 
     urls = std::make_shared<DesktopUrlOpener>();
-    mailApp->installed = false;
+    desktop->mailAppInstalled = false;
     const auto store = storeWith("client@example.com", "atelier@korvel.example");
     QElapsedTimer elapsed;
     elapsed.start();
     store->openAppleMailDraft();
     EXPECT_LT(elapsed.elapsed(), DesktopUrlOpener::kXdgOpenWaitMilliseconds);
-    EXPECT_EQ(*log,
+    EXPECT_EQ(desktop->log,
               (QStringList{"findApplication", "clipboard", "alert: " + kTexts.applicationMissing}));
     EXPECT_EQ(store->lastAction(), "Application prete.");
 
@@ -224,10 +207,11 @@ TEST_F(MailDraftTest, RealXdgOpenWithoutAMailtoHandlerEndsInTheBridgeError) {
             "/handler.sh %u\nMimeType=x-scheme-handler/mailto;\n");
     writeExecutable(xdg + "/config/mimeapps.list",
                     "[Default Applications]\nx-scheme-handler/mailto=velino-test-mail.desktop\n");
-    log->clear();
+    desktop->log.clear();
     store->openAppleMailDraft();
-    EXPECT_EQ(*log, (QStringList{"findApplication", "clipboard", "lastAction: " + kFallbackAction,
-                                 "alert: " + kFallbackAlert}));
+    EXPECT_EQ(desktop->log,
+              (QStringList{"findApplication", "clipboard", "lastAction: " + kFallbackAction,
+                           "alert: " + kFallbackAlert}));
     QFile link(received);
     ASSERT_TRUE(link.open(QIODevice::ReadOnly));
     EXPECT_EQ(link.readAll(), "mailto:client@example.com?subject=Devis%20pret");
