@@ -58,25 +58,20 @@ TEST_F(StoreSyncTest, PushSendsTheStateAsItWasWhenTheButtonWasPressed) {
     EXPECT_TRUE(request.body.contains("\"version\":1,") || request.body.contains("\"version\":1}"))
         << body;
 
-    const QJsonObject upload = bodyObject(request);
-    EXPECT_EQ(upload.keys(), QStringList({"code", "payload"})) << body;
-    EXPECT_EQ(upload[u"code"].toString(), kSyncCode);
-    const QJsonObject payload = upload[u"payload"].toObject();
-    EXPECT_EQ(payload.keys(), QStringList({"activePreset", "customPresetDraftName", "customPresets",
-                                           "data", "schema", "source", "updatedAt", "version"}));
     // Stamped when the button was pressed, not when the request left.
-    EXPECT_EQ(QStringList({payload[u"schema"].toString(), payload[u"activePreset"].toString(),
-                           payload[u"source"].toString(), payload[u"updatedAt"].toString()}),
-              QStringList({"korvel-velino-sync", "pret", "macos", "2026-03-05T13:07:30Z"}));
-    EXPECT_EQ(payload[u"customPresets"], QJsonArray());
-    EXPECT_EQ(payload[u"customPresetDraftName"], "");
-    QString error;
-    const std::optional<MailComposerData> sent =
-        MailComposerData::fromJson(payload[u"data"].toObject(), QString(), &error);
-    ASSERT_TRUE(sent.has_value()) << error.toStdString();
-    EXPECT_TRUE(*sent == pressed);
+    const QJsonObject payload{{"schema", "korvel-velino-sync"},
+                              {"version", 1},
+                              {"activePreset", "pret"},
+                              {"data", pressed.toJson()},
+                              {"customPresets", QJsonArray()},
+                              {"customPresetDraftName", ""},
+                              {"source", "macos"},
+                              {"updatedAt", "2026-03-05T13:07:30Z"}};
+    EXPECT_EQ(bodyObject(request), QJsonObject({{"code", kSyncCode}, {"payload", payload}}))
+        << body;
 }
 
+// Other times and texts are shown as SyncTimeLabel's own test expects.
 TEST_F(StoreSyncTest, PushShowsTheAnswerTimeInTheUsersZoneOrTheTextAsItCame) {
     const auto store = makeSyncStore();
     const QString prefix = QString::fromUtf16(u"Brouillon envoye vers l'iPhone \u00b7 ");
@@ -86,11 +81,6 @@ TEST_F(StoreSyncTest, PushShowsTheAnswerTimeInTheUsersZoneOrTheTextAsItCame) {
     };
     const Case cases[] = {
         {uploadBody(kAnswerTime), "10:15"},
-        // Winter time, and the next day in Paris.
-        {uploadBody("2026-01-15T23:30:00Z"), "00:30"},
-        {uploadBody("2026-06-05T08:15:00+02:00"), "08:15"},
-        {uploadBody("2026-06-05T08:15:00.250Z"), "2026-06-05T08:15:00.250Z"},
-        {uploadBody("demain matin"), "demain matin"},
         {uploadBody(""), ""},
         // The flag is required but not consulted; unknown keys are ignored.
         {R"({"ok":false,"updatedAt":"2026-06-05T08:15:00Z"})", "10:15"},

@@ -8,9 +8,7 @@
 #include <QSignalSpy>
 
 #include <chrono>
-#include <functional>
 #include <memory>
-#include <optional>
 
 namespace velino::test {
 
@@ -92,31 +90,27 @@ protected:
     }
     void answerJson(const QByteArray &body) { answerWith(TestHttpAnswer::json(200, body)); }
 
-    // The JSON object of a request body, or an empty object when it is not one.
     static QJsonObject bodyObject(const TestHttpRequest &request) {
         return QJsonDocument::fromJson(request.body).object();
     }
 
     // A well-formed payload as the phone would store it, written out key by key.
     static QJsonObject phonePayload(const QString &preset, const MailComposerData &data) {
-        return QJsonObject{
-            {"schema", "korvel-velino-sync"},
-            {"version", 1},
-            {"activePreset", preset},
-            {"data", data.toJson()},
-            {"customPresets", QJsonArray{}},
-            {"customPresetDraftName", "Nom cote iPhone"},
-            {"updatedAt", "2026-01-01T00:00:00Z"},
-            {"source", "ios"},
-        };
+        return QJsonObject{{"schema", "korvel-velino-sync"},
+                           {"version", 1},
+                           {"activePreset", preset},
+                           {"data", data.toJson()},
+                           {"customPresets", QJsonArray{}},
+                           {"customPresetDraftName", "Nom cote iPhone"},
+                           {"updatedAt", "2026-01-01T00:00:00Z"},
+                           {"source", "ios"}};
     }
 
     static QJsonObject downloadAnswer(const QJsonObject &payload,
                                       const QString &snapshotUpdatedAt = kAnswerTime,
                                       const QJsonValue &ok = true) {
-        return QJsonObject{
-            {"ok", ok},
-            {"snapshot", QJsonObject{{"updatedAt", snapshotUpdatedAt}, {"payload", payload}}}};
+        return {{"ok", ok},
+                {"snapshot", QJsonObject{{"updatedAt", snapshotUpdatedAt}, {"payload", payload}}}};
     }
 
     static QByteArray compact(const QJsonObject &object) {

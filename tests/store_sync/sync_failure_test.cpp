@@ -23,6 +23,8 @@ QByteArray paddedTo(QByteArray body, qint64 size) {
 
 using StoreSyncFailureTest = StoreSyncTest;
 
+// Other refusals are read as SyncResponse's own test expects; an answer over the limit
+// without a declared length is AnswersUpToEightMebibytesAreRead's.
 TEST_F(StoreSyncFailureTest, RefusedAndUnreadableAnswersAreShownAsTheyCame) {
     const auto store = makeSettledStore(syncServices());
     const QByteArray tooLarge = "{\"error\":\"" + QByteArray(9 * 1024 * 1024, 'x') + "\"}";
@@ -34,16 +36,11 @@ TEST_F(StoreSyncFailureTest, RefusedAndUnreadableAnswersAreShownAsTheyCame) {
     const Case cases[] = {
         {"404 with an error record", TestHttpAnswer::json(404, R"({"error":"Code inconnu"})"),
          "Code inconnu"},
-        {"400 with an empty message", TestHttpAnswer::json(400, R"({"error":""})"), ""},
         {"500 with an HTML page",
          TestHttpAnswer{500, "text/html", "<html><body>Erreur interne</body></html>", true, false},
          "Synchronisation impossible."},
-        {"500 with an error of the wrong type", TestHttpAnswer::json(500, R"({"error":42})"),
-         "Synchronisation impossible."},
         {"answer over 8 MiB, length declared",
          TestHttpAnswer{200, "application/json", tooLarge, true, false}, kTooLargeText},
-        {"answer over 8 MiB, length not declared",
-         TestHttpAnswer{200, "application/json", tooLarge, false, false}, kTooLargeText},
     };
     for (const Case &c : cases) {
         answerWith(c.answer);
@@ -92,16 +89,6 @@ TEST_F(StoreSyncFailureTest, AnswersUpToEightMebibytesAreRead) {
     EXPECT_EQ(alerts->shown.size(), 1);
 }
 
-TEST_F(StoreSyncFailureTest, AServerThatNeverAnswersIsGivenUp) {
-    answerWith(TestHttpAnswer::never());
-    // Short enough to give up quickly, long enough for a handshake on a busy machine.
-    transferTimeout = 1500ms;
-    const auto store = makeSettledStore(syncServices());
-    for (const auto operation : {push, pull})
-        EXPECT_EQ(failureOf(*store, operation, "silent server"), kTimedOutText);
-    EXPECT_EQ(server->requests().size(), 2);
-}
-
 TEST_F(StoreSyncFailureTest, UnreachableOrUnusableAddressesFail) {
     StoreServices services = syncServices();
     services.syncEndpoint.setPort(closedLocalPort());
@@ -127,12 +114,8 @@ TEST_F(StoreSyncFailureTest, AnUntrustedCertificateIsRefusedAndNothingIsApplied)
     ASSERT_TRUE(stranger.has_value()) << error.toStdString();
     HttpsTestServer impostor(*stranger);
     ASSERT_TRUE(impostor.listen());
-    const QByteArray snapshot =
-        compact(downloadAnswer(phonePayload("relance", defaultWith(u"recipientName", "Intrus"))));
-    impostor.setHandler([&](const TestHttpRequest &request) {
-        return TestHttpAnswer::json(200,
-                                    request.method == "PUT" ? uploadBody(kAnswerTime) : snapshot);
-    });
+    impostor.setHandler(
+        [](const TestHttpRequest &) { return TestHttpAnswer::json(200, uploadBody(kAnswerTime)); });
 
     StoreServices services = syncServices();
     services.syncEndpoint = impostor.url("/api/velino-sync");
@@ -143,21 +126,15 @@ TEST_F(StoreSyncFailureTest, AnUntrustedCertificateIsRefusedAndNothingIsApplied)
                                     "reconnu par cet ordinateur. ("));
     EXPECT_TRUE(impostor.requests().isEmpty());
     EXPECT_EQ(store->data().recipientName, "Client du poste");
-
-    // The same server is reached once its authority is trusted.
-    services.extraSyncCaCertificates.append(stranger->caCertificate);
-    const auto trusting = makeSyncStore(services);
-    trusting->pullFromWeb();
-    ASSERT_TRUE(waitForIdle(*trusting));
-    EXPECT_EQ(trusting->data().recipientName, "Intrus");
-    EXPECT_EQ(impostor.requests().size(), 1);
 }
 
-TEST_F(StoreSyncFailureTest, AStoreDestroyedDuringARequestIsNeverCalledBack) {
+// Stores destroyed while the server holds the push, while it holds the pull, and before the
+// request has even left would each time out and alert; a store started after all of them,
+// with the same timeout, gives up last.
+TEST_F(StoreSyncFailureTest, ASilentServerIsGivenUpAndDestroyedStoresAreNeverCalledBack) {
     answerWith(TestHttpAnswer::never());
-    transferTimeout = 1s;
-    // Destroyed while the server holds the push, while it holds the pull, and before the
-    // request has even left: each request would otherwise time out and alert.
+    // Short enough to give up quickly, long enough for a handshake on a busy machine.
+    transferTimeout = 1500ms;
     for (const auto operation : {push, pull}) {
         auto store = makeSettledStore(syncServices());
         const qsizetype requestsBefore = server->requests().size();
@@ -166,14 +143,11 @@ TEST_F(StoreSyncFailureTest, AStoreDestroyedDuringARequestIsNeverCalledBack) {
             waitUntil([&] { return server->requests().size() > requestsBefore; }, kSyncWait));
     }
     makeSettledStore(syncServices())->pushToWeb();
-    const QByteArray saved = savedBytes();
 
-    // A store started after all of them, with the same timeout, gives up last.
-    const auto witness = makeSyncStore();
-    witness->pullFromWeb();
-    ASSERT_TRUE(waitForIdle(*witness));
-    EXPECT_EQ(alerts->shown, QStringList{kTimedOutText});
-    EXPECT_EQ(savedBytes(), saved);
+    const auto witness = makeSettledStore(syncServices());
+    for (const auto operation : {push, pull})
+        EXPECT_EQ(failureOf(*witness, operation, "silent server"), kTimedOutText);
+    EXPECT_EQ(alerts->shown, QStringList(2, kTimedOutText));
 }
 
 namespace {
@@ -185,10 +159,7 @@ public:
     void showWarning(const QString &informativeText) override {
         shown.append(informativeText);
         QEventLoop modal;
-        QTimer::singleShot(0, &modal, [this] {
-            if (store)
-                store->deleteLater();
-        });
+        QTimer::singleShot(0, store, &QObject::deleteLater);
         QTimer::singleShot(100, &modal, &QEventLoop::quit);
         modal.exec();
         storeGoneBeforeReturn = store.isNull();
@@ -196,8 +167,7 @@ public:
     }
     QPointer<ComposerStore> store;
     QStringList shown;
-    bool storeGoneBeforeReturn = false;
-    bool returned = false;
+    bool storeGoneBeforeReturn = false, returned = false;
 };
 
 } // namespace
