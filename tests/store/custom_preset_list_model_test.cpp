@@ -72,50 +72,35 @@ protected:
 
 TEST_F(CustomPresetListModelTest, EachOperationAnnouncesOnlyTheRowsItTouches) {
     using Operation = std::function<void(ComposerStore &)>;
-    const auto presetAt = [](ComposerStore &store, int row) {
-        return store.customPresets().at(row);
+    using S = ComposerStore;
+    const auto onRow = [](void (S::*action)(CustomMailPreset), int row) -> Operation {
+        return [=](S &store) { (store.*action)(store.customPresets().at(row)); };
     };
     const struct {
         const char *name;
         Operation operation;
-        QStringList signalsSent;
+        const char *signalsSent;
         int activeRowAfter;
     } cases[] = {
-        {"load another preset: the old and the new highlight",
-         [&](ComposerStore &s) { s.loadCustomPreset(presetAt(s, 2)); },
-         {"changed 0 isActive", "changed 2 isActive"},
-         2},
-        {"load the loaded preset again: nothing",
-         [&](ComposerStore &s) { s.loadCustomPreset(presetAt(s, 0)); },
-         {},
-         0},
-        {"save as new: one row on top",
-         [](ComposerStore &s) { saveAs(s, QStringLiteral("Nouveau")); },
-         {"changed 0 isActive", "inserted 0"},
-         0},
+        {"load another preset: the old and the new highlight", onRow(&S::loadCustomPreset, 2),
+         "changed 0 isActive, changed 2 isActive", 2},
+        {"load the loaded preset again: nothing", onRow(&S::loadCustomPreset, 0), "", 0},
+        {"save as new: one row on top", [](S &s) { saveAs(s, QStringLiteral("Nouveau")); },
+         "changed 0 isActive, inserted 0", 0},
         {"overwrite an older one: it moves to the top with its new date",
-         [&](ComposerStore &s) { s.overwriteCustomPreset(presetAt(s, 3)); },
-         {"changed 0 isActive", "changed 3 isActive", "moved 3>0", "changed 0 content"},
-         0},
+         onRow(&S::overwriteCustomPreset, 3),
+         "changed 0 isActive, changed 3 isActive, moved 3>0, changed 0 content", 0},
         {"update the loaded one, renamed: it stays first and shows the new name",
-         [](ComposerStore &s) {
+         [](S &s) {
              s.setCustomPresetDraftName(QStringLiteral("Renomme"));
              s.updateActiveCustomPreset();
          },
-         {"changed 0 content"},
-         0},
-        {"delete another preset: that row only",
-         [&](ComposerStore &s) { s.deleteCustomPreset(presetAt(s, 3)); },
-         {"removed 3"},
-         0},
+         "changed 0 content", 0},
+        {"delete another preset: that row only", onRow(&S::deleteCustomPreset, 3), "removed 3", 0},
         {"delete the loaded preset: its row goes, no highlight left",
-         [&](ComposerStore &s) { s.deleteCustomPreset(presetAt(s, 0)); },
-         {"removed 0"},
-         -1},
+         onRow(&S::deleteCustomPreset, 0), "removed 0", -1},
         {"built-in preset applied: the highlight goes",
-         [](ComposerStore &s) { s.applyPreset(PresetKind::Rdv); },
-         {"changed 0 isActive"},
-         -1},
+         [](S &s) { s.applyPreset(PresetKind::Rdv); }, "changed 0 isActive", -1},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -125,23 +110,19 @@ TEST_F(CustomPresetListModelTest, EachOperationAnnouncesOnlyTheRowsItTouches) {
         ModelLog log(model);
         clock->advance(60);
         c.operation(*store);
-        EXPECT_EQ(log.entries, c.signalsSent);
+        EXPECT_EQ(log.entries.join(", "), c.signalsSent);
         EXPECT_EQ(shownNames(model), presetNames(*store));
         EXPECT_EQ(activeRow(model), c.activeRowAfter);
     }
 }
 
-TEST_F(CustomPresetListModelTest, RowsCarryWhatTheListShows) {
+// Names, source titles and subject lines are checked through the window (tst_MainWindow).
+TEST_F(CustomPresetListModelTest, RowsCarryTheIdAndDateOfTheirPreset) {
     const auto store = storeWithFivePresets();
     CustomPresetListModel model(store.get());
     const CustomMailPreset &first = store->customPresets().first();
-    const QModelIndex row = model.index(0);
-    EXPECT_EQ(model.count(), 5);
-    EXPECT_EQ(row.data(CustomPresetListModel::IdRole).toString(), uuidText(first.id));
-    EXPECT_EQ(row.data(CustomPresetListModel::NameRole).toString(), "P4");
-    EXPECT_EQ(row.data(CustomPresetListModel::SourceTitleRole).toString(), "Devis");
-    EXPECT_EQ(row.data(CustomPresetListModel::SubjectLineRole).toString(), first.subjectLine());
-    EXPECT_EQ(row.data(CustomPresetListModel::UpdatedAtRole).toDateTime(),
+    EXPECT_EQ(model.index(0).data(CustomPresetListModel::IdRole).toString(), uuidText(first.id));
+    EXPECT_EQ(model.index(0).data(CustomPresetListModel::UpdatedAtRole).toDateTime(),
               first.updatedAt.toDateTime());
     EXPECT_FALSE(model.index(5).data(CustomPresetListModel::NameRole).isValid());
 }

@@ -19,8 +19,7 @@ TEST_F(StoreTest, SaveAsNewNormalisesTheNameAndMakesThePresetActive) {
     EXPECT_EQ(preset.createdAt, clock->now());
     EXPECT_EQ(preset.updatedAt, clock->now());
     EXPECT_EQ(store->activeCustomPresetID(), preset.id);
-    EXPECT_EQ(panel(*store),
-              QStringList({"Devis client", "Devis client", "Preset Devis client enregistre."}));
+    EXPECT_EQ(panel(*store), "Devis client | Devis client | Preset Devis client enregistre.");
     EXPECT_EQ(store->generatedSubject(), "Objet du preset");
     EXPECT_EQ(saved(u"activeCustomPresetID"), uuidText(preset.id));
     const QJsonObject savedPreset = savedDocument()[u"customPresets"][0].toObject();
@@ -112,8 +111,8 @@ TEST_F(StoreTest, OverwriteKeepsTheNameAndTakesTheCurrentContent) {
     EXPECT_EQ(first.data.subject, "Je reviens vers vous concernant votre demande");
     EXPECT_EQ(first.createdAt, lundi.createdAt);
     EXPECT_EQ(store->activeCustomPresetID(), lundi.id);
-    EXPECT_EQ(panel(*store), QStringList({"Atelier du lundi", "Atelier du lundi",
-                                          "Preset Atelier du lundi remplace."}));
+    EXPECT_EQ(panel(*store),
+              "Atelier du lundi | Atelier du lundi | Preset Atelier du lundi remplace.");
 
     // A preset no longer in the library is added back.
     store->deleteCustomPreset(lundi);
@@ -132,7 +131,7 @@ TEST_F(StoreTest, LoadReplacesTheContentWholeAndRepairsIt) {
     store->loadCustomPreset(saved);
     EXPECT_EQ(store->activePreset(), PresetKind::Rdv);
     EXPECT_EQ(store->activeCustomPresetID(), saved.id);
-    EXPECT_EQ(panel(*store), QStringList({"Ancien", "Ancien", "Preset Ancien charge."}));
+    EXPECT_EQ(panel(*store), "Ancien | Ancien | Preset Ancien charge.");
     EXPECT_EQ(store->data().highlight,
               QString::fromUtf16(u"Rendez-vous confirme \u00B7 Reponse simple si besoin"));
     EXPECT_EQ(store->customPresets().first().data.highlight, saved.data.highlight); // untouched
@@ -148,7 +147,7 @@ TEST_F(StoreTest, DeletingTheActivePresetClearsItButDeletingAnotherDoesNot) {
 
     store->deleteCustomPreset(one);
     EXPECT_EQ(store->activeCustomPresetID(), two.id);
-    EXPECT_EQ(panel(*store), QStringList({"Deux", "Deux", "Preset Un supprime."}));
+    EXPECT_EQ(panel(*store), "Deux | Deux | Preset Un supprime.");
 
     store->deleteCustomPreset(two);
     EXPECT_FALSE(store->activeCustomPresetID().has_value());

@@ -93,9 +93,9 @@ protected:
         store.saveAsNewCustomPreset();
     }
     // What the preset panel shows: draft name, loaded preset's name ("-" for none), last action.
-    static QStringList panel(const ComposerStore &store) {
-        return {store.customPresetDraftName(), store.activeCustomPresetName().value_or("-"),
-                store.lastAction()};
+    static QString panel(const ComposerStore &store) {
+        return store.customPresetDraftName() + " | " +
+               store.activeCustomPresetName().value_or("-") + " | " + store.lastAction();
     }
 
     // What another process would read from the files now.

@@ -60,8 +60,8 @@ TEST_F(OutputTest, CopySubjectAndTextVersionPutOnePlainStringOnTheClipboard) {
         store->copyPlainText();
         EXPECT_EQ(clipboardContent().text(), store->generatedText());
         EXPECT_FALSE(clipboardContent().hasHtml() || clipboardContent().hasFormat(kRtfType));
-        EXPECT_EQ(desktop->log, QStringList({"clipboard", "lastAction: Objet copie.", "clipboard",
-                                             "lastAction: Version texte copiee."}));
+        EXPECT_EQ(desktop->log.join(" | "), "clipboard | lastAction: Objet copie. | clipboard | "
+                                            "lastAction: Version texte copiee.");
         // The rich copy of any record offers the document and its RTF.
         store->copyHTML();
         EXPECT_EQ(clipboardContent().html(), store->generatedHTML());

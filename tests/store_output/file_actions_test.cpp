@@ -94,8 +94,8 @@ TEST_F(OutputTest, CancelledExportChangesNothingBeyondTheSave) {
     EXPECT_EQ(entries(), entriesBefore);
     EXPECT_EQ(clipboardContent().text(), "autre contenu");
     EXPECT_EQ(savedSubject(), "Objet jamais exporte");
-    EXPECT_EQ(desktop->log,
-              QStringList({"clipboard", "lastAction: Objet copie.", "saveDialog", "saveDialog"}));
+    EXPECT_EQ(desktop->log.join(" | "),
+              "clipboard | lastAction: Objet copie. | saveDialog | saveDialog");
 }
 
 TEST_F(OutputTest, ExportIntoAnUnwritableLocationAlertsAndKeepsTheLastAction) {
@@ -109,8 +109,8 @@ TEST_F(OutputTest, ExportIntoAnUnwritableLocationAlertsAndKeepsTheLastAction) {
         desktop->log.clear();
         desktop->answer = target;
         store->exportHTML();
-        EXPECT_EQ(desktop->log,
-                  QStringList({"saveDialog", "alert: Impossible d'exporter le mail HTML."}));
+        EXPECT_EQ(desktop->log.join(" | "),
+                  "saveDialog | alert: Impossible d'exporter le mail HTML.");
         EXPECT_EQ(store->lastAction(), "Version texte copiee.");
     }
     EXPECT_EQ(fileBytes(blocker), "pas un dossier");

@@ -69,9 +69,9 @@ TEST_F(StoreSyncTest, PullReplacesOnlyThePresetAndTheContentThenSaves) {
     EXPECT_EQ(store->customPresets(), library);
     EXPECT_EQ(store->activeCustomPresetID(), activeId);
     // The snapshot's own time, not the payload's.
-    EXPECT_EQ(panel(*store) << store->syncStatus(),
-              QStringList({"Devis ecran", "Devis ecran", "Brouillon iPhone charge.",
-                           QString::fromUtf16(u"Brouillon recupere \u00b7 10:15")}));
+    EXPECT_EQ(panel(*store) + " | " + store->syncStatus(),
+              QString::fromUtf16(u"Devis ecran | Devis ecran | Brouillon iPhone charge. | "
+                                 u"Brouillon recupere \u00b7 10:15"));
 
     const QJsonObject saved = savedDocument();
     EXPECT_EQ(QStringList({saved[u"preset"].toString(), saved[u"data"][u"recipientName"].toString(),
