@@ -64,15 +64,13 @@ public:
     QStringList log;
     QtClipboard realClipboard;
     std::optional<QString> answer;
-    bool deferred = false;
     Answer pending;
     QStringList titles, suggestedNames, shown;
-    bool accepts = true;
     QList<QUrl> opened;
-    bool scripted = false;
     std::optional<RichTextConversion> conversion;
     QList<QByteArray> converted;
     std::optional<QUuid> fixedId;
+    bool deferred = false, accepts = true, scripted = false;
     // The mail application: whether it is installed, how a draft ends (nothing: created),
     // the drafts it was asked for.
     bool mailAppInstalled = true;

@@ -78,9 +78,10 @@ TEST_F(StoreSyncTest, PullReplacesOnlyThePresetAndTheContentThenSaves) {
                            saved[u"data"][u"subject"].toString(),
                            saved[u"customPresets"][0][u"name"].toString(),
                            saved[u"activeCustomPresetID"].toString(),
-                           saved[u"customPresetDraftName"].toString()}),
-              QStringList({"relance", "Lea Martin", "Votre relance Korvel", "Devis ecran",
-                           uuidText(*activeId), "Devis ecran"}));
+                           saved[u"customPresetDraftName"].toString()})
+                  .join(" | "),
+              "relance | Lea Martin | Votre relance Korvel | Devis ecran | " + uuidText(*activeId) +
+                  " | Devis ecran");
     EXPECT_EQ(saved[u"customPresets"].toArray().size(), 1);
 }
 
@@ -150,6 +151,9 @@ TEST_F(StoreSyncTest, PullAppliesNothingFromASnapshotThatDoesNotDecode) {
                               "\"%2\" (forme aaaa-mm-jjThh:mm:ssZ attendue)")
             .arg(QLatin1String(key), QLatin1String(text));
     };
+    const auto wrongType = [](const char *keyAndDetail) {
+        return "type incorrect pour la cle snapshot.payload." + QLatin1String(keyAndDetail);
+    };
     const std::tuple<QString, QJsonValue, QString> cases[] = {
         {"customPresets", phonePresets("2026-05-01T09:00:00.250Z", time),
          badDate("createdAt", "2026-05-01T09:00:00.250Z")},
@@ -162,21 +166,15 @@ TEST_F(StoreSyncTest, PullAppliesNothingFromASnapshotThatDoesNotDecode) {
         {"activePreset", "promo",
          "preset inconnu pour la cle snapshot.payload.activePreset : \"promo\""},
         {"data", noFooter, "cle manquante : snapshot.payload.data.footerNote"},
-        {"version", "1",
-         "type incorrect pour la cle snapshot.payload.version : nombre entier attendu, texte "
-         "trouve"},
-        {"version", 1.5,
-         "type incorrect pour la cle snapshot.payload.version : nombre entier attendu"},
+        {"version", "1", wrongType("version : nombre entier attendu, texte trouve")},
+        {"version", 1.5, wrongType("version : nombre entier attendu")},
         {"customPresets", QJsonArray{"x"},
-         "type incorrect pour la cle snapshot.payload.customPresets[0] : objet attendu, texte "
-         "trouve"},
-        {"source", 2,
-         "type incorrect pour la cle snapshot.payload.source : texte attendu, nombre trouve"},
+         wrongType("customPresets[0] : objet attendu, texte trouve")},
+        {"source", 2, wrongType("source : texte attendu, nombre trouve")},
         {"activeCustomPresetID", "pas-un-uuid",
          "UUID invalide pour la cle snapshot.payload.activeCustomPresetID : \"pas-un-uuid\""},
         {"activeCustomPresetID", true,
-         "type incorrect pour la cle snapshot.payload.activeCustomPresetID : texte attendu, "
-         "booleen trouve"},
+         wrongType("activeCustomPresetID : texte attendu, booleen trouve")},
         // The snapshot and the answer around it are just as strict ("/": from the answer).
         {"/ok", gone, "cle manquante : ok"},
         {"/ok", "true", "type incorrect pour la cle ok : booleen attendu, texte trouve"},
