@@ -63,10 +63,8 @@ TEST_F(StoreTest, EveryAssignmentCountsEvenAnEqualValue) {
     store->setCustomPresetDraftName(QString()); // debounced
     EXPECT_EQ(saves.count(), 2);
     EXPECT_TRUE(saves.wait(1000));
-}
 
-TEST_F(StoreTest, ImmediateSavesRecordTheValueBeforeTheAssignment) {
-    const auto store = makeStore();
+    // Immediate saves record the value before the assignment.
     store->setActivePreset(PresetKind::Relance);
     EXPECT_EQ(saved(u"preset"), "devis");
     store->setActivePreset(PresetKind::Rdv);
