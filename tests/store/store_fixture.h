@@ -22,13 +22,11 @@
 
 namespace velino::test {
 
-// "Now" as the test sets it.
 class FixedClock final : public Clock {
 public:
     Instant now() const override { return current; }
-    void set(const QDateTime &dateTime) { current = Instant::fromDateTime(dateTime); }
     void advance(double seconds) { current.sinceReference += seconds; }
-    Instant current = Instant{788918400}; // 2026-01-01 00:00:00 UTC
+    Instant current;
 };
 
 // Alerts cannot be shown without a window: the texts are recorded instead.
@@ -38,18 +36,18 @@ public:
     QStringList shown;
 };
 
-// The save status once the state is on disk, at the tests' time (14:07 in Paris).
 inline const QString kSavedStatus = QString::fromUtf16(u"Sauvegarde locale active \u00B7 14:07");
 inline const QString kUnsavedStatus = QStringLiteral("Sauvegarde locale indisponible.");
 
-// A store on real state files in a temporary folder, with a fixed clock.
+// A store on real state files in a temporary folder, at 14:07 in Paris by a fixed clock.
 class StoreTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(dir.isValid());
         qputenv("TZ", "Europe/Paris");
         tzset();
-        clock->set(QDateTime(QDate(2026, 3, 5), QTime(13, 7, 30), Qt::UTC)); // 14:07 in Paris
+        clock->current =
+            Instant::fromDateTime(QDateTime(QDate(2026, 3, 5), QTime(13, 7, 30), Qt::UTC));
     }
 
     QString configFolder() const { return dir.filePath(QStringLiteral("config/Korvel")); }
@@ -58,8 +56,7 @@ protected:
     QString documentPath() const { return stateFiles().document; }
     QString settingsPath() const { return stateFiles().settings; }
 
-    // Puts a plain file where the document's folder should be: nothing can be written
-    // there, whatever the permissions of the user running the tests (CI runs as root).
+    // A plain file where the document's folder should be: unwritable even for root.
     void blockDataFolder() {
         QDir(dataFolder()).removeRecursively();
         ASSERT_TRUE(QDir().mkpath(QFileInfo(dataFolder()).absolutePath()));
@@ -76,6 +73,9 @@ protected:
         s.files = std::make_shared<QtFileSystem>(dir.filePath(QStringLiteral("apercus")));
         return s;
     }
+    std::unique_ptr<ComposerStore> makeStore() {
+        return std::make_unique<ComposerStore>(services());
+    }
 
     static QStringList presetNames(const ComposerStore &store) {
         QStringList names;
@@ -83,16 +83,11 @@ protected:
             names << preset.name;
         return names;
     }
-
-    std::unique_ptr<ComposerStore> makeStore() {
-        return std::make_unique<ComposerStore>(services());
-    }
-
     static void saveAs(ComposerStore &store, const QString &name) {
         store.setCustomPresetDraftName(name);
         store.saveAsNewCustomPreset();
     }
-    // What the preset panel shows: draft name, loaded preset's name ("-" for none), last action.
+    // The preset panel: draft name, loaded preset's name ("-" for none), last action.
     static QString panel(const ComposerStore &store) {
         return store.customPresetDraftName() + " | " +
                store.activeCustomPresetName().value_or("-") + " | " + store.lastAction();
@@ -111,21 +106,15 @@ protected:
             .value(ComposerStore::kSyncCodeKey)
             .toString();
     }
-
     void writeSaved(const QByteArray &bytes) {
         ASSERT_TRUE(QDir().mkpath(dataFolder()));
         QFile file(documentPath());
         ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         ASSERT_EQ(file.write(bytes), bytes.size());
     }
-    void writeSavedDocument(const QJsonObject &document) {
-        writeSaved(QJsonDocument(document).toJson(QJsonDocument::Compact));
-    }
 
-    // Lets timers fire for the given time.
-    static void wait(int milliseconds) { QTest::qWait(milliseconds); }
     // Long enough for every debounced regeneration and save to run.
-    static void settle() { wait(ComposerStore::kDebounceMilliseconds + 100); }
+    static void settle() { QTest::qWait(ComposerStore::kDebounceMilliseconds + 100); }
 
     QTemporaryDir dir;
     std::shared_ptr<FixedClock> clock = std::make_shared<FixedClock>();

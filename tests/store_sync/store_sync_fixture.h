@@ -2,9 +2,6 @@
 
 #include "tls_store_fixture.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QSignalSpy>
 
 #include <chrono>
@@ -34,7 +31,6 @@ protected:
         s.syncTransferTimeout = transferTimeout;
         return s;
     }
-
     std::unique_ptr<ComposerStore> makeSyncStore(const StoreServices &services) {
         auto store = std::make_unique<ComposerStore>(services);
         store->setSyncCode(QString::fromLatin1(kSyncCode));
@@ -47,11 +43,7 @@ protected:
         auto store = makeSyncStore(services);
         store->setActivePreset(PresetKind::Rdv);
         store->setDataField("recipientName", "Client du poste");
-        EXPECT_TRUE(waitUntil(
-            [&] {
-                return savedDocument()[u"data"][u"recipientName"].toString() == "Client du poste";
-            },
-            kSyncWait));
+        store->savePendingChanges();
         return store;
     }
 
@@ -61,8 +53,7 @@ protected:
     }
 
     // Runs a push or pull to its end and returns the text shown, after checking that the
-    // answer came later, that the text is shown alike in the status and the alert and that
-    // nothing else moved.
+    // answer came later, that the status and the alert agree and that nothing else moved.
     QString failureOf(ComposerStore &store, void (ComposerStore::*operation)(),
                       const std::string &what) {
         const auto untouched = [&] {
@@ -74,12 +65,10 @@ protected:
         (store.*operation)();
         EXPECT_TRUE(store.isSyncing()) << what;
         EXPECT_TRUE(waitForIdle(store)) << what;
-        EXPECT_EQ(alerts->shown.size(), alertsBefore + 1) << what;
         if (alerts->shown.size() != alertsBefore + 1)
             return QStringLiteral("(no alert)");
         EXPECT_EQ(store.syncStatus(), alerts->shown.last()) << what;
-        EXPECT_TRUE(untouched() == before)
-            << what << ": preset, content, last action or file moved";
+        EXPECT_TRUE(untouched() == before) << what << ": preset, content, action or file moved";
         return store.syncStatus();
     }
     static constexpr auto push = &ComposerStore::pushToWeb;
@@ -89,9 +78,14 @@ protected:
         server->setHandler([answer](const TestHttpRequest &) { return answer; });
     }
     void answerJson(const QByteArray &body) { answerWith(TestHttpAnswer::json(200, body)); }
-
     static QJsonObject bodyObject(const TestHttpRequest &request) {
         return QJsonDocument::fromJson(request.body).object();
+    }
+    static QByteArray compact(const QJsonObject &object) {
+        return QJsonDocument(object).toJson(QJsonDocument::Compact);
+    }
+    static QByteArray uploadBody(const QString &updatedAt) {
+        return compact(QJsonObject{{"ok", true}, {"updatedAt", updatedAt}});
     }
 
     // A well-formed payload as the phone would store it, written out key by key.
@@ -101,24 +95,14 @@ protected:
                            {"activePreset", preset},
                            {"data", data.toJson()},
                            {"customPresets", QJsonArray{}},
-                           {"customPresetDraftName", "Nom cote iPhone"},
+                           {"customPresetDraftName", "iPhone"},
                            {"updatedAt", "2026-01-01T00:00:00Z"},
                            {"source", "ios"}};
     }
-
-    static QJsonObject downloadAnswer(const QJsonObject &payload,
-                                      const QString &snapshotUpdatedAt = kAnswerTime,
-                                      const QJsonValue &ok = true) {
-        return {{"ok", ok},
-                {"snapshot", QJsonObject{{"updatedAt", snapshotUpdatedAt}, {"payload", payload}}}};
-    }
-
-    static QByteArray compact(const QJsonObject &object) {
-        return QJsonDocument(object).toJson(QJsonDocument::Compact);
-    }
-
-    static QByteArray uploadBody(const QString &updatedAt) {
-        return compact(QJsonObject{{"ok", true}, {"updatedAt", updatedAt}});
+    static QByteArray downloadAnswer(const QJsonObject &payload, const QString &at = kAnswerTime,
+                                     bool ok = true) {
+        return compact(
+            {{"ok", ok}, {"snapshot", QJsonObject{{"updatedAt", at}, {"payload", payload}}}});
     }
 
     std::unique_ptr<HttpsTestServer> server;
