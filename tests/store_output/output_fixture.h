@@ -4,6 +4,7 @@
 
 #include "identifiers.h"
 #include "mail_app_executor.h"
+#include "mail_app_texts.h"
 #include "rich_text_converter.h"
 
 #include <QClipboard>
@@ -13,10 +14,9 @@
 #include <memory>
 #include <utility>
 
-// Stores whose output actions run against the real clipboard, file system, rich-text
-// converter and settings file; only what needs a person or another application is replaced:
-// the save dialog, the alerts, the URL opener and the mail application. The replacements and
-// the clipboard write down what happens, in order, in one log.
+// Output actions run against the real clipboard, file system, rich-text converter and
+// settings file; only what needs a person or another application is faked, and every fake
+// and the clipboard write what happens, in order, in one log.
 namespace velino::test {
 
 class FakeDesktop final : public Clipboard,
@@ -30,13 +30,11 @@ public:
         log.append(QStringLiteral("clipboard"));
         realClipboard.setItem(item);
     }
-    // Answers with `answer` (nothing: cancelled) at once, or only when answerPending() is
-    // called if `deferred` is set.
+    // Answers `answer` (nothing: cancelled) at once, or at answerPending() when `deferred`.
     void askSaveLocation(const QString &title, const QString &suggestedName,
                          Answer answerWith) override {
         log.append(QStringLiteral("saveDialog"));
-        titles.append(title);
-        suggestedNames.append(suggestedName);
+        asked.append(title + " | " + suggestedName);
         pending = std::move(answerWith);
         if (!deferred)
             answerPending();
@@ -45,10 +43,7 @@ public:
         if (const Answer take = std::exchange(pending, nullptr))
             take(answer);
     }
-    void showWarning(const QString &informativeText) override {
-        log.append(QStringLiteral("alert: ") + informativeText);
-        shown.append(informativeText);
-    }
+    void showWarning(const QString &text) override { log.append(QStringLiteral("alert: ") + text); }
     bool openUrl(const QUrl &url) override {
         log.append(QStringLiteral("openUrl: ") + QString::fromUtf8(url.toEncoded()));
         opened.append(url);
@@ -61,18 +56,16 @@ public:
     }
     QUuid newId() override { return fixedId.value_or(randomUuid()); }
 
-    QStringList log;
+    QStringList log, asked;
     QtClipboard realClipboard;
     std::optional<QString> answer;
     Answer pending;
-    QStringList titles, suggestedNames, shown;
     QList<QUrl> opened;
     std::optional<RichTextConversion> conversion;
     QList<QByteArray> converted;
     std::optional<QUuid> fixedId;
     bool deferred = false, accepts = true, scripted = false;
-    // The mail application: whether it is installed, how a draft ends (nothing: created),
-    // the drafts it was asked for.
+    // The mail application: installed or not, how a draft ends (nothing: created), drafts.
     bool mailAppInstalled = true;
     std::optional<DraftFailure> draftFailure;
     QList<MailDraft> drafts;
@@ -96,7 +89,6 @@ public:
 
 class OutputTest : public StoreTest {
 protected:
-    // Previews go to a private folder of the test's own.
     QString tempFolder() const { return dir.filePath(QStringLiteral("tmp")); }
 
     // The store, with its lastAction changes in the log, which starts empty.
@@ -105,10 +97,10 @@ protected:
         s.clipboard = desktop;
         s.saveDialog = desktop;
         s.alerts = desktop;
-        s.urls = urls ? urls : std::shared_ptr<UrlOpener>(desktop);
-        s.files = files;
         s.richText = desktop;
         s.ids = desktop;
+        s.urls = urls ? urls : std::shared_ptr<UrlOpener>(desktop);
+        s.files = files;
         s.makeMailExecutor = [desktop = desktop](ProgramLauncher &, FileSystem &, IdGenerator &) {
             return std::make_unique<FakeMailApp>(desktop);
         };
@@ -126,8 +118,8 @@ protected:
         QGuiApplication::clipboard()->setText(QStringLiteral("autre contenu"));
     }
     static const QMimeData &clipboardContent() {
-        const QMimeData *mime = QGuiApplication::clipboard()->mimeData();
         static const QMimeData empty;
+        const QMimeData *mime = QGuiApplication::clipboard()->mimeData();
         return mime ? *mime : empty;
     }
 
