@@ -98,50 +98,45 @@ TEST_F(OutputTest, CancelledOrFailedExportChangesNothingBeyondTheSave) {
     EXPECT_EQ(savedSubject(), "Objet jamais exporte");
 }
 
-// The folder's own permissions are checked with the private files themselves.
+// Each call writes a new private file named by a UUID, even with a umask that would let
+// every file be read, and opens it; what the browser does is not the store's concern.
 TEST_F(OutputTest, EachPreviewWritesANewPrivateUuidNamedFileAndOpensIt) {
-    const mode_t previousUmask = ::umask(0); // would let every file be read
+    const mode_t previousUmask = ::umask(0);
     const auto store = makeOutputStore();
-    store->setDataField("subject", "Premier apercu");
-    store->openStandalonePreview();
-    desktop->accepts = false; // what the browser does is not the store's concern
-    store->setDataField("subject", "Second apercu");
-    store->openStandalonePreview();
+    for (const bool accepted : {true, false}) {
+        desktop->accepts = accepted;
+        store->setDataField("subject", accepted ? "Premier apercu" : "Second apercu");
+        store->openStandalonePreview();
+    }
     ::umask(previousUmask);
-
     ASSERT_EQ(desktop->opened.size(), 2);
-    static const QRegularExpression uuidName(
-        "^[0-9A-F]{8}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{12}\\.html$");
-    QStringList paths;
+    static const QRegularExpression uuidName("^[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\\.html$");
     for (const QUrl &url : desktop->opened) {
         const QFileInfo file(url.toLocalFile());
         EXPECT_TRUE(uuidName.match(file.fileName()).hasMatch()) << url.toString().toStdString();
         EXPECT_EQ(file.absolutePath(), QDir(tempFolder()).canonicalPath());
-        EXPECT_EQ(file.permissions(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                          QFileDevice::ReadUser | QFileDevice::WriteUser);
-        paths.append(file.filePath());
+        EXPECT_EQ(file.permissions() & QFileDevice::Permissions(0x0077), 0);
     }
-    // Both files stay; each holds the document of its own call.
-    EXPECT_TRUE(fileBytes(paths[0]).contains("Premier apercu"));
-    EXPECT_EQ(fileBytes(paths[1]), store->generatedHTML().toUtf8());
-    EXPECT_EQ(desktop->log.filter("lastAction"),
-              QStringList(2, QStringLiteral("lastAction: Apercu autonome ouvert.")));
-    EXPECT_TRUE(desktop->log.filter("alert").isEmpty());
+    EXPECT_TRUE(fileBytes(desktop->opened[0].toLocalFile()).contains("Premier apercu"));
+    EXPECT_EQ(fileBytes(desktop->opened[1].toLocalFile()), store->generatedHTML().toUtf8());
+    EXPECT_EQ(desktop->log.filter("lastAction").join(" | "),
+              "lastAction: Apercu autonome ouvert. | lastAction: Apercu autonome ouvert.");
 }
 
+// A folder already holding the file's name, or no private folder at all: nothing is opened
+// and nothing is written next to the program instead.
 TEST_F(OutputTest, PreviewThatCannotBeWrittenAlertsAndOpensNothing) {
     desktop->fixedId = randomUuid();
     const QString name = uuidText(*desktop->fixedId) + ".html";
-    // A folder already holds the file's name; then no private folder at all.
     ASSERT_TRUE(QDir().mkpath(QDir(tempFolder()).filePath(name)));
     writeFile(dir.filePath("bloc"), "pas un dossier");
-    for (const bool noFolder : {false, true}) {
-        files = std::make_shared<QtFileSystem>(noFolder ? dir.filePath("bloc/tmp") : tempFolder());
-        const auto blocked = makeOutputStore();
-        blocked->openStandalonePreview();
+    for (const QString &folder : {tempFolder(), dir.filePath("bloc/tmp")}) {
+        files = std::make_shared<QtFileSystem>(folder);
+        const auto store = makeOutputStore();
+        store->openStandalonePreview();
         EXPECT_EQ(desktop->log, QStringList{"alert: Impossible d'ouvrir l'apercu."});
-        EXPECT_EQ(blocked->lastAction(), "Application prete.");
+        EXPECT_EQ(store->lastAction(), "Application prete.");
     }
     EXPECT_TRUE(desktop->opened.isEmpty());
-    EXPECT_FALSE(QFileInfo::exists(name)); // nor written next to the program instead
+    EXPECT_FALSE(QFileInfo::exists(name));
 }
