@@ -2,7 +2,6 @@
 
 #include "../store/store_fixture.h"
 
-#include "identifiers.h"
 #include "mail_app_executor.h"
 #include "mail_app_texts.h"
 #include "rich_text_converter.h"
@@ -23,8 +22,7 @@ class FakeDesktop final : public Clipboard,
                           public SaveDialog,
                           public AlertPresenter,
                           public UrlOpener,
-                          public RichTextConverter,
-                          public IdGenerator {
+                          public RichTextConverter {
 public:
     void setItem(const ClipboardItem &item) override {
         log.append(QStringLiteral("clipboard"));
@@ -54,7 +52,6 @@ public:
         converted.append(htmlUtf8);
         return scripted ? conversion : QtRichTextConverter().convert(htmlUtf8);
     }
-    QUuid newId() override { return fixedId.value_or(randomUuid()); }
 
     QStringList log, asked;
     QtClipboard realClipboard;
@@ -63,7 +60,6 @@ public:
     QList<QUrl> opened;
     std::optional<RichTextConversion> conversion;
     QList<QByteArray> converted;
-    std::optional<QUuid> fixedId;
     bool deferred = false, accepts = true, scripted = false;
     // The mail application: installed or not, how a draft ends (nothing: created), drafts.
     bool mailAppInstalled = true;
@@ -98,7 +94,6 @@ protected:
         s.saveDialog = desktop;
         s.alerts = desktop;
         s.richText = desktop;
-        s.ids = desktop;
         s.urls = urls ? urls : std::shared_ptr<UrlOpener>(desktop);
         s.files = files;
         s.makeMailExecutor = [desktop = desktop](ProgramLauncher &, FileSystem &, IdGenerator &) {
