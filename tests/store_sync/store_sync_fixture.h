@@ -71,6 +71,12 @@ protected:
         EXPECT_TRUE(untouched() == before) << what << ": preset, content, action or file moved";
         return store.syncStatus();
     }
+    // An expected text ending in "..." is compared up to there (the rest is the platform's).
+    static testing::AssertionResult shownAs(const QString &got, const QString &expected) {
+        if (expected.endsWith("...") ? got.startsWith(expected.chopped(3)) : got == expected)
+            return testing::AssertionSuccess();
+        return testing::AssertionFailure() << "shown \"" << got.toStdString() << "\"";
+    }
     static constexpr auto push = &ComposerStore::pushToWeb;
     static constexpr auto pull = &ComposerStore::pullFromWeb;
 

@@ -27,18 +27,13 @@ TEST_F(StoreSyncCodeTest, ATypedCodeIsNormalisedCutRememberedAndSent) {
     const auto store = makeSyncStore();
     // Eighty-five kept characters, with spaces and slashes among them.
     const QString cut = QString("AB12-CD34EF56GH78").repeated(4).left(64);
-    const std::pair<QString, QString> codes[] = {
-        {"ab12-cd34 ef56/gh78", "AB12-CD34EF56GH78"},
-        {QString("ab12-cd34 ef56/gh78 ").repeated(5), cut}};
-    for (const auto &[code, expected] : codes) {
-        for (const auto operation : {push, pull}) {
-            store->setSyncCode(code);
-            (store.get()->*operation)();
-            // Remembered at once, not only when the field's own debounce fires.
-            EXPECT_EQ(store->syncCode() + " " + savedSyncCode(), expected + " " + expected);
-            ASSERT_TRUE(waitForIdle(*store));
-            EXPECT_EQ(sentCode(), expected);
-        }
+    for (const auto operation : {push, pull}) {
+        store->setSyncCode(QString("ab12-cd34 ef56/gh78 ").repeated(5));
+        (store.get()->*operation)();
+        // Remembered at once, not only when the field's own debounce fires.
+        EXPECT_EQ(store->syncCode() + " " + savedSyncCode(), cut + " " + cut);
+        ASSERT_TRUE(waitForIdle(*store));
+        EXPECT_EQ(sentCode(), cut);
     }
     EXPECT_TRUE(alerts->shown.isEmpty()) << alerts->shown.join(u'|').toStdString();
     EXPECT_EQ(store->lastAction(), "Brouillon iPhone charge.");
@@ -48,31 +43,22 @@ TEST_F(StoreSyncCodeTest, ATypedCodeIsNormalisedCutRememberedAndSent) {
     EXPECT_EQ(savedSyncCode(), cut);
 }
 
+// Counted in kept user-perceived characters ("abc" refused is tst_MainWindow's): an accented
+// letter is not kept, so fifteen are refused without a request and sixteen are enough.
 TEST_F(StoreSyncCodeTest, ACodeShorterThan16IsWrittenBackAndRefusedWithoutARequest) {
     const auto store = makeSyncStore();
-    const QString lastAction = store->lastAction();
     QSignalSpy syncing(store.get(), &ComposerStore::isSyncingChanged);
-    const std::pair<QString, QString> codes[] = {
-        {"abc", "ABC"},
-        {"", ""},
-        {QString::fromUtf16(u"abcd-efgh-ijkl-\u00e9"), "ABCD-EFGH-IJKL-"}};
     const QString tooShort = "Le code prive doit contenir au moins 16 caracteres. Genere-le "
                              "depuis l'interface iPhone.";
-    for (const auto &[typed, written] : codes) {
-        for (const auto operation : {push, pull}) {
-            store->setSyncCode(typed);
-            alerts->shown.clear();
-            (store.get()->*operation)();
-            EXPECT_EQ(store->syncCode() + " | " + store->syncStatus(), written + " | " + tooShort);
-            EXPECT_EQ(alerts->shown, QStringList{tooShort});
-            EXPECT_EQ(savedSyncCode(), ""); // not remembered by the refused attempt
-        }
+    for (const auto operation : {push, pull}) {
+        store->setSyncCode(QString::fromUtf16(u"abcd-efgh-ijkl-\u00e9"));
+        (store.get()->*operation)();
+        EXPECT_EQ(store->syncCode() + " | " + store->syncStatus(), "ABCD-EFGH-IJKL- | " + tooShort);
+        EXPECT_EQ(savedSyncCode(), ""); // not remembered by the refused attempt
     }
-    EXPECT_EQ(syncing.count(), 0);
-    EXPECT_EQ(store->lastAction(), lastAction);
-    EXPECT_TRUE(server->requests().isEmpty());
+    EXPECT_EQ(alerts->shown, QStringList(2, tooShort));
+    EXPECT_EQ(syncing.count() + server->requests().size(), 0);
 
-    // Sixteen kept characters are enough.
     store->setSyncCode(QString::fromUtf16(u"abcd-efgh-ijkl-\u00e9 m"));
     store->pushToWeb();
     ASSERT_TRUE(waitForIdle(*store));
