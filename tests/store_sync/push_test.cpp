@@ -64,8 +64,7 @@ TEST_F(StoreSyncTest, UploadAnswersAreReadStrictlyAndTheirTimeShown) {
     const auto store = makeSettledStore(syncServices());
     const QString sent = QString::fromUtf16(u"Brouillon envoye vers l'iPhone \u00b7 ");
     const std::pair<QByteArray, QString> cases[] = {
-        {R"({"ok":false,"updatedAt":"2026-06-05T08:15:00Z"})", sent + "10:15"},
-        {R"({"extra":[1,2],"updatedAt":"2026-06-05T18:05:00Z","ok":true})", sent + "20:05"},
+        {R"({"extra":[1,2],"updatedAt":"2026-06-05T18:05:00Z","ok":false})", sent + "20:05"},
         {R"({"updatedAt":"x"})", "cle manquante : ok"},
         {R"({"ok":true,"updatedAt":null})", "valeur null pour la cle updatedAt"},
     };
