@@ -2,6 +2,7 @@
 
 #include "qt_services.h"
 
+#include <QProcessEnvironment>
 #include <QScopeGuard>
 #include <QStandardPaths>
 
@@ -36,7 +37,7 @@ TEST_F(MailDraftTest, DraftCreatedInTheMailApplication) {
     EXPECT_EQ(desktop->log, QStringList({"findApplication", "launchApplication", "runDraft",
                                          "lastAction: " + kTexts.draftOpened}));
     ASSERT_EQ(desktop->drafts.size(), 1);
-    const MailDraft &draft = desktop->drafts[0];
+    const MailDraft &draft = desktop->drafts[0]; // the script is MailDraftScript's own test's
     EXPECT_EQ(QStringList({draft.subject, draft.recipient, draft.sender, draft.html}),
               QStringList({"Devis pret", "client@example.com", "atelier@korvel.example",
                            store->generatedHTML()}));
@@ -91,14 +92,11 @@ TEST_F(MailDraftTest, RealXdgOpenWithoutAMailtoHandlerEndsInTheBridgeError) {
             "XDG_CURRENT_DESKTOP DESKTOP_SESSION KDE_FULL_SESSION GNOME_DESKTOP_SESSION_ID "
             "MATE_DESKTOP_SESSION_ID LXQT_SESSION_CONFIG")
             .split(u' ');
-    QHash<QString, std::optional<QByteArray>> earlier;
-    for (const QString &name : names)
-        earlier[name] = qEnvironmentVariableIsSet(qPrintable(name))
-                            ? std::optional(qgetenv(qPrintable(name)))
-                            : std::nullopt;
+    const QProcessEnvironment earlier = QProcessEnvironment::systemEnvironment();
     const auto restore = qScopeGuard([&] {
         for (const QString &name : names)
-            earlier[name] ? qputenv(qPrintable(name), *earlier[name]) : qunsetenv(qPrintable(name));
+            earlier.contains(name) ? qputenv(qPrintable(name), earlier.value(name).toLocal8Bit())
+                                   : qunsetenv(qPrintable(name));
     });
     for (const QString &name : names.mid(0, 4)) {
         const QString folder = xdg + "/" + name.toLower();
@@ -108,7 +106,7 @@ TEST_F(MailDraftTest, RealXdgOpenWithoutAMailtoHandlerEndsInTheBridgeError) {
     for (const QString &name : names.mid(6)) // a generic desktop, without a browser either
         qunsetenv(qPrintable(name));
     qputenv("BROWSER", QFile::encodeName(xdg + "/no-browser"));
-    if (!earlier["DISPLAY"])
+    if (!earlier.contains("DISPLAY"))
         qputenv("DISPLAY", ":0"); // xdg-open looks for scheme handlers only with a display
 
     urls = std::make_shared<DesktopUrlOpener>();

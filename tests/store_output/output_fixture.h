@@ -29,10 +29,8 @@ public:
         realClipboard.setItem(item);
     }
     // Answers `answer` (nothing: cancelled) at once, or at answerPending() when `deferred`.
-    void askSaveLocation(const QString &title, const QString &suggestedName,
-                         Answer answerWith) override {
+    void askSaveLocation(const QString &, const QString &, Answer answerWith) override {
         log.append(QStringLiteral("saveDialog"));
-        asked.append(title + " | " + suggestedName);
         pending = std::move(answerWith);
         if (!deferred)
             answerPending();
@@ -53,7 +51,7 @@ public:
         return scripted ? conversion : QtRichTextConverter().convert(htmlUtf8);
     }
 
-    QStringList log, asked;
+    QStringList log;
     QtClipboard realClipboard;
     std::optional<QString> answer;
     Answer pending;
