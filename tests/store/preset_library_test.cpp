@@ -6,20 +6,6 @@ using namespace velino;
 using namespace Qt::StringLiterals;
 using velino::test::StoreTest;
 
-TEST_F(StoreTest, SaveAsNewNormalisesTheNameAndMakesThePresetActive) {
-    const auto store = makeStore();
-    store->setActivePreset(PresetKind::Rdv);
-    store->setDataField("subject", "Objet du preset");
-    saveAs(*store, "  Devis\n\tclient  ");
-    ASSERT_EQ(store->customPresets().size(), 1);
-    const CustomMailPreset &preset = store->customPresets().first();
-    EXPECT_EQ(
-        std::tuple(preset.sourcePreset, preset.data.subject, preset.createdAt, preset.updatedAt),
-        std::tuple(PresetKind::Rdv, QString("Objet du preset"), clock->now(), clock->now()));
-    EXPECT_EQ(panel(*store), "Devis client | Devis client | Preset Devis client enregistre.");
-    EXPECT_EQ(saved(u"activeCustomPresetID"), uuidText(preset.id));
-}
-
 // A stale id still enables the update button, and the update is refused like no id at all.
 TEST_F(StoreTest, SavingWithoutANameOrUpdatingWithoutALoadedPresetIsRefused) {
     const auto store = makeStore();
@@ -56,43 +42,47 @@ TEST_F(StoreTest, NamesStayUniqueIgnoringCaseSpacingAndCanonicalForm) {
     }
 }
 
-TEST_F(StoreTest, UpdateAndOverwriteRewriteThePresetAndMoveItFirst) {
+// Saving as new takes the current content and built-in preset, normalises the name and loads
+// the new preset; updating and overwriting keep its id and creation time and move it first.
+TEST_F(StoreTest, SaveAsNewUpdateAndOverwriteKeepTheLibraryNewestFirst) {
     const auto store = makeStore();
-    saveAs(*store, "Atelier  du  lundi");
+    store->setActivePreset(PresetKind::Rdv);
+    saveAs(*store, "  Pre\n\tmier  ");
+    const auto first = [&] { return store->customPresets().first(); };
+    EXPECT_EQ(std::tuple(first().name, first().sourcePreset, first().createdAt, first().updatedAt),
+              std::tuple(QString("Pre mier"), PresetKind::Rdv, clock->now(), clock->now()));
+    EXPECT_TRUE(first().data == store->data());
+    EXPECT_EQ(panel(*store), "Pre mier | Pre mier | Preset Pre mier enregistre.");
+    EXPECT_EQ(saved(u"activeCustomPresetID"), uuidText(first().id));
     clock->advance(10);
     saveAs(*store, "Second");
-    const CustomMailPreset lundi = store->customPresets().last();
+    const CustomMailPreset premier = store->customPresets().last();
     clock->advance(10);
-
-    store->loadCustomPreset(lundi);
+    store->loadCustomPreset(premier);
     store->setDataField("footerNote", "Pied mis a jour");
     store->updateActiveCustomPreset();
-    EXPECT_EQ(presetNames(*store), QStringList({"Atelier du lundi", "Second"}));
-    CustomMailPreset first = store->customPresets().first();
-    EXPECT_EQ(std::tuple(first.data.footerNote, first.createdAt, first.updatedAt),
-              std::tuple(QString("Pied mis a jour"), lundi.createdAt, clock->now()));
-    EXPECT_EQ(store->lastAction(), "Preset Atelier du lundi mis a jour.");
+    EXPECT_EQ(std::tuple(first().id, first().createdAt, first().updatedAt),
+              std::tuple(premier.id, premier.createdAt, clock->now()));
+    EXPECT_TRUE(first().data == store->data());
+    EXPECT_EQ(store->lastAction(), "Preset Pre mier mis a jour.");
     // Renaming onto another preset's name gets a number; a blank draft keeps the stored name.
     store->setCustomPresetDraftName("second");
     store->updateActiveCustomPreset();
     store->setCustomPresetDraftName("   ");
     store->updateActiveCustomPreset();
-    EXPECT_EQ(store->customPresets().first().name + "|" + store->customPresetDraftName(),
-              "second 2|second 2");
+    EXPECT_EQ(first().name + "|" + store->customPresetDraftName(), "second 2|second 2");
 
-    // Overwriting keeps id, name and creation, takes the current content and preset.
-    clock->advance(10);
+    // Overwriting keeps the name too, and takes the current built-in preset.
     const CustomMailPreset older = store->customPresets().last();
+    clock->advance(10);
     store->applyPreset(PresetKind::Relance);
     store->setCustomPresetDraftName("Nom ignore");
     store->overwriteCustomPreset(older);
-    first = store->customPresets().first();
-    EXPECT_EQ(std::tuple(first.id, first.name, first.sourcePreset, first.createdAt),
+    EXPECT_EQ(std::tuple(first().id, first().name, first().sourcePreset, first().createdAt),
               std::tuple(older.id, older.name, PresetKind::Relance, older.createdAt));
-    EXPECT_EQ(first.data.subject, "Je reviens vers vous concernant votre demande");
+    EXPECT_TRUE(first().data == store->data());
     EXPECT_EQ(panel(*store), "Second | Second | Preset Second remplace.");
-    // A preset no longer in the library is added back.
-    store->deleteCustomPreset(older);
+    store->deleteCustomPreset(older); // a preset no longer in the library is added back
     store->overwriteCustomPreset(older);
     EXPECT_EQ(store->customPresets().size(), 2);
 }
