@@ -42,8 +42,7 @@ TEST_F(StoreTest, NamesStayUniqueIgnoringCaseSpacingAndCanonicalForm) {
     }
 }
 
-// Saving as new takes the current content and built-in preset, normalises the name and loads
-// the new preset; updating and overwriting keep its id and creation time and move it first.
+// Updating and overwriting keep the preset's id and creation time and move it first.
 TEST_F(StoreTest, SaveAsNewUpdateAndOverwriteKeepTheLibraryNewestFirst) {
     const auto store = makeStore();
     store->setActivePreset(PresetKind::Rdv);
@@ -72,7 +71,6 @@ TEST_F(StoreTest, SaveAsNewUpdateAndOverwriteKeepTheLibraryNewestFirst) {
     store->updateActiveCustomPreset();
     EXPECT_EQ(first().name + "|" + store->customPresetDraftName(), "second 2|second 2");
 
-    // Overwriting keeps the name too, and takes the current built-in preset.
     const CustomMailPreset older = store->customPresets().last();
     clock->advance(10);
     store->applyPreset(PresetKind::Relance);
@@ -87,7 +85,6 @@ TEST_F(StoreTest, SaveAsNewUpdateAndOverwriteKeepTheLibraryNewestFirst) {
     EXPECT_EQ(store->customPresets().size(), 2);
 }
 
-// The preset's content is repaired when loaded, not in the library.
 TEST_F(StoreTest, LoadingAndDeletingReportInThePanel) {
     const auto store = makeStore();
     store->applyPreset(PresetKind::Rdv);
@@ -111,8 +108,7 @@ TEST_F(StoreTest, LoadingAndDeletingReportInThePanel) {
     EXPECT_FALSE(savedDocument().contains("activeCustomPresetID"));
 }
 
-// The sort must be stable, which small libraries do not show (libstdc++ sorts up to 16
-// entries by insertion).
+// Small libraries would not show an unstable sort (libstdc++ sorts 16 by insertion).
 TEST(SortNewestFirst, KeepsTheOrderOfPresetsWithEqualTimestamps) {
     QList<CustomMailPreset> library(40);
     QStringList expected[2], names;

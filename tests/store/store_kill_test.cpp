@@ -9,8 +9,7 @@
 using namespace velino;
 using velino::test::StoreTest;
 
-// A child process saves in a loop and is killed with SIGKILL at random moments; each time
-// the file on disk must hold one complete saved state.
+// A child process saving in a loop is killed at random moments: the file stays whole.
 TEST_F(StoreTest, SavesSurviveAKillAtAnyMoment) {
     const quint32 seed = QRandomGenerator::global()->generate();
     SCOPED_TRACE(testing::Message() << "kill delays drawn with seed " << seed);

@@ -6,8 +6,7 @@
 using namespace velino;
 using velino::test::StoreTest;
 
-// Moving the single settings file of earlier versions to the document file and the INI file,
-// from a file written by those versions (tests/data/legacy-settings/Velino.conf).
+// The single settings file of earlier versions is moved to the document and the INI file.
 class MigrationTest : public StoreTest {
 protected:
     void placeEarlierFile(bool crlf = false) {
@@ -24,7 +23,6 @@ protected:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
-    // Everything the earlier file held, as the store shows it.
     static void expectEarlierState(const ComposerStore &store) {
         ASSERT_EQ(store.customPresets().size(), 3);
         EXPECT_EQ(
@@ -68,7 +66,6 @@ TEST_F(MigrationTest, EarlierFileIsMovedOverOnceWhateverItsLineEndsAndLocks) {
         for (const QString &path : {documentPath(), dataFolder(), settingsPath()})
             EXPECT_EQ(QFileInfo(path).permissions() & QFileDevice::Permissions(0x0077), 0);
 
-        // Later saves and the next start use the new files only.
         store->setSyncCode("NOUVEAU-CODE-ATELIER-01");
         store->savePendingChanges();
         store = makeStore();
@@ -77,8 +74,7 @@ TEST_F(MigrationTest, EarlierFileIsMovedOverOnceWhateverItsLineEndsAndLocks) {
     }
 }
 
-// When the move cannot finish, the earlier file stays byte for byte, the store shows its
-// content, says that nothing is saved and writes nothing; the next start tries again.
+// A move that cannot finish leaves the earlier file as it was; the next start tries again.
 TEST_F(MigrationTest, FailedMoveKeepsTheEarlierFileAndIsRetriedAtTheNextStart) {
     const QString replacement = settingsPath() + ".new";
     const std::pair<std::function<void()>, std::function<void()>> cases[] = {

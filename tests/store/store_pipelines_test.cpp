@@ -7,8 +7,7 @@ using namespace velino;
 using velino::test::StoreTest;
 using velino::test::waitUntil;
 
-// Timed from the test's own clock: whatever gaps a stalled machine leaves between the edits,
-// each regeneration must come a full delay after the edit before it.
+// Timed by the test's own clock, so that a stalled machine cannot make it fail.
 TEST_F(StoreTest, QuickEditsGiveOneRegenerationAndOneSaveAfterTheLast) {
     const auto store = makeStore();
     const qint64 delay = ComposerStore::kDebounceMilliseconds;
@@ -40,8 +39,7 @@ TEST_F(StoreTest, QuickEditsGiveOneRegenerationAndOneSaveAfterTheLast) {
     EXPECT_EQ(store->generatedSubject() + "|" + savedSubject(), "Objet numero 10|Objet numero 10");
 }
 
-// Debounced changes die with a store destroyed too early, or are saved when asked or by their
-// own timers; the sync code is remembered normalised but shown as typed until the next start.
+// The sync code is remembered normalised but shown as typed until the next start.
 TEST_F(StoreTest, PendingChangesAreDroppedWithTheStoreOrSavedAtOnceOrAfterTheDebounce) {
     enum { Dropped, Asked, Waited };
     for (const int how : {Dropped, Asked, Waited}) {
@@ -67,8 +65,7 @@ TEST_F(StoreTest, PendingChangesAreDroppedWithTheStoreOrSavedAtOnceOrAfterTheDeb
     }
 }
 
-// What the window shows of a preset or a reset is tst_MainWindow's; neither loses the library
-// or the sync code, and both forget the loaded saved preset.
+// What the window shows of a preset or a reset is tst_MainWindow's.
 TEST_F(StoreTest, ApplyingAPresetOrResettingKeepsLibraryAndCode) {
     const auto store = makeStore();
     store->setSyncCode("CODE-PRIVE-1234567");

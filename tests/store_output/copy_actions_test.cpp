@@ -44,8 +44,7 @@ TEST_F(OutputTest, CopySubjectAndTextVersionPutOnePlainStringOnTheClipboard) {
         "clipboard | lastAction: Objet copie. | clipboard | lastAction: Version texte copiee.");
 }
 
-// What the real converter makes of the mail is QtRichTextConverter's own test's; the rich copy
-// through it is checked with the mail fallbacks.
+// What the real converter makes of the mail is QtRichTextConverter's own test's.
 TEST_F(OutputTest, CopyHtmlPassesTheConvertersRepresentationsThrough) {
     desktop->scripted = true;
     const auto store = makeOutputStore();

@@ -22,7 +22,6 @@ void writeFile(const QString &path, const QByteArray &bytes) {
 
 } // namespace
 
-// Accents stay in the file's name and the report; an older, longer file is replaced whole.
 // Suggested names are suggested_file_name_test's, the dialog tst_MainWindow's.
 TEST_F(OutputTest, ExportWritesTheDocumentToTheChosenFile) {
     const auto store = makeOutputStore();
@@ -37,8 +36,7 @@ TEST_F(OutputTest, ExportWritesTheDocumentToTheChosenFile) {
               QStringList({"saveDialog", "lastAction: HTML exporte vers " + fileName + "."}));
 }
 
-// The dialog answers later: the file holds what was shown when it opened, and an answer
-// arriving after the store is gone does nothing.
+// An answer arriving after the store is gone does nothing.
 TEST_F(OutputTest, ExportAnsweredLaterWritesWhatWasShownWhenAsked) {
     desktop->deferred = true;
     desktop->answer = dir.filePath("plus-tard.html");
@@ -59,8 +57,6 @@ TEST_F(OutputTest, ExportAnsweredLaterWritesWhatWasShownWhenAsked) {
     EXPECT_FALSE(QFileInfo::exists(*desktop->answer));
 }
 
-// Cancelled (no answer or an empty one), or into a place that cannot be written: nothing is
-// written, nothing else done (the log), the last action stays, a failure is alerted.
 TEST_F(OutputTest, CancelledOrFailedExportChangesNothing) {
     const auto store = makeOutputStore();
     store->copySubject();
@@ -88,8 +84,7 @@ TEST_F(OutputTest, CancelledOrFailedExportChangesNothing) {
     EXPECT_EQ(store->lastAction(), "Objet copie.");
 }
 
-// Each call writes a new private file named by a UUID, even with a umask that would let
-// every file be read, and opens it; what the browser does is not the store's concern.
+// Private even with a umask that would let every file be read.
 TEST_F(OutputTest, EachPreviewWritesANewPrivateUuidNamedFileAndOpensIt) {
     const mode_t previousUmask = ::umask(0);
     const auto store = makeOutputStore();
@@ -113,8 +108,7 @@ TEST_F(OutputTest, EachPreviewWritesANewPrivateUuidNamedFileAndOpensIt) {
               "lastAction: Apercu autonome ouvert. | lastAction: Apercu autonome ouvert.");
 }
 
-// With no private folder (its path runs through a regular file) nothing is opened, nor
-// written next to the program instead.
+// No private folder: its path runs through a regular file.
 TEST_F(OutputTest, PreviewThatCannotBeWrittenAlertsAndOpensNothing) {
     writeFile(dir.filePath("bloc"), "pas un dossier");
     files = std::make_shared<QtFileSystem>(dir.filePath("bloc/tmp"));

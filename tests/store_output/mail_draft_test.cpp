@@ -44,8 +44,7 @@ TEST_F(MailDraftTest, DraftCreatedInTheMailApplication) {
     EXPECT_EQ(clipboardContent().text(), "autre contenu");
 }
 
-// Whatever stops the draft, the content is copied as by copyHTML and a plain new mail is opened;
-// when even that link is refused, the reason is shown instead and the last action stays.
+// Whatever stops the draft ends in the fallback, or in its own message if that is refused.
 TEST_F(MailDraftTest, EveryFailureEndsInTheFallbackOrItsOwnMessage) {
     const QString blank = QString::fromUtf16(u" \t\u00A0\n");
     const QString client = "client@example.com", atelier = "atelier@korvel.example";
@@ -80,8 +79,7 @@ TEST_F(MailDraftTest, EveryFailureEndsInTheFallbackOrItsOwnMessage) {
     }
 }
 
-// The platform's own xdg-open, where nothing handles mailto: links: its failure reaches the
-// store in time, which shows the bridge's error.
+// The platform's xdg-open, where nothing handles mailto: links, fails in time.
 TEST_F(MailDraftTest, RealXdgOpenWithoutAMailtoHandlerEndsInTheBridgeError) {
     ASSERT_FALSE(QStandardPaths::findExecutable("xdg-open").isEmpty())
         << "xdg-open is missing; scripts/install-deps installs xdg-utils";

@@ -13,9 +13,8 @@
 #include <memory>
 #include <utility>
 
-// Output actions run against the real clipboard, file system, rich-text converter and
-// settings file; only what needs a person or another application is faked, and every fake
-// and the clipboard write what happens, in order, in one log.
+// Only what needs a person or another application is faked; each fake and the clipboard
+// write what happens, in order, in one log.
 namespace velino::test {
 
 class FakeDesktop final : public Clipboard,

@@ -6,7 +6,6 @@ using namespace velino::test;
 
 namespace {
 
-// One saved preset as the phone would list it, with the given timestamp texts.
 QJsonArray phonePresets(const QString &createdAt, const QString &updatedAt) {
     return {QJsonObject{{"id", uuidText(randomUuid())},
                         {"name", "Preset iPhone"},
@@ -66,9 +65,7 @@ TEST_F(StoreSyncTest, PullReplacesOnlyThePresetAndTheContentThenSaves) {
               "relance | Lea Martin | " + uuidText(library[0].id));
 }
 
-// The flag is not consulted; the active saved preset may be null; another schema or version
-// and unknown keys are accepted. Identifiers in lower case and times with an offset are
-// SyncRecords' own test's.
+// Lower-case identifiers and times with an offset are SyncRecords' own test's.
 TEST_F(StoreSyncTest, PullAppliesEveryWellFormedSnapshot) {
     const auto store = makeSyncStore();
     const MailComposerData data = defaultWith(u"recipientName", "Client de l'iPhone");

@@ -46,20 +46,16 @@ TEST_F(StoreSyncTest, PushSendsTheStateAsItWasWhenTheButtonWasPressed) {
     EXPECT_FALSE(request.body.contains('\n') || request.body.contains("\": "));
     EXPECT_TRUE(request.body.contains("\"version\":1,") || request.body.contains("\"version\":1}"));
     // Stamped when the button was pressed, not when the request left.
-    const QJsonObject payload{{"schema", "korvel-velino-sync"},
-                              {"version", 1},
-                              {"activePreset", "pret"},
-                              {"data", pressed.toJson()},
-                              {"customPresets", QJsonArray()},
-                              {"customPresetDraftName", ""},
-                              {"source", "macos"},
-                              {"updatedAt", "2026-03-05T13:07:30Z"}};
+    QJsonObject payload = QJsonDocument::fromJson(R"({"schema":"korvel-velino-sync",
+        "version":1,"activePreset":"pret","customPresets":[],"customPresetDraftName":"",
+        "source":"macos","updatedAt":"2026-03-05T13:07:30Z"})")
+                              .object();
+    payload.insert("data", pressed.toJson());
     EXPECT_EQ(bodyObject(request), QJsonObject({{"code", kSyncCode}, {"payload", payload}}))
         << request.body.toStdString();
 }
 
-// The flag is required but not consulted and unknown keys are ignored; other times and
-// texts are SyncTimeLabel's own test's.
+// Other times and texts are SyncTimeLabel's own test's.
 TEST_F(StoreSyncTest, UploadAnswersAreReadStrictlyAndTheirTimeShown) {
     const auto store = makeSettledStore(syncServices());
     const QString sent = QString::fromUtf16(u"Brouillon envoye vers l'iPhone \u00b7 ");

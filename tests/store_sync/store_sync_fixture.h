@@ -14,8 +14,7 @@ inline constexpr std::chrono::seconds kSyncWait{15};
 inline constexpr auto kSyncCode = "AB12-CD34EF56GH78";
 inline constexpr auto kAnswerTime = "2026-06-05T08:15:00Z"; // 10:15 in Paris
 
-// A store talking to a real HTTPS server on 127.0.0.1, whose certificate comes from an
-// authority made for this run and trusted through the store's services only.
+// A store talking to a real HTTPS server on 127.0.0.1 with an authority of the test's own.
 class StoreSyncTest : public TlsStoreTest {
 protected:
     void SetUp() override {
@@ -47,13 +46,11 @@ protected:
         return store;
     }
 
-    // Runs the event loop until the push or pull under way has been handled.
     static bool waitForIdle(const ComposerStore &store) {
         return waitUntil([&] { return !store.isSyncing(); }, kSyncWait);
     }
 
-    // Runs a push or pull to its end and returns the text shown, after checking that the
-    // answer came later, that the status and the alert agree and that nothing else moved.
+    // The text a push or pull shows, once checked that nothing else moved.
     QString failureOf(ComposerStore &store, void (ComposerStore::*operation)(),
                       const std::string &what) {
         const auto untouched = [&] {
@@ -94,16 +91,14 @@ protected:
         return compact(QJsonObject{{"ok", true}, {"updatedAt", updatedAt}});
     }
 
-    // A well-formed payload as the phone would store it, written out key by key.
     static QJsonObject phonePayload(const QString &preset, const MailComposerData &data) {
-        return QJsonObject{{"schema", "korvel-velino-sync"},
-                           {"version", 1},
-                           {"activePreset", preset},
-                           {"data", data.toJson()},
-                           {"customPresets", QJsonArray{}},
-                           {"customPresetDraftName", "iPhone"},
-                           {"updatedAt", "2026-01-01T00:00:00Z"},
-                           {"source", "ios"}};
+        QJsonObject payload = QJsonDocument::fromJson(R"({"schema":"korvel-velino-sync",
+            "version":1,"customPresets":[],"customPresetDraftName":"iPhone",
+            "updatedAt":"2026-01-01T00:00:00Z","source":"ios"})")
+                                  .object();
+        payload.insert("activePreset", preset);
+        payload.insert("data", data.toJson());
+        return payload;
     }
     static QByteArray downloadAnswer(const QJsonObject &payload, const QString &at = kAnswerTime,
                                      bool ok = true) {

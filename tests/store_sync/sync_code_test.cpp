@@ -7,7 +7,6 @@ class StoreSyncCodeTest : public StoreSyncTest {
 protected:
     void SetUp() override {
         StoreSyncTest::SetUp();
-        // Both requests succeed, so that only the code decides what happens.
         server->setHandler([](const TestHttpRequest &request) {
             return TestHttpAnswer::json(
                 200,
@@ -43,8 +42,7 @@ TEST_F(StoreSyncCodeTest, ATypedCodeIsNormalisedCutRememberedAndSent) {
     EXPECT_EQ(savedSyncCode(), cut);
 }
 
-// Counted in kept user-perceived characters ("abc" refused is tst_MainWindow's): an accented
-// letter is not kept, so fifteen are refused without a request and sixteen are enough.
+// An accented letter is not kept: fifteen are refused, sixteen are enough.
 TEST_F(StoreSyncCodeTest, ACodeShorterThan16IsWrittenBackAndRefusedWithoutARequest) {
     const auto store = makeSyncStore();
     QSignalSpy syncing(store.get(), &ComposerStore::isSyncingChanged);

@@ -22,8 +22,7 @@ QByteArray paddedTo(QByteArray body, qint64 size) {
 
 using StoreSyncFailureTest = StoreSyncTest;
 
-// Other refusals are SyncResponse's own test's; over the limit, an answer is refused before
-// its body is read when its length is declared, and as soon as it is read otherwise.
+// Other refusals are SyncResponse's own test's.
 TEST_F(StoreSyncFailureTest, RefusedUnreadableOrOversizedAnswersFailAndEightMebibytesAreRead) {
     const auto store = makeSettledStore(syncServices());
     const qint64 limit = SyncTransport::kMaxAnswerBytes;
@@ -80,8 +79,7 @@ TEST_F(StoreSyncFailureTest, UnreachableUntrustedOrUnusableAddressesFail) {
     EXPECT_TRUE(server->requests().isEmpty() && impostor.requests().isEmpty());
 }
 
-// Stores destroyed while the server holds their push or pull, or before the request left,
-// would each time out and alert; a store started after them gives up last.
+// Stores destroyed while their request is held would alert if ever called back.
 TEST_F(StoreSyncFailureTest, ASilentServerIsGivenUpAndDestroyedStoresAreNeverCalledBack) {
     answerWith(TestHttpAnswer::never());
     // Short enough to give up quickly, long enough for a handshake on a busy machine.
