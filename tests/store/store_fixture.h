@@ -93,11 +93,17 @@ protected:
                store.activeCustomPresetName().value_or("-") + " | " + store.lastAction();
     }
 
-    // What another process would read from the files now.
-    QByteArray savedBytes() const {
-        QFile file(documentPath());
+    static QByteArray readFile(const QString &path) {
+        QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
+    static void putFile(const QString &path, const QByteArray &bytes) {
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(path).absolutePath()));
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    }
+    // What another process would read from the files now.
+    QByteArray savedBytes() const { return readFile(documentPath()); }
     QJsonObject savedDocument() const { return QJsonDocument::fromJson(savedBytes()).object(); }
     QString saved(QStringView key) const { return savedDocument()[key].toString(); }
     QString savedSubject() const { return savedDocument()[u"data"][u"subject"].toString(); }
@@ -106,13 +112,7 @@ protected:
             .value(ComposerStore::kSyncCodeKey)
             .toString();
     }
-    void writeSaved(const QByteArray &bytes) {
-        ASSERT_TRUE(QDir().mkpath(dataFolder()));
-        QFile file(documentPath());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        ASSERT_EQ(file.write(bytes), bytes.size());
-    }
-
+    void writeSaved(const QByteArray &bytes) { putFile(documentPath(), bytes); }
     // Long enough for every debounced regeneration and save to run.
     static void settle() { QTest::qWait(ComposerStore::kDebounceMilliseconds + 100); }
 

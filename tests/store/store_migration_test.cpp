@@ -14,13 +14,7 @@ protected:
         ASSERT_FALSE(bytes.isEmpty());
         if (crlf)
             bytes.replace("\n", "\r\n");
-        ASSERT_TRUE(QDir().mkpath(configFolder()));
-        QFile file(settingsPath());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-    }
-    QByteArray settingsBytes() const {
-        QFile file(settingsPath());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        putFile(settingsPath(), bytes);
     }
 
     static void expectEarlierState(const ComposerStore &store) {
@@ -85,7 +79,7 @@ TEST_F(MigrationTest, FailedMoveKeepsTheEarlierFileAndIsRetriedAtTheNextStart) {
     for (const auto &[block, unblock] : cases) {
         QFile::remove(documentPath());
         placeEarlierFile();
-        const QByteArray earlier = settingsBytes();
+        const QByteArray earlier = readFile(settingsPath());
         block();
         auto store = makeStore();
         expectEarlierState(*store);
@@ -93,7 +87,7 @@ TEST_F(MigrationTest, FailedMoveKeepsTheEarlierFileAndIsRetriedAtTheNextStart) {
         store->setSyncCode("CODE-PENDANT-LA-PANNE");
         store->savePendingChanges();
         EXPECT_EQ(store->saveStatus(), test::kUnsavedStatus);
-        EXPECT_EQ(settingsBytes(), earlier);
+        EXPECT_EQ(readFile(settingsPath()), earlier);
         store.reset();
 
         unblock();

@@ -7,21 +7,6 @@
 using namespace velino;
 using velino::test::OutputTest;
 
-namespace {
-
-QByteArray fileBytes(const QString &path) {
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return file.readAll();
-}
-
-void writeFile(const QString &path, const QByteArray &bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-}
-
-} // namespace
-
 // Suggested names are suggested_file_name_test's, the dialog tst_MainWindow's.
 TEST_F(OutputTest, ExportWritesTheDocumentToTheChosenFile) {
     const auto store = makeOutputStore();
@@ -29,9 +14,9 @@ TEST_F(OutputTest, ExportWritesTheDocumentToTheChosenFile) {
                         QString::fromUtf16(u"Votre devis \u2013 iPhone 13 (\u00C9cran) \u2713"));
     const QString fileName = QString::fromUtf16(u"r\u00E9paration \u00E9cran.html");
     desktop->answer = dir.filePath(fileName);
-    writeFile(*desktop->answer, QByteArray(200000, 'x'));
+    putFile(*desktop->answer, QByteArray(200000, 'x'));
     store->exportHTML();
-    EXPECT_EQ(fileBytes(*desktop->answer), store->generatedHTML().toUtf8());
+    EXPECT_EQ(readFile(*desktop->answer), store->generatedHTML().toUtf8());
     EXPECT_EQ(desktop->log,
               QStringList({"saveDialog", "lastAction: HTML exporte vers " + fileName + "."}));
 }
@@ -47,7 +32,7 @@ TEST_F(OutputTest, ExportAnsweredLaterWritesWhatWasShownWhenAsked) {
     store->setDataField("subject", "Objet change ensuite");
     store->copySubject(); // regenerates
     desktop->answerPending();
-    EXPECT_EQ(fileBytes(*desktop->answer), shown.toUtf8());
+    EXPECT_EQ(readFile(*desktop->answer), shown.toUtf8());
     EXPECT_EQ(store->lastAction(), "HTML exporte vers plus-tard.html.");
 
     desktop->answer = dir.filePath("orphelin.html");
@@ -62,7 +47,7 @@ TEST_F(OutputTest, CancelledOrFailedExportChangesNothing) {
     store->copySubject();
     // A regular file where a folder should be: no user, root included, can write below it.
     const QString blocker = dir.filePath("bloc");
-    writeFile(blocker, "pas un dossier");
+    putFile(blocker, "pas un dossier");
     ASSERT_TRUE(QDir().mkpath(dir.filePath("dossier.html")));
     const auto entries = [&] {
         return QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
@@ -102,15 +87,15 @@ TEST_F(OutputTest, EachPreviewWritesANewPrivateUuidNamedFileAndOpensIt) {
         EXPECT_EQ(file.absolutePath(), QDir(tempFolder()).canonicalPath());
         EXPECT_EQ(file.permissions() & QFileDevice::Permissions(0x0077), 0);
     }
-    EXPECT_TRUE(fileBytes(desktop->opened[0].toLocalFile()).contains("Premier apercu"));
-    EXPECT_EQ(fileBytes(desktop->opened[1].toLocalFile()), store->generatedHTML().toUtf8());
+    EXPECT_TRUE(readFile(desktop->opened[0].toLocalFile()).contains("Premier apercu"));
+    EXPECT_EQ(readFile(desktop->opened[1].toLocalFile()), store->generatedHTML().toUtf8());
     EXPECT_EQ(desktop->log.filter("lastAction").join(" | "),
               "lastAction: Apercu autonome ouvert. | lastAction: Apercu autonome ouvert.");
 }
 
 // No private folder: its path runs through a regular file.
 TEST_F(OutputTest, PreviewThatCannotBeWrittenAlertsAndOpensNothing) {
-    writeFile(dir.filePath("bloc"), "pas un dossier");
+    putFile(dir.filePath("bloc"), "pas un dossier");
     files = std::make_shared<QtFileSystem>(dir.filePath("bloc/tmp"));
     const QStringList entriesBefore = QDir::current().entryList();
     const auto store = makeOutputStore();
