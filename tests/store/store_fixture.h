@@ -29,7 +29,6 @@ public:
     Instant current;
 };
 
-// Alerts cannot be shown without a window: the texts are recorded instead.
 class RecordingAlerts final : public AlertPresenter {
 public:
     void showWarning(const QString &informativeText) override { shown.append(informativeText); }

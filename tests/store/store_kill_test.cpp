@@ -20,10 +20,7 @@ TEST_F(StoreTest, SavesSurviveAKillAtAnyMoment) {
         QProcess writer;
         writer.start(QStringLiteral(VELINO_STORE_WRITER_BINARY), {configFolder(), dataFolder()});
         ASSERT_TRUE(writer.waitForStarted());
-        ASSERT_TRUE(writer.waitForReadyRead(30000))
-            << "round " << round
-            << ": writer never became ready: " << writer.readAllStandardError().toStdString()
-            << " state " << writer.state();
+        ASSERT_TRUE(writer.waitForReadyRead(30000)) << writer.readAllStandardError().toStdString();
         QTest::qSleep(random.bounded(1, 60));
         ::kill(static_cast<pid_t>(writer.processId()), SIGKILL);
         ASSERT_TRUE(writer.waitForFinished(10000));

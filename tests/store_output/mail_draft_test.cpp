@@ -16,7 +16,6 @@ const QString kFallbackAction = QStringLiteral("Mail ouvert en mode secours.");
 
 class MailDraftTest : public OutputTest {
 protected:
-    // A store with the given recipient and sender and the subject "Devis pret", log emptied.
     std::unique_ptr<ComposerStore> storeWith(const QString &recipient, const QString &sender) {
         auto store = makeOutputStore();
         MailComposerData data = store->data();
@@ -41,7 +40,7 @@ TEST_F(MailDraftTest, DraftCreatedInTheMailApplication) {
     EXPECT_EQ(QStringList({draft.subject, draft.recipient, draft.sender, draft.html}),
               QStringList({"Devis pret", "client@example.com", "atelier@korvel.example",
                            store->generatedHTML()}));
-    EXPECT_EQ(clipboardContent().text(), "autre contenu");
+    EXPECT_EQ(clipboardContent().text(), "autre");
 }
 
 // Whatever stops the draft ends in the fallback, or in its own message if that is refused.

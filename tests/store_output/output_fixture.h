@@ -106,9 +106,7 @@ protected:
     }
 
     // Something else on the clipboard, so that a test sees whether an action replaced it.
-    static void putOtherTextOnClipboard() {
-        QGuiApplication::clipboard()->setText(QStringLiteral("autre contenu"));
-    }
+    static void putOtherTextOnClipboard() { QGuiApplication::clipboard()->setText("autre"); }
     static const QMimeData &clipboardContent() {
         static const QMimeData empty;
         const QMimeData *mime = QGuiApplication::clipboard()->mimeData();

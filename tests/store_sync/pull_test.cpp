@@ -52,7 +52,6 @@ TEST_F(StoreSyncTest, PullReplacesOnlyThePresetAndTheContentThenSaves) {
     const TestHttpRequest &request = server->requests().first();
     EXPECT_EQ(request.method + " " + request.target + " " + request.header("Accept") + request.body,
               QByteArray("GET /api/velino-sync?code=") + kSyncCode + " application/json");
-    EXPECT_EQ(store->activePreset(), PresetKind::Relance);
     EXPECT_TRUE(store->data() == phoneData);
     EXPECT_EQ(store->generatedSubject(), "Votre relance Korvel"); // regenerated
     EXPECT_EQ(store->customPresets(), library);

@@ -18,6 +18,23 @@ QByteArray paddedTo(QByteArray body, qint64 size) {
     return body + QByteArray(size - body.size(), ' ');
 }
 
+// A modal alert during which the window closes: the store is deleted before it returns.
+class WindowClosingAlerts final : public AlertPresenter {
+public:
+    void showWarning(const QString &informativeText) override {
+        shown.append(informativeText);
+        QEventLoop modal;
+        QTimer::singleShot(0, store, &QObject::deleteLater);
+        QTimer::singleShot(100, &modal, &QEventLoop::quit);
+        modal.exec();
+        storeGoneBeforeReturn = store.isNull();
+        returned = true;
+    }
+    QPointer<ComposerStore> store;
+    QStringList shown;
+    bool storeGoneBeforeReturn = false, returned = false;
+};
+
 } // namespace
 
 using StoreSyncFailureTest = StoreSyncTest;
@@ -98,27 +115,6 @@ TEST_F(StoreSyncFailureTest, ASilentServerIsGivenUpAndDestroyedStoresAreNeverCal
         EXPECT_EQ(failureOf(*witness, operation, "silent server"), kTimedOutText);
     EXPECT_EQ(alerts->shown, QStringList(2, kTimedOutText));
 }
-
-namespace {
-
-// A modal alert during which the window closes: the store is deleted before it returns.
-class WindowClosingAlerts final : public AlertPresenter {
-public:
-    void showWarning(const QString &informativeText) override {
-        shown.append(informativeText);
-        QEventLoop modal;
-        QTimer::singleShot(0, store, &QObject::deleteLater);
-        QTimer::singleShot(100, &modal, &QEventLoop::quit);
-        modal.exec();
-        storeGoneBeforeReturn = store.isNull();
-        returned = true;
-    }
-    QPointer<ComposerStore> store;
-    QStringList shown;
-    bool storeGoneBeforeReturn = false, returned = false;
-};
-
-} // namespace
 
 TEST_F(StoreSyncFailureTest, AStoreDestroyedWhileItsFailureIsShownStaysUntouched) {
     answerWith(TestHttpAnswer::json(404, R"({"error":"Code inconnu"})"));
