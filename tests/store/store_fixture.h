@@ -5,11 +5,11 @@
 #include "qt_state_storage.h"
 #include "test_records.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSettings>
@@ -22,30 +22,31 @@
 
 namespace velino::test {
 
-// "Now" as the test sets it.
 class FixedClock final : public Clock {
 public:
     Instant now() const override { return current; }
-    void set(const QDateTime &dateTime) { current = Instant::fromDateTime(dateTime); }
     void advance(double seconds) { current.sinceReference += seconds; }
-    Instant current = Instant{788918400}; // 2026-01-01 00:00:00 UTC
+    Instant current;
 };
 
-// Alerts cannot be shown without a window: the texts are recorded instead.
 class RecordingAlerts final : public AlertPresenter {
 public:
     void showWarning(const QString &informativeText) override { shown.append(informativeText); }
     QStringList shown;
 };
 
-// A store on real state files in a temporary folder, with a fixed clock.
+inline const QString kSavedStatus = QString::fromUtf16(u"Sauvegarde locale active \u00B7 14:07");
+inline const QString kUnsavedStatus = QStringLiteral("Sauvegarde locale indisponible.");
+
+// A store on real state files in a temporary folder, at 14:07 in Paris by a fixed clock.
 class StoreTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(dir.isValid());
         qputenv("TZ", "Europe/Paris");
         tzset();
-        clock->set(QDateTime(QDate(2026, 3, 5), QTime(13, 7, 30), Qt::UTC)); // 14:07 in Paris
+        clock->current =
+            Instant::fromDateTime(QDateTime(QDate(2026, 3, 5), QTime(13, 7, 30), Qt::UTC));
     }
 
     QString configFolder() const { return dir.filePath(QStringLiteral("config/Korvel")); }
@@ -54,8 +55,7 @@ protected:
     QString documentPath() const { return stateFiles().document; }
     QString settingsPath() const { return stateFiles().settings; }
 
-    // Puts a plain file where the document's folder should be: nothing can be written
-    // there, whatever the permissions of the user running the tests (CI runs as root).
+    // A plain file where the document's folder should be: unwritable even for root.
     void blockDataFolder() {
         QDir(dataFolder()).removeRecursively();
         ASSERT_TRUE(QDir().mkpath(QFileInfo(dataFolder()).absolutePath()));
@@ -72,6 +72,9 @@ protected:
         s.files = std::make_shared<QtFileSystem>(dir.filePath(QStringLiteral("apercus")));
         return s;
     }
+    std::unique_ptr<ComposerStore> makeStore() {
+        return std::make_unique<ComposerStore>(services());
+    }
 
     static QStringList presetNames(const ComposerStore &store) {
         QStringList names;
@@ -79,36 +82,38 @@ protected:
             names << preset.name;
         return names;
     }
-
-    std::unique_ptr<ComposerStore> makeStore() {
-        return std::make_unique<ComposerStore>(services());
+    static void saveAs(ComposerStore &store, const QString &name) {
+        store.setCustomPresetDraftName(name);
+        store.saveAsNewCustomPreset();
+    }
+    // The preset panel: draft name, loaded preset's name ("-" for none), last action.
+    static QString panel(const ComposerStore &store) {
+        return store.customPresetDraftName() + " | " +
+               store.activeCustomPresetName().value_or("-") + " | " + store.lastAction();
     }
 
-    // What another process would read from the files now.
-    QByteArray savedBytes() const {
-        QFile file(documentPath());
+    static QByteArray readFile(const QString &path) {
+        QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
+    static void putFile(const QString &path, const QByteArray &bytes) {
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(path).absolutePath()));
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    }
+    // What another process would read from the files now.
+    QByteArray savedBytes() const { return readFile(documentPath()); }
     QJsonObject savedDocument() const { return QJsonDocument::fromJson(savedBytes()).object(); }
+    QString saved(QStringView key) const { return savedDocument()[key].toString(); }
     QString savedSubject() const { return savedDocument()[u"data"][u"subject"].toString(); }
     QString savedSyncCode() const {
         return QSettings(settingsPath(), QSettings::IniFormat)
             .value(ComposerStore::kSyncCodeKey)
             .toString();
     }
-
-    void writeSaved(const QByteArray &bytes) {
-        ASSERT_TRUE(QDir().mkpath(dataFolder()));
-        QFile file(documentPath());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        ASSERT_EQ(file.write(bytes), bytes.size());
-    }
-    void writeSavedDocument(const QJsonObject &document) {
-        writeSaved(QJsonDocument(document).toJson(QJsonDocument::Compact));
-    }
-
-    // Lets timers fire for the given time.
-    static void wait(int milliseconds) { QTest::qWait(milliseconds); }
+    void writeSaved(const QByteArray &bytes) { putFile(documentPath(), bytes); }
+    // Long enough for every debounced regeneration and save to run.
+    static void settle() { QTest::qWait(ComposerStore::kDebounceMilliseconds + 100); }
 
     QTemporaryDir dir;
     std::shared_ptr<FixedClock> clock = std::make_shared<FixedClock>();

@@ -9,8 +9,7 @@
 using namespace velino;
 using velino::test::StoreTest;
 
-// A child process saves in a loop and is killed with SIGKILL at random moments; each time
-// the file on disk must hold one complete saved state.
+// A child process saving in a loop is killed at random moments: the file stays whole.
 TEST_F(StoreTest, SavesSurviveAKillAtAnyMoment) {
     const quint32 seed = QRandomGenerator::global()->generate();
     SCOPED_TRACE(testing::Message() << "kill delays drawn with seed " << seed);
@@ -21,10 +20,7 @@ TEST_F(StoreTest, SavesSurviveAKillAtAnyMoment) {
         QProcess writer;
         writer.start(QStringLiteral(VELINO_STORE_WRITER_BINARY), {configFolder(), dataFolder()});
         ASSERT_TRUE(writer.waitForStarted());
-        ASSERT_TRUE(writer.waitForReadyRead(30000))
-            << "round " << round
-            << ": writer never became ready: " << writer.readAllStandardError().toStdString()
-            << " state " << writer.state();
+        ASSERT_TRUE(writer.waitForReadyRead(30000)) << writer.readAllStandardError().toStdString();
         QTest::qSleep(random.bounded(1, 60));
         ::kill(static_cast<pid_t>(writer.processId()), SIGKILL);
         ASSERT_TRUE(writer.waitForFinished(10000));

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <utility>
-
 #include "../store/store_fixture.h"
 
 #include "mail_app_executor.h"
+#include "mail_app_texts.h"
 #include "rich_text_converter.h"
 
 #include <QClipboard>
@@ -12,175 +11,110 @@
 #include <QMimeData>
 
 #include <memory>
+#include <utility>
 
-// Stores whose output actions run against the real clipboard, file system, rich-text
-// converter and settings file; only what needs a person or another application is replaced:
-// the save dialog, the alerts, the URL opener and the mail application. Every replaced
-// service and the clipboard write down what happens, in order, in one shared log.
+// Only what needs a person or another application is faked; each fake and the clipboard
+// write what happens, in order, in one log.
 namespace velino::test {
 
-using EventLog = std::shared_ptr<QStringList>;
-
-// The real clipboard, with each item handed to it noted in the log.
-class LoggedClipboard final : public Clipboard {
+class FakeDesktop final : public Clipboard,
+                          public SaveDialog,
+                          public AlertPresenter,
+                          public UrlOpener,
+                          public RichTextConverter {
 public:
-    explicit LoggedClipboard(EventLog log) : log(std::move(log)) {}
     void setItem(const ClipboardItem &item) override {
-        log->append(QStringLiteral("clipboard"));
-        real.setItem(item);
+        log.append(QStringLiteral("clipboard"));
+        realClipboard.setItem(item);
     }
-    EventLog log;
-    QtClipboard real;
-};
-
-// Answers with the prepared location, or cancels when there is none; at once, or only
-// when answerPending() is called if `deferred` is set.
-class FakeSaveDialog final : public SaveDialog {
-public:
-    explicit FakeSaveDialog(EventLog log) : log(std::move(log)) {}
-    void askSaveLocation(const QString &title, const QString &suggestedName,
-                         Answer answerWith) override {
-        log->append(QStringLiteral("saveDialog"));
-        titles.append(title);
-        suggestedNames.append(suggestedName);
+    // Answers `answer` (nothing: cancelled) at once, or at answerPending() when `deferred`.
+    void askSaveLocation(const QString &, const QString &, Answer answerWith) override {
+        log.append(QStringLiteral("saveDialog"));
         pending = std::move(answerWith);
         if (!deferred)
             answerPending();
     }
     void answerPending() {
-        Answer take = std::exchange(pending, nullptr);
-        if (take)
+        if (const Answer take = std::exchange(pending, nullptr))
             take(answer);
     }
-    EventLog log;
-    std::optional<QString> answer;
-    bool deferred = false;
-    Answer pending;
-    QStringList titles;
-    QStringList suggestedNames;
-};
-
-class LoggedAlerts final : public AlertPresenter {
-public:
-    explicit LoggedAlerts(EventLog log) : log(std::move(log)) {}
-    void showWarning(const QString &informativeText) override {
-        log->append(QStringLiteral("alert: ") + informativeText);
-        shown.append(informativeText);
-    }
-    EventLog log;
-    QStringList shown;
-};
-
-class FakeUrlOpener final : public UrlOpener {
-public:
-    explicit FakeUrlOpener(EventLog log) : log(std::move(log)) {}
+    void showWarning(const QString &text) override { log.append(QStringLiteral("alert: ") + text); }
     bool openUrl(const QUrl &url) override {
-        log->append(QStringLiteral("openUrl: ") + QString::fromUtf8(url.toEncoded()));
+        log.append(QStringLiteral("openUrl: ") + QString::fromUtf8(url.toEncoded()));
         opened.append(url);
         return accepts;
     }
-    EventLog log;
-    bool accepts = true;
-    QList<QUrl> opened;
-};
+    // The real conversion unless `scripted` (nothing: the HTML cannot be imported).
+    std::optional<RichTextConversion> convert(const QByteArray &htmlUtf8) override {
+        converted.append(htmlUtf8);
+        return scripted ? conversion : QtRichTextConverter().convert(htmlUtf8);
+    }
 
-// What the mail application does, as the test prepares it, and what it was asked.
-struct MailAppScript {
-    bool installed = true;
-    std::optional<DraftFailure> failure; // nothing: the draft is created
+    QStringList log;
+    QtClipboard realClipboard;
+    std::optional<QString> answer;
+    Answer pending;
+    QList<QUrl> opened;
+    std::optional<RichTextConversion> conversion;
+    QList<QByteArray> converted;
+    bool deferred = false, accepts = true, scripted = false;
+    // The mail application: installed or not, how a draft ends (nothing: created), drafts.
+    bool mailAppInstalled = true;
+    std::optional<DraftFailure> draftFailure;
     QList<MailDraft> drafts;
 };
 
 class FakeMailApp final : public MailAppExecutor {
 public:
-    FakeMailApp(std::shared_ptr<MailAppScript> script, EventLog log)
-        : script(std::move(script)), log(std::move(log)) {}
+    explicit FakeMailApp(std::shared_ptr<FakeDesktop> desktop) : desktop(std::move(desktop)) {}
     bool findApplication() override {
-        log->append(QStringLiteral("findApplication"));
-        return script->installed;
+        desktop->log.append(QStringLiteral("findApplication"));
+        return desktop->mailAppInstalled;
     }
-    void launchApplication() override { log->append(QStringLiteral("launchApplication")); }
+    void launchApplication() override { desktop->log.append(QStringLiteral("launchApplication")); }
     std::optional<DraftFailure> runDraft(const MailDraft &draft) override {
-        log->append(QStringLiteral("runDraft"));
-        script->drafts.append(draft);
-        return script->failure;
+        desktop->log.append(QStringLiteral("runDraft"));
+        desktop->drafts.append(draft);
+        return desktop->draftFailure;
     }
-    std::shared_ptr<MailAppScript> script;
-    EventLog log;
-};
-
-// A converter with a prepared answer (nothing: the HTML cannot be imported); it keeps the
-// bytes it was given.
-class ScriptedRichText final : public RichTextConverter {
-public:
-    std::optional<RichTextConversion> convert(const QByteArray &htmlUtf8) override {
-        inputs.append(htmlUtf8);
-        return answer;
-    }
-    std::optional<RichTextConversion> answer;
-    QList<QByteArray> inputs;
-};
-
-// Always the same identifier, so that a test knows the next preview's file name.
-class FixedIds final : public IdGenerator {
-public:
-    QUuid newId() override { return id; }
-    QUuid id;
+    std::shared_ptr<FakeDesktop> desktop;
 };
 
 class OutputTest : public StoreTest {
 protected:
-    // Previews go to a private folder of the test's own.
     QString tempFolder() const { return dir.filePath(QStringLiteral("tmp")); }
-
-    StoreServices outputServices() {
-        StoreServices s = services();
-        s.clipboard = clipboard;
-        s.saveDialog = saveDialog;
-        s.alerts = shownAlerts;
-        s.urls = urls ? urls : opener;
-        s.files = files;
-        if (richText)
-            s.richText = richText;
-        if (ids)
-            s.ids = ids;
-        s.makeMailExecutor = [script = mailApp, log = log](ProgramLauncher &, FileSystem &,
-                                                           IdGenerator &) {
-            return std::make_unique<FakeMailApp>(script, log);
-        };
-        return s;
-    }
 
     // The store, with its lastAction changes in the log, which starts empty.
     std::unique_ptr<ComposerStore> makeOutputStore() {
-        auto store = std::make_unique<ComposerStore>(outputServices());
+        StoreServices s = services();
+        s.clipboard = desktop;
+        s.saveDialog = desktop;
+        s.alerts = desktop;
+        s.richText = desktop;
+        s.urls = urls ? urls : std::shared_ptr<UrlOpener>(desktop);
+        s.files = files;
+        s.makeMailExecutor = [desktop = desktop](ProgramLauncher &, FileSystem &, IdGenerator &) {
+            return std::make_unique<FakeMailApp>(desktop);
+        };
+        auto store = std::make_unique<ComposerStore>(s);
         ComposerStore *raw = store.get();
-        QObject::connect(raw, &ComposerStore::lastActionChanged, raw, [raw, log = log] {
-            log->append(QStringLiteral("lastAction: ") + raw->lastAction());
+        QObject::connect(raw, &ComposerStore::lastActionChanged, raw, [raw, desktop = desktop] {
+            desktop->log.append(QStringLiteral("lastAction: ") + raw->lastAction());
         });
-        log->clear();
+        desktop->log.clear();
         return store;
     }
 
     // Something else on the clipboard, so that a test sees whether an action replaced it.
-    static void putOtherTextOnClipboard() {
-        QGuiApplication::clipboard()->setText(QStringLiteral("autre contenu"));
-    }
+    static void putOtherTextOnClipboard() { QGuiApplication::clipboard()->setText("autre"); }
     static const QMimeData &clipboardContent() {
-        const QMimeData *mime = QGuiApplication::clipboard()->mimeData();
         static const QMimeData empty;
+        const QMimeData *mime = QGuiApplication::clipboard()->mimeData();
         return mime ? *mime : empty;
     }
 
-    EventLog log = std::make_shared<QStringList>();
-    std::shared_ptr<LoggedClipboard> clipboard = std::make_shared<LoggedClipboard>(log);
-    std::shared_ptr<FakeSaveDialog> saveDialog = std::make_shared<FakeSaveDialog>(log);
-    std::shared_ptr<LoggedAlerts> shownAlerts = std::make_shared<LoggedAlerts>(log);
-    std::shared_ptr<FakeUrlOpener> opener = std::make_shared<FakeUrlOpener>(log);
-    std::shared_ptr<MailAppScript> mailApp = std::make_shared<MailAppScript>();
-    std::shared_ptr<RichTextConverter> richText; // the real converter unless set
-    std::shared_ptr<IdGenerator> ids;            // random identifiers unless set
-    std::shared_ptr<UrlOpener> urls;             // the logged fake unless set
+    std::shared_ptr<FakeDesktop> desktop = std::make_shared<FakeDesktop>();
+    std::shared_ptr<UrlOpener> urls; // the fake desktop unless set
     std::shared_ptr<FileSystem> files = std::make_shared<QtFileSystem>(tempFolder());
 };
 

@@ -2,15 +2,11 @@
 
 #include "tls_store_fixture.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QSignalSpy>
 
 #include <chrono>
-#include <functional>
 #include <memory>
-#include <optional>
+#include <tuple>
 
 namespace velino::test {
 
@@ -18,8 +14,7 @@ inline constexpr std::chrono::seconds kSyncWait{15};
 inline constexpr auto kSyncCode = "AB12-CD34EF56GH78";
 inline constexpr auto kAnswerTime = "2026-06-05T08:15:00Z"; // 10:15 in Paris
 
-// A store talking to a real HTTPS server on 127.0.0.1, whose certificate comes from an
-// authority made for this run and trusted through the store's services only.
+// A store talking to a real HTTPS server on 127.0.0.1 with an authority of the test's own.
 class StoreSyncTest : public TlsStoreTest {
 protected:
     void SetUp() override {
@@ -35,7 +30,6 @@ protected:
         s.syncTransferTimeout = transferTimeout;
         return s;
     }
-
     std::unique_ptr<ComposerStore> makeSyncStore(const StoreServices &services) {
         auto store = std::make_unique<ComposerStore>(services);
         store->setSyncCode(QString::fromLatin1(kSyncCode));
@@ -48,41 +42,37 @@ protected:
         auto store = makeSyncStore(services);
         store->setActivePreset(PresetKind::Rdv);
         store->setDataField("recipientName", "Client du poste");
-        EXPECT_TRUE(waitUntil(
-            [&] {
-                return savedDocument()[u"data"][u"recipientName"].toString() == "Client du poste";
-            },
-            kSyncWait));
+        store->savePendingChanges();
         return store;
     }
 
-    // Runs the event loop until the push or pull under way has been handled.
     static bool waitForIdle(const ComposerStore &store) {
         return waitUntil([&] { return !store.isSyncing(); }, kSyncWait);
     }
 
-    // Runs a push or pull to its end and returns the text shown, after checking that the
-    // answer came later, that the text is shown alike in the status and the alert and that
-    // nothing else moved.
+    // The text a push or pull shows, once checked that nothing else moved.
     QString failureOf(ComposerStore &store, void (ComposerStore::*operation)(),
                       const std::string &what) {
-        const PresetKind preset = store.activePreset();
-        const MailComposerData data = store.data();
-        const QString lastAction = store.lastAction();
-        const QByteArray saved = savedBytes();
+        const auto untouched = [&] {
+            return std::tuple(store.activePreset(), store.data().toJson(), store.lastAction(),
+                              savedBytes());
+        };
+        const auto before = untouched();
         const qsizetype alertsBefore = alerts->shown.size();
         (store.*operation)();
         EXPECT_TRUE(store.isSyncing()) << what;
         EXPECT_TRUE(waitForIdle(store)) << what;
-        EXPECT_EQ(alerts->shown.size(), alertsBefore + 1) << what;
         if (alerts->shown.size() != alertsBefore + 1)
             return QStringLiteral("(no alert)");
         EXPECT_EQ(store.syncStatus(), alerts->shown.last()) << what;
-        EXPECT_EQ(store.lastAction(), lastAction) << what;
-        EXPECT_EQ(store.activePreset(), preset) << what;
-        EXPECT_TRUE(store.data() == data) << what;
-        EXPECT_EQ(savedBytes(), saved) << what;
+        EXPECT_TRUE(untouched() == before) << what << ": preset, content, action or file moved";
         return store.syncStatus();
+    }
+    // An expected text ending in "..." is compared up to there (the rest is the platform's).
+    static testing::AssertionResult shownAs(const QString &got, const QString &expected) {
+        if (expected.endsWith("...") ? got.startsWith(expected.chopped(3)) : got == expected)
+            return testing::AssertionSuccess();
+        return testing::AssertionFailure() << "shown \"" << got.toStdString() << "\"";
     }
     static constexpr auto push = &ComposerStore::pushToWeb;
     static constexpr auto pull = &ComposerStore::pullFromWeb;
@@ -91,40 +81,29 @@ protected:
         server->setHandler([answer](const TestHttpRequest &) { return answer; });
     }
     void answerJson(const QByteArray &body) { answerWith(TestHttpAnswer::json(200, body)); }
-
-    // The JSON object of a request body, or an empty object when it is not one.
     static QJsonObject bodyObject(const TestHttpRequest &request) {
         return QJsonDocument::fromJson(request.body).object();
     }
-
-    // A well-formed payload as the phone would store it, written out key by key.
-    static QJsonObject phonePayload(const QString &preset, const MailComposerData &data) {
-        return QJsonObject{
-            {"schema", "korvel-velino-sync"},
-            {"version", 1},
-            {"activePreset", preset},
-            {"data", data.toJson()},
-            {"customPresets", QJsonArray{}},
-            {"customPresetDraftName", "Nom cote iPhone"},
-            {"updatedAt", "2026-01-01T00:00:00Z"},
-            {"source", "ios"},
-        };
-    }
-
-    static QJsonObject downloadAnswer(const QJsonObject &payload,
-                                      const QString &snapshotUpdatedAt = kAnswerTime,
-                                      const QJsonValue &ok = true) {
-        return QJsonObject{
-            {"ok", ok},
-            {"snapshot", QJsonObject{{"updatedAt", snapshotUpdatedAt}, {"payload", payload}}}};
-    }
-
     static QByteArray compact(const QJsonObject &object) {
         return QJsonDocument(object).toJson(QJsonDocument::Compact);
     }
-
     static QByteArray uploadBody(const QString &updatedAt) {
         return compact(QJsonObject{{"ok", true}, {"updatedAt", updatedAt}});
+    }
+
+    static QJsonObject phonePayload(const QString &preset, const MailComposerData &data) {
+        QJsonObject payload = QJsonDocument::fromJson(R"({"schema":"korvel-velino-sync",
+            "version":1,"customPresets":[],"customPresetDraftName":"iPhone",
+            "updatedAt":"2026-01-01T00:00:00Z","source":"ios"})")
+                                  .object();
+        payload.insert("activePreset", preset);
+        payload.insert("data", data.toJson());
+        return payload;
+    }
+    static QByteArray downloadAnswer(const QJsonObject &payload, const QString &at = kAnswerTime,
+                                     bool ok = true) {
+        return compact(
+            {{"ok", ok}, {"snapshot", QJsonObject{{"updatedAt", at}, {"payload", payload}}}});
     }
 
     std::unique_ptr<HttpsTestServer> server;

@@ -14,150 +14,93 @@ namespace {
 const QString kTooLargeText = "Reponse de synchronisation trop volumineuse (plus de 8 Mo).";
 const QString kTimedOutText = "Delai de synchronisation depasse : le serveur ne repond pas.";
 
-// A JSON body padded with spaces to the given size.
 QByteArray paddedTo(QByteArray body, qint64 size) {
     return body + QByteArray(size - body.size(), ' ');
 }
+
+// A modal alert during which the window closes: the store is deleted before it returns.
+class WindowClosingAlerts final : public AlertPresenter {
+public:
+    void showWarning(const QString &informativeText) override {
+        shown.append(informativeText);
+        QEventLoop modal;
+        QTimer::singleShot(0, store, &QObject::deleteLater);
+        QTimer::singleShot(100, &modal, &QEventLoop::quit);
+        modal.exec();
+        storeGoneBeforeReturn = store.isNull();
+        returned = true;
+    }
+    QPointer<ComposerStore> store;
+    QStringList shown;
+    bool storeGoneBeforeReturn = false, returned = false;
+};
 
 } // namespace
 
 using StoreSyncFailureTest = StoreSyncTest;
 
-TEST_F(StoreSyncFailureTest, RefusedAndUnreadableAnswersAreShownAsTheyCame) {
-    const auto store = makeSettledStore(syncServices());
-    const QByteArray tooLarge = "{\"error\":\"" + QByteArray(9 * 1024 * 1024, 'x') + "\"}";
-    struct Case {
-        const char *what;
-        TestHttpAnswer answer;
-        QString shown;
-    };
-    const Case cases[] = {
-        {"404 with an error record", TestHttpAnswer::json(404, R"({"error":"Code inconnu"})"),
-         "Code inconnu"},
-        {"400 with an empty message", TestHttpAnswer::json(400, R"({"error":""})"), ""},
-        {"500 with an HTML page",
-         TestHttpAnswer{500, "text/html", "<html><body>Erreur interne</body></html>", true, false},
-         "Synchronisation impossible."},
-        {"500 with an error of the wrong type", TestHttpAnswer::json(500, R"({"error":42})"),
-         "Synchronisation impossible."},
-        {"answer over 8 MiB, length declared",
-         TestHttpAnswer{200, "application/json", tooLarge, true, false}, kTooLargeText},
-        {"answer over 8 MiB, length not declared",
-         TestHttpAnswer{200, "application/json", tooLarge, false, false}, kTooLargeText},
-    };
-    for (const Case &c : cases) {
-        answerWith(c.answer);
-        EXPECT_EQ(failureOf(*store, push, std::string("push, ") + c.what), c.shown);
-        EXPECT_EQ(failureOf(*store, pull, std::string("pull, ") + c.what), c.shown);
-    }
-
-    // A 2xx answer that is not JSON fails with the decoder's own description.
-    answerWith(TestHttpAnswer{200, "text/html", "<html>Bienvenue</html>", true, false});
-    for (const auto operation : {push, pull}) {
-        const QString shown = failureOf(*store, operation, "2xx not JSON");
-        EXPECT_TRUE(shown.startsWith("JSON invalide a l'octet")) << shown.toStdString();
-    }
-    EXPECT_EQ(server->requests().size(), 2 * std::size(cases) + 2);
-}
-
-TEST_F(StoreSyncFailureTest, UploadAnswersAreReadStrictly) {
-    const auto store = makeSettledStore(syncServices());
-    const std::pair<QByteArray, QString> cases[] = {
-        {R"({"updatedAt":"x"})", "cle manquante : ok"},
-        {R"({"ok":1,"updatedAt":"x"})",
-         "type incorrect pour la cle ok : booleen attendu, nombre trouve"},
-        {R"({"ok":true,"updatedAt":null})", "valeur null pour la cle updatedAt"},
-        {R"({"ok":true})", "cle manquante : updatedAt"},
-    };
-    for (const auto &[answer, shown] : cases) {
-        answerJson(answer);
-        EXPECT_EQ(failureOf(*store, push, answer.toStdString()), shown);
-    }
-}
-
-TEST_F(StoreSyncFailureTest, AnswersUpToEightMebibytesAreRead) {
+// Other refusals are SyncResponse's own test's.
+TEST_F(StoreSyncFailureTest, RefusedUnreadableOrOversizedAnswersFailAndEightMebibytesAreRead) {
     const auto store = makeSettledStore(syncServices());
     const qint64 limit = SyncTransport::kMaxAnswerBytes;
     const QByteArray snapshot =
-        compact(downloadAnswer(phonePayload("relance", defaultWith(u"recipientName", "Lea"))));
-
-    answerWith(
-        TestHttpAnswer{200, "application/json", paddedTo(snapshot, limit + 1), false, false});
-    EXPECT_EQ(failureOf(*store, pull, "one byte over"), kTooLargeText);
-
+        downloadAnswer(phonePayload("relance", defaultWith(u"recipientName", "Lea")));
+    const QByteArray over = paddedTo(snapshot, limit + 1);
+    const std::pair<TestHttpAnswer, QString> cases[] = {
+        {TestHttpAnswer::json(404, R"({"error":"Code inconnu"})"), "Code inconnu"},
+        {{500, "text/html", "<html><body>Erreur interne</body></html>"},
+         "Synchronisation impossible."},
+        {{200, "text/html", "<html>Bienvenue</html>"}, "JSON invalide a l'octet ..."},
+        {{200, "application/json", over, true}, kTooLargeText},
+        {{200, "application/json", over, false}, kTooLargeText},
+    };
+    for (const auto &[answer, shown] : cases) {
+        answerWith(answer);
+        for (const auto operation : {push, pull})
+            EXPECT_TRUE(shownAs(failureOf(*store, operation, shown.toStdString()), shown));
+    }
     answerWith(TestHttpAnswer{200, "application/json", paddedTo(snapshot, limit), false, false});
     store->pullFromWeb();
     ASSERT_TRUE(waitForIdle(*store));
     EXPECT_EQ(store->data().recipientName, "Lea");
-    EXPECT_EQ(alerts->shown.size(), 1);
+    EXPECT_EQ(alerts->shown.size(), 2 * std::size(cases));
 }
 
-TEST_F(StoreSyncFailureTest, AServerThatNeverAnswersIsGivenUp) {
-    answerWith(TestHttpAnswer::never());
-    // Short enough to give up quickly, long enough for a handshake on a busy machine.
-    transferTimeout = 1500ms;
-    const auto store = makeSettledStore(syncServices());
-    for (const auto operation : {push, pull})
-        EXPECT_EQ(failureOf(*store, operation, "silent server"), kTimedOutText);
-    EXPECT_EQ(server->requests().size(), 2);
-}
-
-TEST_F(StoreSyncFailureTest, UnreachableOrUnusableAddressesFail) {
-    StoreServices services = syncServices();
-    services.syncEndpoint.setPort(closedLocalPort());
-    const auto refused = makeSettledStore(services);
-    for (const auto operation : {push, pull}) {
-        EXPECT_EQ(failureOf(*refused, operation, "refused connection"),
-                  "Le serveur de synchronisation refuse la connexion. (Connection refused)");
-    }
-
-    services.syncEndpoint = QUrl();
-    EXPECT_EQ(failureOf(*makeSettledStore(services), pull, "no address"),
-              "Adresse de synchronisation invalide.");
-    // An answer, but not an HTTP one.
-    services.syncEndpoint = QUrl("data:application/json,%7B%22ok%22%3Atrue%7D");
-    EXPECT_EQ(failureOf(*makeSettledStore(services), pull, "data: address"),
-              "Reponse de synchronisation invalide.");
-    EXPECT_TRUE(server->requests().isEmpty());
-}
-
-TEST_F(StoreSyncFailureTest, AnUntrustedCertificateIsRefusedAndNothingIsApplied) {
+// Each address fails with its own French sentence.
+TEST_F(StoreSyncFailureTest, UnreachableUntrustedOrUnusableAddressesFail) {
     QString error;
     const std::optional<TestTlsIdentity> stranger = TestTlsIdentity::generate(&error);
     ASSERT_TRUE(stranger.has_value()) << error.toStdString();
     HttpsTestServer impostor(*stranger);
     ASSERT_TRUE(impostor.listen());
-    const QByteArray snapshot =
-        compact(downloadAnswer(phonePayload("relance", defaultWith(u"recipientName", "Intrus"))));
-    impostor.setHandler([&](const TestHttpRequest &request) {
-        return TestHttpAnswer::json(200,
-                                    request.method == "PUT" ? uploadBody(kAnswerTime) : snapshot);
-    });
-
+    QUrl closed = server->url("/api/velino-sync");
+    closed.setPort(closedLocalPort());
+    const std::pair<QUrl, QString> cases[] = {
+        {closed, "Le serveur de synchronisation refuse la connexion. (Connection refused)"},
+        {impostor.url("/api/velino-sync"),
+         "Le certificat du serveur de synchronisation n'est pas reconnu par cet ordinateur. (..."},
+        {QUrl(), "Adresse de synchronisation invalide."},
+        // An answer, but not an HTTP one.
+        {QUrl("data:application/json,%7B%22ok%22%3Atrue%7D"),
+         "Reponse de synchronisation invalide."},
+    };
     StoreServices services = syncServices();
-    services.syncEndpoint = impostor.url("/api/velino-sync");
-    const auto store = makeSettledStore(services);
-    for (const auto operation : {push, pull})
-        EXPECT_TRUE(failureOf(*store, operation, "untrusted certificate")
-                        .startsWith("Le certificat du serveur de synchronisation n'est pas "
-                                    "reconnu par cet ordinateur. ("));
-    EXPECT_TRUE(impostor.requests().isEmpty());
-    EXPECT_EQ(store->data().recipientName, "Client du poste");
-
-    // The same server is reached once its authority is trusted.
-    services.extraSyncCaCertificates.append(stranger->caCertificate);
-    const auto trusting = makeSyncStore(services);
-    trusting->pullFromWeb();
-    ASSERT_TRUE(waitForIdle(*trusting));
-    EXPECT_EQ(trusting->data().recipientName, "Intrus");
-    EXPECT_EQ(impostor.requests().size(), 1);
+    for (const auto &[url, shown] : cases) {
+        services.syncEndpoint = url;
+        const auto store = makeSettledStore(services);
+        const bool https = url.scheme() == "https"; // the others are pulled only
+        for (const auto operation : https ? QList{push, pull} : QList{pull}) {
+            EXPECT_TRUE(shownAs(failureOf(*store, operation, url.toString().toStdString()), shown));
+        }
+    }
+    EXPECT_TRUE(server->requests().isEmpty() && impostor.requests().isEmpty());
 }
 
-TEST_F(StoreSyncFailureTest, AStoreDestroyedDuringARequestIsNeverCalledBack) {
+// Stores destroyed while their request is held would alert if ever called back.
+TEST_F(StoreSyncFailureTest, ASilentServerIsGivenUpAndDestroyedStoresAreNeverCalledBack) {
     answerWith(TestHttpAnswer::never());
-    transferTimeout = 1s;
-    // Destroyed while the server holds the push, while it holds the pull, and before the
-    // request has even left: each request would otherwise time out and alert.
+    // Short enough to give up quickly, long enough for a handshake on a busy machine.
+    transferTimeout = 1500ms;
     for (const auto operation : {push, pull}) {
         auto store = makeSettledStore(syncServices());
         const qsizetype requestsBefore = server->requests().size();
@@ -166,41 +109,12 @@ TEST_F(StoreSyncFailureTest, AStoreDestroyedDuringARequestIsNeverCalledBack) {
             waitUntil([&] { return server->requests().size() > requestsBefore; }, kSyncWait));
     }
     makeSettledStore(syncServices())->pushToWeb();
-    const QByteArray saved = savedBytes();
 
-    // A store started after all of them, with the same timeout, gives up last.
-    const auto witness = makeSyncStore();
-    witness->pullFromWeb();
-    ASSERT_TRUE(waitForIdle(*witness));
-    EXPECT_EQ(alerts->shown, QStringList{kTimedOutText});
-    EXPECT_EQ(savedBytes(), saved);
+    const auto witness = makeSettledStore(syncServices());
+    for (const auto operation : {push, pull})
+        EXPECT_EQ(failureOf(*witness, operation, "silent server"), kTimedOutText);
+    EXPECT_EQ(alerts->shown, QStringList(2, kTimedOutText));
 }
-
-namespace {
-
-// A modal alert during which the window closes: the store is deleted from the nested
-// event loop, before the alert returns.
-class WindowClosingAlerts final : public AlertPresenter {
-public:
-    void showWarning(const QString &informativeText) override {
-        shown.append(informativeText);
-        QEventLoop modal;
-        QTimer::singleShot(0, &modal, [this] {
-            if (store)
-                store->deleteLater();
-        });
-        QTimer::singleShot(100, &modal, &QEventLoop::quit);
-        modal.exec();
-        storeGoneBeforeReturn = store.isNull();
-        returned = true;
-    }
-    QPointer<ComposerStore> store;
-    QStringList shown;
-    bool storeGoneBeforeReturn = false;
-    bool returned = false;
-};
-
-} // namespace
 
 TEST_F(StoreSyncFailureTest, AStoreDestroyedWhileItsFailureIsShownStaysUntouched) {
     answerWith(TestHttpAnswer::json(404, R"({"error":"Code inconnu"})"));
