@@ -3,25 +3,51 @@
 
 #include <gtest/gtest.h>
 
+#include <ctime>
+
 using namespace velino;
 
 namespace {
 
-// Sets an environment variable for the life of the guard, then removes it again.
+// Sets an environment variable for the life of the guard, then puts the old value back.
 struct ScopedEnv {
-    ScopedEnv(const char *name, const QByteArray &value) : name(name) { qputenv(name, value); }
-    ~ScopedEnv() { qunsetenv(name); }
+    ScopedEnv(const char *name, const QByteArray &value)
+        : name(name),
+          old(qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name)) : std::nullopt) {
+        qputenv(name, value);
+        tzset();
+    }
+    ~ScopedEnv() {
+        old ? void(qputenv(name, *old)) : void(qunsetenv(name));
+        tzset();
+    }
     const char *name;
+    std::optional<QByteArray> old;
 };
 
 } // namespace
 
-// The time shown after a transfer is checked by the store's pull and push tests.
+TEST(SyncTimeLabel, ShowsTheLocalTimeOfAnInternetDateTimeOrTheTextUnchanged) {
+    const ScopedEnv paris("TZ", "Europe/Paris");
+    EXPECT_EQ(syncTimeLabel("2026-06-05T08:15:00Z"), "10:15");
+    EXPECT_EQ(syncTimeLabel("2026-06-05T23:05:09+02:00"), "23:05");
+    EXPECT_EQ(syncTimeLabel("2026-01-05T23:30:00Z"), "00:30"); // winter time, the next day
+    {
+        const ScopedEnv tokyo("TZ", "Asia/Tokyo");
+        EXPECT_EQ(syncTimeLabel("2026-06-05T08:15:00Z"), "17:15");
+    }
+    for (const QString text : {"2026-06-05T08:15:00.123Z", "2026-06-05T08:15:00", "2026-06-05",
+                               "2026-02-30T08:15:00Z", "2026-06-05T08:15:00\uff3a"})
+        EXPECT_EQ(syncTimeLabel(text), text) << text.toStdString();
+}
+
 TEST(SyncResponse, Every2xxPassesOtherStatusesCarryTheServerText) {
     for (const int status : {200, 201, 204, 299})
         EXPECT_FALSE(validateSyncResponse(SyncHttpResponse{true, status, "pas du JSON"})) << status;
 
     const std::tuple<int, QByteArray, QString> cases[] = {
+        {409, "{\"error\":\"\",\"detail\":1}", ""},
+        {401, "{\"message\":\"non\"}", "Synchronisation impossible."},
         {400, "{\"error\":\"  Code\\nrefuse \"}", "  Code\nrefuse "},
         {503, "", "Synchronisation impossible."},
         {403, "{\"error\":null}", "Synchronisation impossible."},
