@@ -78,8 +78,8 @@ TEST(PreviewPlan, RouteByEncodedLengthAndHttpsBaseOnTheServiceHost) {
     for (const auto &[html, host, route, baseUrl] : cases) {
         SCOPED_TRACE(html.left(20).toStdString() + " " + host);
         const PreviewPlan plan = planPreview(html, QString::fromUtf8(host));
-        EXPECT_EQ(plan.route, route);
-        EXPECT_EQ(plan.baseUrl.toString(), QString::fromUtf8(baseUrl));
+        EXPECT_EQ(std::pair(plan.route, plan.baseUrl.toString()),
+                  std::pair(route, QString::fromUtf8(baseUrl)));
     }
 }
 

@@ -49,13 +49,12 @@ public:
         velino::SavedPayload payload;
         payload.data = velino::MailComposerData::defaultRecord();
         for (int i = 0; i < count; ++i) {
-            velino::CustomMailPreset preset;
-            preset.id = velino::randomUuid();
-            preset.name = u"Preset client %1"_s.arg(i);
-            preset.data = payload.data;
-            preset.createdAt = velino::Instant{788918400.0 - i};
-            preset.updatedAt = preset.createdAt;
-            payload.customPresets.append(preset);
+            const velino::Instant at{788918400.0 - i};
+            payload.customPresets.append({.id = velino::randomUuid(),
+                                          .name = u"Preset client %1"_s.arg(i),
+                                          .data = payload.data,
+                                          .createdAt = at,
+                                          .updatedAt = at});
         }
         return saveState(payload);
     }
@@ -79,7 +78,6 @@ public:
     Q_INVOKABLE void setEnvironment(const QString &name, const QString &value) const {
         qputenv(name.toLocal8Bit().constData(), value.toLocal8Bit());
     }
-    Q_INVOKABLE QString homeAtStart() const { return m_home; }
     // The port of a loopback HTTP server that counts the requests it gets, or 0.
     Q_INVOKABLE int startImageServer() {
         if (!m_images.listen(QHostAddress::LocalHost))
@@ -100,9 +98,6 @@ public:
     Q_INVOKABLE int imageRequests() const { return m_imageRequests; }
     Q_INVOKABLE QString environment(const QString &name) const {
         return qEnvironmentVariable(qUtf8Printable(name));
-    }
-    Q_INVOKABLE void unsetEnvironment(const QString &name) const {
-        qunsetenv(name.toLocal8Bit().constData());
     }
 
     Q_INVOKABLE QString makeTemporaryFolder() { return m_folders.emplace_back().path(); }
@@ -138,7 +133,6 @@ private:
     }
 
     std::list<QTemporaryDir> m_folders;
-    const QString m_home = qEnvironmentVariable("HOME");
     QTcpServer m_images;
     int m_imageRequests = 0;
 };

@@ -17,11 +17,7 @@ Item {
             return Object.assign(createTemporaryQmlObject("import QtQuick; import Velino; " + qml + " { }", scene), properties)
         }
 
-        function named(item, name) {
-            if (!item || item.objectName === name)
-                return item
-            return Array.from(item.children).reduce((found, child) => found || named(child, name), null)
-        }
+        function named(item, name) { return findChild(item, name) }
 
         function compareColour(actual, expected, message) {
             for (const channel of ["r", "g", "b", "a"])
@@ -29,10 +25,7 @@ Item {
         }
 
         // The pixel of `item` at (x, y), once drawn.
-        function pixel(item, x, y) {
-            waitForRendering(item)
-            return grabImage(item).pixel(x, y)
-        }
+        function pixel(item, x, y) { return waitForRendering(item), grabImage(item).pixel(x, y) }
 
         // Colour `c` (with its alpha) laid over the opaque `under`.
         function over(c, under) {
@@ -77,7 +70,7 @@ Item {
             verify(inside.r < 0.5 && inside.b > 0.9, "accent placeholder, got " + inside)
             const shown = make("BundleLogoView", { resourceName: "VelinoLogo", size: 62, cornerRadius: 18 })
             tryVerify(() => shown.showsImage)
-            compare([shown.width, named(shown, "logoImage").visible, named(shown, "logoPlaceholder").visible], [62, true, false])
+            compare([named(shown, "logoImage").visible, named(shown, "logoPlaceholder").visible], [true, false])
         }
 
         function test_checklistRow() {
@@ -91,9 +84,8 @@ Item {
         // A card as narrow as at 1320 px: words wrap whole; a word too wide shrinks the value instead.
         function test_summaryCardKeepsWordsWhole() {
             for (const [value, lines, full] of [["Thunderbird", 1, false], ["Pret a envoyer", 2, true], ["4", 1, true]]) {
-                const card = make("SummaryCard", { width: 134, height: 140, title: "Etat", value: value, caption: "x" })
-                waitForItemPolished(named(card, "summaryValue").parent)
-                const text = named(card, "summaryValue")
+                const text = named(make("SummaryCard", { width: 134, height: 140, title: "Etat", value: value, caption: "x" }), "summaryValue")
+                waitForItemPolished(text.parent)
                 compare([text.lineCount, text.font.pixelSize === 22], [lines, full], value)
             }
         }
@@ -126,8 +118,7 @@ Item {
 
         function test_brandingColorFieldSwatch() {
             const field = make("BrandingColorField", { width: 300, title: "Couleur principale", text: "#2F7DF6" })
-            const swatch = named(field, "swatch")
-            const brand = Qt.rgba(47 / 255, 125 / 255, 246 / 255, 1)
+            const swatch = named(field, "swatch"), brand = Qt.rgba(47 / 255, 125 / 255, 246 / 255, 1)
             field.field.forceActiveFocus()
             field.field.cursorPosition = field.field.text.length
             keyClick("F")
@@ -135,8 +126,7 @@ Item {
             keyClick(Qt.Key_Backspace)
             compareColour(swatch.color, brand, "back to a colour")
             field.field.selectAll()
-            for (const c of "#abc")
-                keyClick(c)
+            Array.from("#abc").forEach(c => keyClick(c))
             compareColour(swatch.color, Qt.rgba(0xaa / 255, 0xbb / 255, 0xcc / 255, 1), "short form")
         }
     }

@@ -16,22 +16,8 @@ Item {
         property var window: null
         readonly property var store: window ? window.controller.store : null
 
-        function find(item, name) {
-            if (!item || item.objectName === name)
-                return item
-            return Array.from(item.children).reduce((found, child) => found || find(child, name), null)
-        }
-
-        function main() {
-            const loader = find(window.contentItem, "mainLoader")
-            return loader ? loader.item : null
-        }
-
-        function named(name) {
-            const item = find(main(), name)
-            verify(item, name)
-            return item
-        }
+        function main() { return findChild(window.contentItem, "mainLoader")?.item ?? null }
+        function named(name) { const item = findChild(main(), name); return verify(item, name), item }
 
         function shot(name) {
             wait(150)
@@ -52,8 +38,7 @@ Item {
         }
 
         function initTestCase() {
-            verify(folder.length > 0, "VELINO_SCREENSHOT_DIR")
-            verify(TestSupport.resetSettings())
+            verify(folder.length > 0 && TestSupport.resetSettings(), "VELINO_SCREENSHOT_DIR")
             window = AppShell.openWindow()
             window.lockState.password = "Falcon77!"
             window.lockState.unlock()
@@ -64,8 +49,7 @@ Item {
         }
 
         function test_1_formScrolledThrough() {
-            const flick = scrollFormTo(0)
-            for (let page = 1; ; ++page) {
+            for (let page = 1, flick = scrollFormTo(0); ; ++page) {
                 shot("form-" + page)
                 if (flick.contentY + flick.height >= flick.contentHeight - 1)
                     break
@@ -74,20 +58,14 @@ Item {
             scrollFormTo(0)
         }
 
-        function test_2_longPresetNameAndStatus() {
+        function test_2_cards() {
             store.customPresetDraftName = "Devis iPhone ecran casse et batterie gonflee pour Mme Lambert 0"
             store.saveAsNewCustomPreset()
             scrollFormTo("customPresetCard")
             shot("preset-long-name")
-        }
-
-        function test_3_syncCard() {
             store.syncCode = "K7QF-2M9X-PL4D-8RWA-C3NZ-H6TB"
             scrollFormTo("syncCard")
             shot("sync-card")
-        }
-
-        function test_4_alertOverThePreview() {
             store.syncCode = "abc"
             store.pushToWeb()
             tryVerify(() => window.warningAlert.opened, 3000)
@@ -95,7 +73,7 @@ Item {
             window.controller.dialogs.dismissAlert()
         }
 
-        function test_5_previewScrolledAfterAnEdit() {
+        function test_3_previewScrolledAfterAnEdit() {
             let done = false
             named("htmlPreview").webView.runJavaScript("window.scrollTo(0, document.documentElement.scrollHeight); 0", () => done = true)
             tryVerify(() => done, 5000)
