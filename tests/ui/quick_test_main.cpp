@@ -102,10 +102,6 @@ public:
 
     Q_INVOKABLE QString makeTemporaryFolder() { return m_folders.emplace_back().path(); }
 
-    Q_INVOKABLE QString readTextFile(const QString &path) const {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-    }
     Q_INVOKABLE bool fileExists(const QString &path) const { return QFile::exists(path); }
 
     Q_INVOKABLE QString clipboardText() const { return QGuiApplication::clipboard()->text(); }

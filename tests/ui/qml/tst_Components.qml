@@ -19,11 +19,6 @@ Item {
 
         function named(item, name) { return findChild(item, name) }
 
-        function compareColour(actual, expected, message) {
-            for (const channel of ["r", "g", "b", "a"])
-                fuzzyCompare(actual[channel], expected[channel], 0.003, message + " " + channel)
-        }
-
         // The pixel of `item` at (x, y), once drawn.
         function pixel(item, x, y) { return waitForRendering(item), grabImage(item).pixel(x, y) }
 
@@ -76,8 +71,8 @@ Item {
         function test_checklistRow() {
             for (const [ok, mark, tone] of [[true, "OK", AppTheme.green], [false, "A", AppTheme.orange]]) {
                 const row = make("ChecklistRow", { width: 400, ok: ok, text: "Objet entre 12 et 90 caracteres" })
-                compare([named(row, "badgeMark").text, named(row, "checkText").text], [mark, "Objet entre 12 et 90 caracteres"])
-                compareColour(named(row, "badgeMark").color, tone, mark)
+                compare([named(row, "badgeMark").text, named(row, "checkText").text, String(named(row, "badgeMark").color)],
+                        [mark, "Objet entre 12 et 90 caracteres", String(tone)])
             }
         }
 
@@ -118,16 +113,16 @@ Item {
 
         function test_brandingColorFieldSwatch() {
             const field = make("BrandingColorField", { width: 300, title: "Couleur principale", text: "#2F7DF6" })
-            const swatch = named(field, "swatch"), brand = Qt.rgba(47 / 255, 125 / 255, 246 / 255, 1)
+            const swatch = named(field, "swatch")
             field.field.forceActiveFocus()
             field.field.cursorPosition = field.field.text.length
             keyClick("F")
             compare([field.field.text, swatch.color.a], ["#2F7DF6F", 0], "nothing corrected, transparent while unparsable")
             keyClick(Qt.Key_Backspace)
-            compareColour(swatch.color, brand, "back to a colour")
+            compare(String(swatch.color), "#2f7df6", "back to a colour")
             field.field.selectAll()
             Array.from("#abc").forEach(c => keyClick(c))
-            compareColour(swatch.color, Qt.rgba(0xaa / 255, 0xbb / 255, 0xcc / 255, 1), "short form")
+            compare(String(swatch.color), "#aabbcc", "short form")
         }
     }
 }

@@ -52,9 +52,7 @@ Item {
 
         function makePreview(properties, shown = true) {
             const preview = createTemporaryObject(previewComponent, scene, properties)
-            if (shown)
-                tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000, "first page shown")
-            return preview
+            return shown && tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000, "first page shown"), preview
         }
 
         function test_emptyHtmlShowsTheBackgroundThrough() {
@@ -122,8 +120,7 @@ Item {
 
         function test_phoneIsNarrowAndDarkInvertsAllButPictures() {
             const phone = showIn(PreviewMode.Phone, imagePage("data:,"))
-            compare(evaluate(phone.webView, "window.innerWidth"), 375)
-            compare(phone.webView.x, (scene.width - 375) / 2, "centred")
+            compare([evaluate(phone.webView, "window.innerWidth"), phone.webView.x], [375, (scene.width - 375) / 2], "narrow, centred")
             compare(evaluate(showIn(PreviewMode.Desktop, imagePage("data:,")).webView, "window.innerWidth"), scene.width)
             const dark = showIn(PreviewMode.Dark, imagePage("data:,"))
             for (const element of ["document.documentElement", "document.images[0]"])

@@ -109,10 +109,8 @@ WindowTestCase {
             compare(named(alert.contentItem, "alertTitle").text, "Revenir au template Korvel de base ?")
             tryVerify(() => named(alert.contentItem, "resetCancelButton").activeFocus, 2000, "Annuler has the focus")
         }
-        const answered = () => {
-            tryVerify(() => !alert.visible && !t.controller.showResetAlert)
-            tryVerify(() => opener.activeFocus, 2000, "focus back on Nouveau")
-        }
+        const answered = () => tryVerify(() => !alert.visible && !t.controller.showResetAlert && opener.activeFocus, 2000,
+                                         "closed, focus back on Nouveau")
         for (const key of [Qt.Key_Escape, Qt.Key_Space]) {
             ask()
             press(key)
@@ -152,8 +150,8 @@ WindowTestCase {
 
     function test_menusOpenFromTheKeyboard() {
         for (const [key, modifiers, index] of [[Qt.Key_F10, 0, 0], [Qt.Key_F, Qt.AltModifier, 1]]) {
-            press(key, modifiers)
             const menu = t.window.menuBar.menuAt(index)
+            press(key, modifiers)
             tryVerify(() => menu.opened, 2000, (index ? "Alt+F opens Fenetre" : "F10 opens Edition"))
             press(Qt.Key_Escape)
             tryVerify(() => !menu.visible)

@@ -52,7 +52,8 @@ WindowTestCase {
         verify(field.field.contentWidth <= field.field.width && field.width >= field.labelWidth, "code and label whole")
         compare([el(t, "pullButton").height, el(t, "pushButton").height], Array(2).fill(el(t, "exportButton").height), "on one line")
         verify(inside(el(t, "pushButton"), el(t, "syncCard")), "push button inside its card")
-        verify(el(t, "previewPane").width >= 620, "preview keeps its minimum")
+        const [form, preview] = [t.main.composerPane, t.main.previewPane]
+        verify(form.width >= 540 && preview.width >= 620 && form.x + form.width <= preview.x, form.width + ", " + preview.width)
     }
 
     // A long preset name, also in the status chip, leaves the row's and the header's buttons whole.
