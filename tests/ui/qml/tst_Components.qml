@@ -65,7 +65,7 @@ Item {
             verify(inside.r < 0.5 && inside.b > 0.9, "accent placeholder, got " + inside)
             const shown = make("BundleLogoView", { resourceName: "VelinoLogo", size: 62, cornerRadius: 18 })
             tryVerify(() => shown.showsImage)
-            compare([named(shown, "logoImage").visible, named(shown, "logoPlaceholder").visible], [true, false])
+            compare([shown.width, named(shown, "logoImage").visible, named(shown, "logoPlaceholder").visible], [62, true, false])
         }
 
         function test_checklistRow() {

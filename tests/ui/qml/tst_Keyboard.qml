@@ -106,7 +106,8 @@ WindowTestCase {
             opener.forceActiveFocus(Qt.TabFocusReason)
             press(Qt.Key_Return)
             tryVerify(() => alert.opened && t.controller.showResetAlert, 3000)
-            compare(named(alert.contentItem, "alertTitle").text, "Revenir au template Korvel de base ?")
+            compare(["alertTitle", "alertMessage"].map(name => named(alert.contentItem, name).text),
+                    ["Revenir au template Korvel de base ?", "Le contenu actuel sera remplace par le modele natif par defaut."])
             tryVerify(() => named(alert.contentItem, "resetCancelButton").activeFocus, 2000, "Annuler has the focus")
         }
         const answered = () => tryVerify(() => !alert.visible && !t.controller.showResetAlert && opener.activeFocus, 2000,

@@ -77,21 +77,26 @@ WindowTestCase {
     function test_headerAndCards() {
         const t = openUnlocked(), m = t.main
         compare(["formatChip", "saveChip", "actionChip"].map(name => el(t, name).text),
-                [t.store.currentFormatStatus, t.store.saveStatus, "Application prete."])
+                ["Pret a envoyer", t.store.saveStatus, "Application prete."])
         compare(["newButton", "standalonePreviewButton", "exportButton", "openInMailButton", "copySubjectButton",
                  "copyTextButton", "copyMailButton", "openDraftButton"].filter(name => !el(t, name).enabled), [], "disabled")
         const inOrder = (names, axis) => compare(names.slice().sort((a, b) => el(t, a).mapToItem(m, 0, 0)[axis]
                                                                              - el(t, b).mapToItem(m, 0, 0)[axis]), names)
         inOrder(["presetCard", "customPresetCard", "recipientCard", "syncCard", "messageCard", "detailsCard", "actionCard",
                  "appleMailCard", "identityCard"], "y")
+        const subtitle = (card) => named(el(t, card), "sectionSubtitle").text
         // The sync card names the service host; the mail card, the mail client of Linux.
-        compare([named(el(t, "syncCard"), "sectionSubtitle").text, String(el(t, "webInterfaceLink").url),
-                 el(t, "syncStatusLine").text, el(t, "appleStatusChip").text],
+        compare([subtitle("syncCard"), String(el(t, "webInterfaceLink").url), el(t, "syncStatusLine").text,
+                 subtitle("appleMailCard"), el(t, "appleStatusChip").text],
                 ["Relie cette app a l'interface privee " + serviceHost + "/velino.html.", "https://127.0.0.1:9/velino.html",
-                 t.store.syncStatus, "Thunderbird actif"])
-        const summaries = [["summary.state", t.store.currentFormatStatus], ["summary.recipient", "Mme Lambert"],
-                           ["summary.details", "4"], ["summary.apple", "Thunderbird"]]
-        compare(summaries.map(([name]) => named(el(t, name), "summaryValue").text), summaries.map(s => s[1]))
+                 t.store.syncStatus, "Connexion native au Thunderbird configure sur cet ordinateur.", "Thunderbird actif"])
+        const summaries = [["summary.state", "ETAT", t.store.currentFormatStatus, "Version actuelle"],
+                           ["summary.recipient", "DESTINATAIRE", "Mme Lambert", "client@example.com"],
+                           ["summary.details", "BLOC INFOS", "4", "ligne(s) affichee(s)"],
+                           ["summary.apple", "MOZILLA", "Thunderbird",
+                            "Ouvre un brouillon HTML natif dans Thunderbird avec le compte configure sur cet ordinateur."]]
+        for (const [name, ...texts] of summaries)
+            compare(["summaryTitle", "summaryValue", "summaryCaption"].map(part => named(el(t, name), part).text), texts, name)
         inOrder(summaries.map(s => s[0]), "x")
         for (let i = 1; i <= 4; ++i)
             ["detailLabel", "detailValue"].forEach(field => clearField(t, field + i))
@@ -167,8 +172,9 @@ WindowTestCase {
         const nothingLoaded = () => compare([update.enabled, line.text, empty.visible, list.visible],
                                             [false, "Aucun preset perso charge pour l'instant.", true, false])
         nothingLoaded()
-        compare([tiles.map(tile => tile.text), active(), update.text, save.text, save.enabled],
-                [["Devis", "Appareil pret", "Rendez-vous", "Relance"], ["devis"], "Mettre a jour le charge", "Enregistrer comme nouveau", false])
+        compare([tiles.map(tile => tile.text), active(), update.text, save.text, save.enabled, named(empty, "emptyText").text],
+                [["Devis", "Appareil pret", "Rendez-vous", "Relance"], ["devis"], "Mettre a jour le charge", "Enregistrer comme nouveau",
+                 false, "Enregistre un preset perso pour rappeler un mail entier, ses champs et sa signature en un clic."])
         const nameField = typeInto(t, "presetNameField", "   ")
         compare([t.store.customPresetDraftName, save.enabled], ["   ", false], "blank name")
         nameField.selectAll()
@@ -303,7 +309,7 @@ WindowTestCase {
         const summary = named(wrapper, "longTextSummary"), button = named(wrapper, "editAnywayButton")
         verify(summary.visible && /^Texte tres long \(.* [MK]o\) : ecran batterie/.test(summary.text), summary.text)
         compare([editor.text, editor.visible], ["", false], "nothing of the long text is laid out")
-        compare(button.Accessible.name, "Modifier quand meme : " + wrapper.title)
+        compare([button.text, button.Accessible.name], ["Modifier quand meme", "Modifier quand meme : " + wrapper.title])
         // Typing elsewhere regenerates and saves with the long text whole; the preview shows it cut, and says so.
         const before = t.store.generatedHTML
         typeInto(t, "field.recipientName", "Z")
