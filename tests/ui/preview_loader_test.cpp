@@ -14,7 +14,6 @@ namespace {
 
 constexpr qsizetype kPrefix = 29; // "data:text/html;charset=UTF-8,"
 
-// Stand-ins for the web view and the store.
 class FakeWebView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QUrl url MEMBER url)

@@ -101,7 +101,6 @@ TestCase {
         return inside(item, t.window.contentItem) && (!find(form, (i) => i === item) || inside(item, form))
     }
 
-    // Scrolls the form so that `item` is on screen, where a click can reach it.
     function reveal(t, item) {
         const flick = t.main.composerPane.scrollView.contentItem, y = item.mapToItem(flick.contentItem, 0, 0).y
         flick.contentY = Math.max(0, Math.min(y - 120, flick.contentHeight - flick.height))

@@ -12,14 +12,12 @@ Item {
         name: "Components"
         when: windowShown
 
-        // A new item of type `qml` with `properties`.
         function make(qml, properties) {
             return Object.assign(createTemporaryQmlObject("import QtQuick; import Velino; " + qml + " { }", scene), properties)
         }
 
         function named(item, name) { return findChild(item, name) }
 
-        // The pixel of `item` at (x, y), once drawn.
         function pixel(item, x, y) { return waitForRendering(item), grabImage(item).pixel(x, y) }
 
         // Colour `c` (with its alpha) laid over the opaque `under`.

@@ -41,7 +41,6 @@ Item {
             return value
         }
 
-        // Runs `action` and waits for the end of the load it starts; returns its status.
         function loadAndWait(view, action) {
             const spy = createTemporaryObject(signalSpyComponent, testCase, { target: view, signalName: "loadingChanged" })
             action()

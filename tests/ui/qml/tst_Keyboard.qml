@@ -55,7 +55,6 @@ WindowTestCase {
     }
 
     function test_spaceReturnAndArrowsAct() {
-        // Return on a tile applies it; the arrows move between tiles.
         focusOn("presetTile.devis")
         for (const [key, focused, active] of [[Qt.Key_Right, "pret", "devis"], [Qt.Key_Return, "pret", "pret"],
                                               [Qt.Key_Left, "devis", "pret"], [Qt.Key_Space, "devis", "devis"]]) {
