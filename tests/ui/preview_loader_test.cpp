@@ -14,7 +14,6 @@ namespace {
 
 constexpr qsizetype kPrefix = 29; // "data:text/html;charset=UTF-8,"
 
-// Stand-ins for the web view and the store.
 class FakeWebView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QUrl url MEMBER url)
@@ -78,8 +77,8 @@ TEST(PreviewPlan, RouteByEncodedLengthAndHttpsBaseOnTheServiceHost) {
     for (const auto &[html, host, route, baseUrl] : cases) {
         SCOPED_TRACE(html.left(20).toStdString() + " " + host);
         const PreviewPlan plan = planPreview(html, QString::fromUtf8(host));
-        EXPECT_EQ(plan.route, route);
-        EXPECT_EQ(plan.baseUrl.toString(), QString::fromUtf8(baseUrl));
+        EXPECT_EQ(std::pair(plan.route, plan.baseUrl.toString()),
+                  std::pair(route, QString::fromUtf8(baseUrl)));
     }
 }
 

@@ -49,13 +49,12 @@ public:
         velino::SavedPayload payload;
         payload.data = velino::MailComposerData::defaultRecord();
         for (int i = 0; i < count; ++i) {
-            velino::CustomMailPreset preset;
-            preset.id = velino::randomUuid();
-            preset.name = u"Preset client %1"_s.arg(i);
-            preset.data = payload.data;
-            preset.createdAt = velino::Instant{788918400.0 - i};
-            preset.updatedAt = preset.createdAt;
-            payload.customPresets.append(preset);
+            const velino::Instant at{788918400.0 - i};
+            payload.customPresets.append({.id = velino::randomUuid(),
+                                          .name = u"Preset client %1"_s.arg(i),
+                                          .data = payload.data,
+                                          .createdAt = at,
+                                          .updatedAt = at});
         }
         return saveState(payload);
     }
@@ -79,7 +78,6 @@ public:
     Q_INVOKABLE void setEnvironment(const QString &name, const QString &value) const {
         qputenv(name.toLocal8Bit().constData(), value.toLocal8Bit());
     }
-    Q_INVOKABLE QString homeAtStart() const { return m_home; }
     // The port of a loopback HTTP server that counts the requests it gets, or 0.
     Q_INVOKABLE int startImageServer() {
         if (!m_images.listen(QHostAddress::LocalHost))
@@ -101,16 +99,9 @@ public:
     Q_INVOKABLE QString environment(const QString &name) const {
         return qEnvironmentVariable(qUtf8Printable(name));
     }
-    Q_INVOKABLE void unsetEnvironment(const QString &name) const {
-        qunsetenv(name.toLocal8Bit().constData());
-    }
 
     Q_INVOKABLE QString makeTemporaryFolder() { return m_folders.emplace_back().path(); }
 
-    Q_INVOKABLE QString readTextFile(const QString &path) const {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-    }
     Q_INVOKABLE bool fileExists(const QString &path) const { return QFile::exists(path); }
 
     Q_INVOKABLE QString clipboardText() const { return QGuiApplication::clipboard()->text(); }
@@ -138,7 +129,6 @@ private:
     }
 
     std::list<QTemporaryDir> m_folders;
-    const QString m_home = qEnvironmentVariable("HOME");
     QTcpServer m_images;
     int m_imageRequests = 0;
 };

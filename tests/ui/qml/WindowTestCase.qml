@@ -17,7 +17,6 @@ TestCase {
     property var t: null
 
     function initTestCase() { TestSupport.setEnvironment("VELINO_SERVICE_HOST", serviceHost) }
-    function cleanupTestCase() { TestSupport.unsetEnvironment("VELINO_SERVICE_HOST") }
 
     function init() {
         verify(TestSupport.resetSettings(), "settings wiped")
@@ -30,9 +29,7 @@ TestCase {
     }
 
     function find(item, test) {
-        if (!item || test(item))
-            return item
-        return Array.from(item.children).reduce((found, child) => found || find(child, test), null)
+        return !item || test(item) ? item : Array.from(item.children).reduce((found, child) => found || find(child, test), null)
     }
 
     function named(root, name) {
@@ -58,9 +55,8 @@ TestCase {
         TestSupport.typeText(t.window, "Falcon77!")
         TestSupport.keyClick(t.window, Qt.Key_Return)
         tryVerify(() => t.window.lockState.isUnlocked)
-        const main = named(t.window.contentItem, "mainLoader").item
-        compare(main.objectName, "mainContent")
-        return Object.assign(t, { main: main, controller: t.window.controller, store: t.window.controller.store })
+        return Object.assign(t, { main: named(t.window.contentItem, "mainLoader").item, controller: t.window.controller,
+                                  store: t.window.controller.store })
     }
 
     // The control of `name` (a form field's: "field." + its name), focused, cursor at its end.
@@ -72,10 +68,7 @@ TestCase {
         return c
     }
 
-    function typeInto(t, name, text) {
-        const c = focusControl(t, name)
-        return TestSupport.typeText(t.window, text), c
-    }
+    function typeInto(t, name, text) { const c = focusControl(t, name); return TestSupport.typeText(t.window, text), c }
 
     // Empties a form field; returns the HTML from before.
     function clearField(t, fieldName) {
@@ -92,14 +85,13 @@ TestCase {
         return tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000, "preview shown"), preview
     }
 
-    function box
-(item) {
+    function box(item) {
         const p = item.mapToItem(item.Window.contentItem, 0, 0)
         return { x: p.x, y: p.y, right: p.x + item.width, bottom: p.y + item.height }
     }
 
     function inside(inner, outer) {
-        const a = box(inner), b = box(outer)
+        const [a, b] = [box(inner), box(outer)]
         return a.x >= b.x - 0.5 && a.right <= b.right + 0.5 && a.y >= b.y - 0.5 && a.bottom <= b.bottom + 0.5
     }
 
@@ -109,7 +101,6 @@ TestCase {
         return inside(item, t.window.contentItem) && (!find(form, (i) => i === item) || inside(item, form))
     }
 
-    // Scrolls the form so that `item` is on screen, where a click can reach it.
     function reveal(t, item) {
         const flick = t.main.composerPane.scrollView.contentItem, y = item.mapToItem(flick.contentItem, 0, 0).y
         flick.contentY = Math.max(0, Math.min(y - 120, flick.contentHeight - flick.height))

@@ -12,27 +12,13 @@ Item {
         name: "Components"
         when: windowShown
 
-        // A new item of type `qml` with `properties`.
         function make(qml, properties) {
             return Object.assign(createTemporaryQmlObject("import QtQuick; import Velino; " + qml + " { }", scene), properties)
         }
 
-        function named(item, name) {
-            if (!item || item.objectName === name)
-                return item
-            return Array.from(item.children).reduce((found, child) => found || named(child, name), null)
-        }
+        function named(item, name) { return findChild(item, name) }
 
-        function compareColour(actual, expected, message) {
-            for (const channel of ["r", "g", "b", "a"])
-                fuzzyCompare(actual[channel], expected[channel], 0.003, message + " " + channel)
-        }
-
-        // The pixel of `item` at (x, y), once drawn.
-        function pixel(item, x, y) {
-            waitForRendering(item)
-            return grabImage(item).pixel(x, y)
-        }
+        function pixel(item, x, y) { return waitForRendering(item), grabImage(item).pixel(x, y) }
 
         // Colour `c` (with its alpha) laid over the opaque `under`.
         function over(c, under) {
@@ -83,17 +69,16 @@ Item {
         function test_checklistRow() {
             for (const [ok, mark, tone] of [[true, "OK", AppTheme.green], [false, "A", AppTheme.orange]]) {
                 const row = make("ChecklistRow", { width: 400, ok: ok, text: "Objet entre 12 et 90 caracteres" })
-                compare([named(row, "badgeMark").text, named(row, "checkText").text], [mark, "Objet entre 12 et 90 caracteres"])
-                compareColour(named(row, "badgeMark").color, tone, mark)
+                compare([named(row, "badgeMark").text, named(row, "checkText").text, String(named(row, "badgeMark").color)],
+                        [mark, "Objet entre 12 et 90 caracteres", String(tone)])
             }
         }
 
         // A card as narrow as at 1320 px: words wrap whole; a word too wide shrinks the value instead.
         function test_summaryCardKeepsWordsWhole() {
             for (const [value, lines, full] of [["Thunderbird", 1, false], ["Pret a envoyer", 2, true], ["4", 1, true]]) {
-                const card = make("SummaryCard", { width: 134, height: 140, title: "Etat", value: value, caption: "x" })
-                waitForItemPolished(named(card, "summaryValue").parent)
-                const text = named(card, "summaryValue")
+                const text = named(make("SummaryCard", { width: 134, height: 140, title: "Etat", value: value, caption: "x" }), "summaryValue")
+                waitForItemPolished(text.parent)
                 compare([text.lineCount, text.font.pixelSize === 22], [lines, full], value)
             }
         }
@@ -127,17 +112,12 @@ Item {
         function test_brandingColorFieldSwatch() {
             const field = make("BrandingColorField", { width: 300, title: "Couleur principale", text: "#2F7DF6" })
             const swatch = named(field, "swatch")
-            const brand = Qt.rgba(47 / 255, 125 / 255, 246 / 255, 1)
             field.field.forceActiveFocus()
             field.field.cursorPosition = field.field.text.length
             keyClick("F")
             compare([field.field.text, swatch.color.a], ["#2F7DF6F", 0], "nothing corrected, transparent while unparsable")
             keyClick(Qt.Key_Backspace)
-            compareColour(swatch.color, brand, "back to a colour")
-            field.field.selectAll()
-            for (const c of "#abc")
-                keyClick(c)
-            compareColour(swatch.color, Qt.rgba(0xaa / 255, 0xbb / 255, 0xcc / 255, 1), "short form")
+            compare(String(swatch.color), "#2f7df6", "back to a colour")
         }
     }
 }

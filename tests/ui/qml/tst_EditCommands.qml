@@ -22,11 +22,7 @@ Item {
         name: "EditCommands"
         when: windowShown
 
-        function init() {
-            for (const field of [first, popupField])
-                field.deselect()
-            first.forceActiveFocus()
-        }
+        function init() { [first, popupField].forEach(field => field.deselect()), first.forceActiveFocus() }
 
         // On the focused field, through the window's Edit menu: tst_MainWindow.
         function test_aMenuOpenStillTargetsTheFieldBelow() {
@@ -40,13 +36,11 @@ Item {
 
         function test_buttonsDoNotTakeTheFocus() {
             mouseClick(button)
-            verify(first.activeFocus)
-            verify(commands.selectAll())
+            verify(first.activeFocus && commands.selectAll())
             compare(first.selectedText, "premier champ")
         }
 
         function test_nothingHappensWithoutATextControl() {
-            button.forceActiveFocus()
             first.focus = false
             scene.forceActiveFocus()
             for (const command of ["selectAll", "copy", "paste", "cut"])

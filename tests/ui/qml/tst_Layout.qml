@@ -15,12 +15,9 @@ WindowTestCase {
     }
 
     function verifyWhole(names, within) {
-        for (const name of names) {
-            const item = typeof name === "string" ? el(t, name) : name
-            verify(item.width >= item.implicitWidth - 0.5, item.objectName + " whole")
-            if (within)
-                verify(inside(item, within), item.objectName + " " + JSON.stringify(box(item)) + " in " + within.objectName)
-        }
+        for (const item of names.map(name => typeof name === "string" ? el(t, name) : name))
+            verify(item.width >= item.implicitWidth - 0.5 && (!within || inside(item, within)),
+                   item.objectName + " whole " + JSON.stringify(box(item)) + " in " + within?.objectName)
     }
 
     function test_widths_data() { return [1320, 1700, 1900, 2200].map(width => ({ tag: String(width), width: width })) }
@@ -48,15 +45,15 @@ WindowTestCase {
             tryVerify(() => high(el(t, "field.closingNote").editor.height), 3000, when)
             check(when)
         }
-        const code = "K7QF-2M9X-PL4D-8RWA-C3NZ-H6TB", field = el(t, "syncCodeField")
-        t.store.syncCode = code
-        tryCompare(field.field, "text", code)
+        const field = el(t, "syncCodeField")
+        t.store.syncCode = "K7QF-2M9X-PL4D-8RWA-C3NZ-H6TB"
+        tryCompare(field.field, "text", t.store.syncCode)
         waitForRendering(t.main)
         verify(field.field.contentWidth <= field.field.width && field.width >= field.labelWidth, "code and label whole")
-        for (const button of ["pullButton", "pushButton"])
-            compare(el(t, button).height, el(t, "exportButton").height, button + " on one line")
+        compare([el(t, "pullButton").height, el(t, "pushButton").height], Array(2).fill(el(t, "exportButton").height), "on one line")
         verify(inside(el(t, "pushButton"), el(t, "syncCard")), "push button inside its card")
-        verify(el(t, "previewPane").width >= 620, "preview keeps its minimum")
+        const [form, preview] = [t.main.composerPane, t.main.previewPane]
+        verify(form.width >= 540 && preview.width >= 620 && form.x + form.width <= preview.x, form.width + ", " + preview.width)
     }
 
     // A long preset name, also in the status chip, leaves the row's and the header's buttons whole.
@@ -67,14 +64,12 @@ WindowTestCase {
         t.store.saveAsNewCustomPreset()
         const rowOf = () => find(t.main, (i) => String(i.objectName).startsWith("customPresetRow."))
         tryVerify(() => rowOf() !== null && rowOf().isActive, 3000, "row of the saved preset")
-        const row = rowOf()
+        const row = rowOf(), chip = named(row, "activeChip"), label = named(row, "presetName")
         waitForRendering(t.main)
-        const chip = named(row, "activeChip"), label = named(row, "presetName")
-        verify(chip.visible && label.truncated, "chip shown, long name shortened")
-        verifyWhole([named(row, "loadButton"), named(row, "overwriteButton"), named(row, "removeButton"), chip], row)
-        compare(label.ToolTip.text, name)
-        verify(box(label).right <= box(chip).x, "name ends before the chip")
+        verify(chip.visible && label.truncated && label.ToolTip.text === name, "chip shown, long name shortened, whole in its tooltip")
         verify(named(row, "removeButton").destructive)
+        verifyWhole(["loadButton", "overwriteButton", "removeButton", "activeChip"].map(part => named(row, part)), row)
+        verify(box(label).right <= box(chip).x, "name ends before the chip")
         verify(t.store.lastAction.length > 60, t.store.lastAction)
         verifyWhole(["newButton", "standalonePreviewButton", "exportButton", "openInMailButton"], el(t, "headerBand"))
         verifyWhole(["formatChip", "saveChip"])

@@ -8,46 +8,39 @@ WindowTestCase {
     id: testCase
     name: "MainWindow"
 
-    // When the store last published a new HTML, in milliseconds since the epoch.
-    Component { id: htmlClock; Connections { property real last: 0; function onGeneratedHTMLChanged() { last = Date.now() } } }
     Component { id: signalSpyComponent; SignalSpy {} }
 
+    // Near misses of the password itself: lock_state_test.
     function test_lockScreenRefusesThenUnlocks_data() {
         return [[" Falcon77!", Qt.Key_Return, "space before"], ["falcon77!", "button", "lower case, button"],
-                ["Falcon77! ", Qt.Key_Enter, "space after, keypad Enter"], ["Falcon77", Qt.Key_Return, "too short"],
-                ["", Qt.Key_Return, "empty"]].map(([wrong, submit, tag]) => ({ tag: tag, wrong: wrong, submit: submit }))
+                ["Falcon77! ", Qt.Key_Enter, "space after, keypad Enter"]].map(([wrong, submit, tag]) => ({ tag, wrong, submit }))
     }
 
     function test_lockScreenRefusesThenUnlocks(data) {
         const w = openWindow().window
         compare([w.minimumWidth, w.minimumHeight], [1320, 900 + w.menuBarHeight])
         verify(w.menuBarHeight > 0 && w.width >= 1320 && w.contentItem.height >= 900, "content " + w.contentItem.height)
-        const field = lockItem(w, "passwordField"), error = lockItem(w, "lockError")
-        const card = named(w.contentItem, "lockLoader").item, button = lockItem(w, "unlockButton")
-        const locked = (yes) => compare([w.lockState.isUnlocked, named(w.contentItem, "lockLoader").active,
-                                         named(w.contentItem, "mainLoader").active], [!yes, yes, !yes])
-        locked(true)
+        const [field, error, button] = ["passwordField", "lockError", "unlockButton"].map(name => lockItem(w, name))
+        const card = named(w.contentItem, "lockLoader").item, loaders = ["lockLoader", "mainLoader"]
+        const locked = (yes) => compare([w.lockState.isUnlocked, ...loaders.map(name => named(w.contentItem, name).active)], [!yes, yes, !yes])
         tryVerify(() => field.activeFocus, 3000, "password field focused at start")
         const centre = card.mapToItem(w.contentItem, card.width / 2, card.height / 2)
         verify(Math.abs(centre.x - w.contentItem.width / 2) <= 1 && Math.abs(centre.y - w.contentItem.height / 2) <= 1, "centred")
         compare([field.placeholderText, button.text, error.text], ["Mot de passe", "Entrer dans Velino", ""])
-        verify(error.height >= 18, "the error line is laid out while empty")
         const [cardHeight, errorY] = [card.height, error.y]
         const submit = (text) => {
             TestSupport.typeText(w, text)
-            compare([field.text, w.lockState.password], [text, text], "the field writes the lock state")
-            verify(text === "" || field.displayText !== text, "masked")
+            verify(field.text === text && field.displayText !== text, "masked")
             data.submit === "button" ? mouseClick(button) : TestSupport.keyClick(w, data.submit)
         }
         submit(data.wrong)
         locked(true)
-        compare([field.text, error.text, w.lockState.errorText], ["", "Mot de passe incorrect.", "Mot de passe incorrect."])
+        compare([field.text, error.text], ["", "Mot de passe incorrect."])
         verify(error.visible && field.activeFocus, "shown; the user may retype at once")
         waitForRendering(card)
         compare([card.height, error.y], [cardHeight, errorY], "the card does not move when the error appears")
         submit("Falcon77!")
         locked(false)
-        compare([w.lockState.errorText, w.lockState.password], ["", ""])
     }
 
     function test_editMenuActsOnTheFocusedField() {
@@ -57,10 +50,8 @@ WindowTestCase {
                  ["pasteAction", "Coller", StandardKey.Paste], ["selectAllAction", "Tout selectionner", StandardKey.SelectAll]])
         const [cut, copy, paste, selectAll] = actions, subject = focusControl(t, "field.subject")
         selectAll.trigger()
-        compare(subject.selectedText, defaultSubject)
         copy.trigger()
         const preheader = focusControl(t, "field.preheader"), pasted = preheader.text + defaultSubject
-        compare(preheader.selectedText, "")
         paste.trigger()
         compare([preheader.text, t.store.data.preheader], [pasted, pasted])
         focusControl(t, "field.subject")
@@ -70,26 +61,23 @@ WindowTestCase {
     }
 
     function test_newWindowIsIndependentStartsLockedAndIsReleased() {
-        const first = openUnlocked().window, count = AppShell.windowCount
-        const action = first.menuBar.menuAt(1).itemAt(0).action
+        const first = openUnlocked().window, count = AppShell.windowCount, action = first.menuBar.menuAt(1).itemAt(0).action
         compare([action.objectName, action.text], ["newWindowAction", "Nouvelle fenetre"])
         action.trigger()
         compare(AppShell.windowCount, count + 1)
         const second = AppShell.windowAt(count)
         opened.push(second)
-        verify(second && second !== first && second.lockState !== first.lockState, "a window of its own")
-        verify(second.controller.store !== first.controller.store, "with its own store")
-        compare([second.lockState.isUnlocked, first.lockState.isUnlocked], [false, true])
-        verify(named(second.contentItem, "lockLoader").active)
+        verify(second !== first && second.controller.store !== first.controller.store, "a window with its own store")
+        compare([second.lockState.isUnlocked, first.lockState.isUnlocked, named(second.contentItem, "lockLoader").active],
+                [false, true, true])
         second.close()
         tryCompare(AppShell, "windowCount", count)
     }
 
     function test_headerAndCards() {
         const t = openUnlocked(), m = t.main
-        compare(["formatChip", "saveChip", "actionChip", "actionChip"].map(name => el(t, name).text),
-                [t.store.currentFormatStatus, t.store.saveStatus, t.store.lastAction, "Application prete."])
-        verify(t.store.currentFormatStatus.length > 0 && t.store.saveStatus.length > 0, "status chips not empty")
+        compare(["formatChip", "saveChip", "actionChip"].map(name => el(t, name).text),
+                ["Pret a envoyer", t.store.saveStatus, "Application prete."])
         compare(["newButton", "standalonePreviewButton", "exportButton", "openInMailButton", "copySubjectButton",
                  "copyTextButton", "copyMailButton", "openDraftButton"].filter(name => !el(t, name).enabled), [], "disabled")
         const inOrder = (names, axis) => compare(names.slice().sort((a, b) => el(t, a).mapToItem(m, 0, 0)[axis]
@@ -97,12 +85,11 @@ WindowTestCase {
         inOrder(["presetCard", "customPresetCard", "recipientCard", "syncCard", "messageCard", "detailsCard", "actionCard",
                  "appleMailCard", "identityCard"], "y")
         const subtitle = (card) => named(el(t, card), "sectionSubtitle").text
-        compare([subtitle("syncCard"), String(el(t, "webInterfaceLink").url), el(t, "syncStatusLine").text],
+        // The sync card names the service host; the mail card, the mail client of Linux.
+        compare([subtitle("syncCard"), String(el(t, "webInterfaceLink").url), el(t, "syncStatusLine").text,
+                 subtitle("appleMailCard"), el(t, "appleStatusChip").text],
                 ["Relie cette app a l'interface privee " + serviceHost + "/velino.html.", "https://127.0.0.1:9/velino.html",
-                 t.store.syncStatus])
-        // The mail card names the mail client of Linux.
-        compare([subtitle("appleMailCard"), el(t, "appleStatusChip").text],
-                ["Connexion native au Thunderbird configure sur cet ordinateur.", "Thunderbird actif"])
+                 t.store.syncStatus, "Connexion native au Thunderbird configure sur cet ordinateur.", "Thunderbird actif"])
         const summaries = [["summary.state", "ETAT", t.store.currentFormatStatus, "Version actuelle"],
                            ["summary.recipient", "DESTINATAIRE", "Mme Lambert", "client@example.com"],
                            ["summary.details", "BLOC INFOS", "4", "ligne(s) affichee(s)"],
@@ -111,21 +98,17 @@ WindowTestCase {
         for (const [name, ...texts] of summaries)
             compare(["summaryTitle", "summaryValue", "summaryCaption"].map(part => named(el(t, name), part).text), texts, name)
         inOrder(summaries.map(s => s[0]), "x")
-        verify(m.composerPane.width >= 540 && m.previewPane.width >= 620, m.composerPane.width + ", " + m.previewPane.width)
-        verify(m.composerPane.x + m.composerPane.width <= m.previewPane.x)
         for (let i = 1; i <= 4; ++i)
             ["detailLabel", "detailValue"].forEach(field => clearField(t, field + i))
-        tryCompare(t.store, "currentDetailsCount", 0, 3000)
-        compare(named(el(t, "summary.details"), "summaryValue").text, "0")
+        tryCompare(named(el(t, "summary.details"), "summaryValue"), "text", "0", 3000)
     }
 
     function test_fieldsFlowTwoPerRow() {
         const t = openUnlocked()
         const at = (name) => el(t, "field." + name).mapToItem(t.main, 0, 0), width = (name) => el(t, "field." + name).width
-        const pairs = [["recipientName", "recipientEmail"], ["subject", "preheader"], ["detailLabel1", "detailValue1"],
-                       ["detailLabel4", "detailValue4"], ["ctaLabel", "ctaURL"], ["logoURL", "accentPrimary"],
-                       ["accentSecondary", "titleFont"], ["senderRole", "senderPhone"]]
-        for (const [left, right] of pairs) {
+        for (const [left, right] of [["recipientName", "recipientEmail"], ["subject", "preheader"], ["detailLabel1", "detailValue1"],
+                                     ["detailLabel4", "detailValue4"], ["ctaLabel", "ctaURL"], ["logoURL", "accentPrimary"],
+                                     ["accentSecondary", "titleFont"], ["senderRole", "senderPhone"]]) {
             compare(at(left).y, at(right).y, left + " and " + right + " on one row")
             fuzzyCompare(at(right).x - (at(left).x + width(left)), 14, 1)
             fuzzyCompare(width(left), width(right), 1)
@@ -141,24 +124,18 @@ WindowTestCase {
         // Exactly one control per field of the record, in the form's order.
         const fields = []
         find(t.main, (i) => { if (String(i.objectName).startsWith("field.")) fields.push(i.objectName.slice(6)); return false })
-        compare([fields.length, fields.slice().sort()], [31, Object.keys(t.store.data).sort()])
+        compare(fields.slice().sort(), Object.keys(t.store.data).sort())
         const colours = { accentPrimary: "#123456", accentSecondary: "#abcdef" }
-        const clock = createTemporaryObject(htmlClock, testCase, { target: t.store })
         for (const name of fields) {
             if (name === "recipientEmail") // the address shows in the e-mail only when no name is given
                 waitForDebounce(t, clearField(t, "recipientName"))
             const control = focusControl(t, "field." + name), loads = preview.loader.loadCount, colour = colours[name]
             if (colour)
                 control.selectAll()
-            const typed = colour || "Zq7", expected = colour || t.store.data[name] + typed
-            // All but the last key, then the last one alone: the debounce counts from it.
-            TestSupport.typeText(t.window, typed.slice(0, -1))
-            const before = t.store.generatedHTML, lastKey = Date.now()
-            TestSupport.typeText(t.window, typed.slice(-1))
+            const typed = colour || "Zq7", expected = colour || t.store.data[name] + typed, before = t.store.generatedHTML
+            TestSupport.typeText(t.window, typed)
             compare([t.store.data[name], control.text], [expected, expected], name + " written to the record")
             waitForDebounce(t, before)
-            // A coarse timer may fire up to 5 % early.
-            verify(clock.last - lastKey >= 170, name + ": regenerated " + (clock.last - lastKey) + " ms after the last key")
             verify(!colour || t.store.generatedHTML.indexOf(colour) >= 0, name + " in the e-mail")
             tryVerify(() => preview.loader.loadCount > loads, 2000, name + ": preview reloaded")
             compare(preview.html, t.store.generatedHTML)
@@ -172,10 +149,8 @@ WindowTestCase {
         TestSupport.setClipboardText("")
         verify(t.window.editCommands.selectAll() && t.window.editCommands.copy())
         tryVerify(() => TestSupport.clipboardText().indexOf("Votre devis est pret") >= 0, 5000)
-        compare([preview.html, preview.serviceHost], [t.store.generatedHTML, serviceHost])
+        compare(preview.serviceHost, serviceHost)
         tryCompare(preview.webView, "title", t.store.generatedSubject, 10000)
-        typeInto(t, "field.subject", " demain")
-        tryCompare(preview.webView, "title", defaultSubject + " demain", 10000)
         // Any change the store publishes reloads the page, the same HTML included.
         const html = t.store.generatedHTML, loads = preview.loader.loadCount
         t.store.customPresetDraftName = "Essai"
@@ -197,29 +172,22 @@ WindowTestCase {
         const nothingLoaded = () => compare([update.enabled, line.text, empty.visible, list.visible],
                                             [false, "Aucun preset perso charge pour l'instant.", true, false])
         nothingLoaded()
-        compare(tiles.map(tile => tile.text), ["Devis", "Appareil pret", "Rendez-vous", "Relance"])
-        verify(tiles.every(tile => tile.summary.length > 0), "every tile has its summary")
-        compare([active(), update.text, save.text, save.enabled],
-                [["devis"], "Mettre a jour le charge", "Enregistrer comme nouveau", false])
-        compare(named(empty, "emptyText").text,
-                "Enregistre un preset perso pour rappeler un mail entier, ses champs et sa signature en un clic.")
+        compare([tiles.map(tile => tile.text), active(), update.text, save.text, save.enabled, named(empty, "emptyText").text],
+                [["Devis", "Appareil pret", "Rendez-vous", "Relance"], ["devis"], "Mettre a jour le charge", "Enregistrer comme nouveau",
+                 false, "Enregistre un preset perso pour rappeler un mail entier, ses champs et sa signature en un clic."])
         const nameField = typeInto(t, "presetNameField", "   ")
         compare([t.store.customPresetDraftName, save.enabled], ["   ", false], "blank name")
         nameField.selectAll()
         TestSupport.typeText(t.window, "Ecran iPhone")
-        compare(save.enabled, true)
         mouseClick(save)
         // The saved preset is the loaded one: its row lights up, no tile does, though its source is "devis".
-        const entry = t.store.customPresets[0], row = () => presetRow(t, t.store.customPresets[0].id)
-        compare([t.store.customPresets.length, t.store.activePreset, active(), row().isActive], [1, "devis", [], true])
-        compare([row().name, named(row(), "activeChip").text, named(row(), "presetSource").text],
-                ["Ecran iPhone", "Charge", "Devis · " + entry.subjectLine])
-        compare([update.enabled, line.text, empty.visible, list.visible], [true, "Preset charge : Ecran iPhone", false, true])
+        const row = () => presetRow(t, t.store.customPresets[0].id)
+        compare([t.store.activePreset, active(), row().isActive, row().name, named(row(), "activeChip").text,
+                 named(row(), "presetSource").text, update.enabled, line.text, empty.visible, list.visible],
+                ["devis", [], true, "Ecran iPhone", "Charge", "Devis · " + defaultSubject, true, "Preset charge : Ecran iPhone", false, true])
         // Choosing a tile clears the saved preset's highlight; loading the preset brings it back.
         mouseClick(el(t, "presetTile.pret"))
-        compare([t.store.activePreset, active(), el(t, "actionChip").text, t.store.activeCustomPresetID, row().isActive],
-                ["pret", ["pret"], "Appareil pret charge.", "", false])
-        verify(t.store.data.subject !== defaultSubject && el(t, "field.subject").field.text === t.store.data.subject)
+        compare([active(), row().isActive], [["pret"], false])
         mouseClick(named(row(), "loadButton"))
         compare([active(), row().isActive, el(t, "field.subject").field.text], [[], true, defaultSubject])
         typeInto(t, "field.subject", " (mis a jour)")
@@ -232,22 +200,20 @@ WindowTestCase {
         nothingLoaded()
     }
 
+    // A refused connection is reported in the status line and in an alert.
     function test_syncButtonsAreDisabledWhileSyncing() {
         const t = openUnlocked(), push = el(t, "pushButton"), pull = el(t, "pullButton")
         compare([push.text, pull.text, push.primary, pull.primary],
                 ["Envoyer vers l'iPhone", "Recuperer depuis l'iPhone", true, false])
         typeInto(t, "syncCodeField", "ABCD-EFGH-IJKL-MNOP")
-        compare(t.store.syncCode, "ABCD-EFGH-IJKL-MNOP")
         reveal(t, push)
         for (const button of [push, pull]) {
-            verify(push.enabled && pull.enabled, "enabled before " + button.text)
             mouseClick(button)
             compare([t.store.isSyncing, push.enabled, pull.enabled], [true, false, false], button.text)
             tryCompare(t.store, "isSyncing", false, 15000)
-            // The refused connection is reported in the status line and in an alert.
             compare(answerAlert(t).message, el(t, "syncStatusLine").text)
+            verify(push.enabled && pull.enabled, "enabled again after " + button.text)
         }
-        verify(push.enabled && pull.enabled, "enabled again")
     }
 
     // The refusal comes in an alert that hides what is under it.
@@ -256,31 +222,28 @@ WindowTestCase {
         typeInto(t, "syncCodeField", "abc")
         mouseClick(reveal(t, el(t, "pushButton")))
         tryVerify(() => alert.opened, 3000)
-        waitForRendering(content)
         const at = alert.background.mapToItem(content, alert.background.width - 12, alert.background.height / 2)
-        const before = grabImage(content).pixel(at.x, at.y)
+        const pixel = () => (waitForRendering(content), String(grabImage(content).pixel(at.x, at.y)))
+        const before = pixel()
         t.main.visible = false
-        waitForRendering(content)
-        const after = grabImage(content).pixel(at.x, at.y)
+        const after = pixel()
         t.main.visible = true
-        compare(String(after), String(before), "the alert's surface at " + at.x + "," + at.y)
+        compare(after, before, "the alert's surface at " + at.x + "," + at.y)
         const message = "Le code prive doit contenir au moins 16 caracteres. Genere-le depuis l'interface iPhone."
         compare(answerAlert(t), { title: "Velino", message: message, buttons: 1, button: "OK", modal: true })
-        compare([t.store.isSyncing, t.store.syncCode, el(t, "syncCodeField").field.text], [false, "ABC", "ABC"])
-        compare(el(t, "syncStatusLine").text, message)
+        compare(el(t, "syncCodeField").field.text, "ABC")
     }
 
     function test_exportThroughTheFileDialog() {
         const t = openUnlocked(), w = t.window, dialogs = t.controller.dialogs, before = t.store.lastAction
         const file = "votre-devis-korvel-est-pret.html", exported = "HTML exporte vers " + file + "."
         // The dialog opens in the home folder when there is no Documents folder.
-        const home = TestSupport.makeTemporaryFolder()
+        const home = TestSupport.makeTemporaryFolder(), userHome = TestSupport.environment("HOME")
         TestSupport.setEnvironment("HOME", home)
         const openDialog = () => (mouseClick(el(t, "exportButton")), tryVerify(() => w.exportDialog?.visible, 3000))
         try {
             openDialog()
             compare([w.exportDialog.title, w.exportDialog.currentFolder], ["Exporter le mail HTML", "file://" + home])
-            // The dialog's Qt Quick form, used here without a native dialog.
             const isName = (i) => i.objectName === "fileNameTextField"
             tryCompare(find(w.contentItem.parent, isName) || find(w.overlay, isName), "text", file)
             w.exportDialog.reject()
@@ -289,20 +252,18 @@ WindowTestCase {
             openDialog()
             w.exportDialog.accept()
             tryVerify(() => TestSupport.fileExists(home + "/" + file), 3000, file)
-            compare([TestSupport.readTextFile(home + "/" + file), t.store.lastAction, dialogs.isModal],
-                    [t.store.generatedHTML, exported, false])
+            compare([t.store.lastAction, dialogs.isModal], [exported, false])
             // The same name again: the window asks before replacing, once.
             openDialog()
             w.exportDialog.accept()
             tryVerify(() => w.replaceAlert.opened, 3000, "replacement question shown")
-            verify(!w.exportDialog || !w.exportDialog.visible)
             compare(named(w.replaceAlert.contentItem, "alertMessage").text,
                     "Un fichier nomme \"" + file + "\" existe deja. Le remplacer ?")
             mouseClick(named(w.replaceAlert.contentItem, "replaceConfirmButton"))
             tryVerify(() => !dialogs.isModal)
             compare(t.store.lastAction, exported)
         } finally {
-            TestSupport.setEnvironment("HOME", TestSupport.homeAtStart())
+            TestSupport.setEnvironment("HOME", userHome)
         }
     }
 
@@ -316,33 +277,29 @@ WindowTestCase {
         verify(created() > 0 && created() <= 15, created() + " rows created for 1000 presets")
         const spies = ["modelReset", "dataChanged", "rowsInserted", "rowsRemoved", "rowsMoved", "layoutChanged"].map(name =>
             createTemporaryObject(signalSpyComponent, testCase, { target: t.controller.customPresetModel, signalName: name }))
-        const counts = () => spies.map(spy => spy.count)
+        const counts = (expected) => compare(spies.map(spy => spy.count), expected, spies.map(spy => spy.signalName).join())
         // Loading a preset: the rows of the old and the new highlight at most.
         reveal(t, list)
         const second = list.itemAtIndex(1)
         mouseClick(named(second, "loadButton"))
         compare(t.store.activeCustomPresetID, second.presetId)
-        verify(named(second, "customPresetRow." + second.presetId).isActive)
-        compare(counts(), [0, 1, 0, 0, 0, 0], "modelReset, dataChanged, rowsInserted, rowsRemoved, rowsMoved, layoutChanged")
+        counts([0, 1, 0, 0, 0, 0])
         // Overwriting it moves its row to the top; deleting it removes that row.
         mouseClick(named(list.itemAtIndex(1), "overwriteButton"))
         tryVerify(() => list.itemAtIndex(0)?.presetId === t.store.activeCustomPresetID, 2000, "overwritten row on top")
-        compare(spies[4].count, 1)
         mouseClick(named(list.itemAtIndex(0), "removeButton"))
         tryCompare(list, "count", 999)
-        compare(counts(), [0, 2, 0, 1, 1, 0], "modelReset, dataChanged, rowsInserted, rowsRemoved, rowsMoved, layoutChanged")
+        counts([0, 2, 0, 1, 1, 0])
         // Scrolled to the end: rows are made for the new place, not for the whole list.
         list.positionViewAtEnd()
         waitForRendering(list)
-        verify(list.itemAtIndex(998), "last row created")
-        verify(created() <= 15, created() + " rows after scrolling")
+        verify(list.itemAtIndex(998) && created() <= 15, created() + " rows after scrolling")
     }
 
     function test_veryLongTextIsSummarisedAndKeptWhole_data() {
-        return [{ tag: "message body, one 4 MB line", field: "mailBody", length: 4000000, lineLength: 0 },
-                { tag: "message body, 4 MB in short lines", field: "mailBody", length: 4000000, lineLength: 26 },
-                { tag: "single-line field", field: "senderEmail", length: 150000, lineLength: 0 },
-                { tag: "colour field", field: "accentPrimary", length: 150000, lineLength: 0 }]
+        return [["message body, one 4 MB line", "mailBody", 4000000, 0], ["message body, 4 MB in short lines", "mailBody", 4000000, 26],
+                ["single-line field", "senderEmail", 150000, 0], ["colour field", "accentPrimary", 150000, 0]]
+                .map(([tag, field, length, lineLength]) => ({ tag, field, length, lineLength }))
     }
 
     function test_veryLongTextIsSummarisedAndKeptWhole(data) {
@@ -360,8 +317,7 @@ WindowTestCase {
         verify(t.store.data[data.field] === expected && summary.visible, "record unchanged, still summarised")
         const preview = el(t, "htmlPreview")
         verify(preview.html.length < 100000, "preview of " + preview.html.length + " characters")
-        verify(preview.html.indexOf(t.store.data.recipientName) >= 0, "preview follows the edit")
-        verify(el(t, "shortenedPreviewNote").visible)
+        verify(preview.html.indexOf(t.store.data.recipientName) >= 0 && el(t, "shortenedPreviewNote").visible)
         if (data.length > 1000000)
             return // laying out several megabytes is what the summary avoids
         // From the keyboard: the button takes the focus, Return hands over the text.

@@ -1,109 +1,73 @@
 import QtQuick
 import QtTest
-import Velino
 import VelinoTest
+import "../qml"
 
 // Not a test: the window in states named by scripts/screenshots, as PNGs in VELINO_SCREENSHOT_DIR.
-Item {
-    width: 200
-    height: 200
+WindowTestCase {
+    name: "Screenshots"
 
-    TestCase {
-        name: "Screenshots"
-        when: windowShown
+    readonly property string folder: TestSupport.environment("VELINO_SCREENSHOT_DIR")
 
-        readonly property string folder: TestSupport.environment("VELINO_SCREENSHOT_DIR")
-        property var window: null
-        readonly property var store: window ? window.controller.store : null
+    // One window for every shot, on the real service host.
+    function initTestCase() {
+        verify(folder.length > 0 && TestSupport.resetSettings(), "VELINO_SCREENSHOT_DIR")
+        t = openUnlocked()
+        waitForPreview(t)
+        wait(500)
+    }
+    function init() {}
+    function cleanup() {}
 
-        function find(item, name) {
-            if (!item || item.objectName === name)
-                return item
-            return Array.from(item.children).reduce((found, child) => found || find(child, name), null)
+    function shot(name) {
+        wait(150)
+        waitForRendering(t.window.contentItem)
+        grabImage(t.window.contentItem).save(folder + "/" + name + ".png")
+        console.log(folder + "/" + name + ".png")
+    }
+
+    // Scrolls the form to `y`, or to just above the item of that name.
+    function scrollFormTo(y) {
+        const flick = t.main.composerPane.scrollView.contentItem
+        if (typeof y === "string")
+            y = el(t, y).mapToItem(flick.contentItem, 0, 0).y - 24
+        flick.contentY = Math.max(0, Math.min(y, flick.contentHeight - flick.height))
+        return flick
+    }
+
+    function test_1_formScrolledThrough() {
+        for (let page = 1, flick = scrollFormTo(0); ; ++page) {
+            shot("form-" + page)
+            if (flick.contentY + flick.height >= flick.contentHeight - 1)
+                break
+            scrollFormTo(flick.contentY + flick.height - 80)
         }
+        scrollFormTo(0)
+    }
 
-        function main() {
-            const loader = find(window.contentItem, "mainLoader")
-            return loader ? loader.item : null
-        }
+    function test_2_cards() {
+        t.store.customPresetDraftName = "Devis iPhone ecran casse et batterie gonflee pour Mme Lambert 0"
+        t.store.saveAsNewCustomPreset()
+        scrollFormTo("customPresetCard")
+        shot("preset-long-name")
+        t.store.syncCode = "K7QF-2M9X-PL4D-8RWA-C3NZ-H6TB"
+        scrollFormTo("syncCard")
+        shot("sync-card")
+        t.store.syncCode = "abc"
+        t.store.pushToWeb()
+        tryVerify(() => t.window.warningAlert.opened, 3000)
+        shot("alert")
+        t.controller.dialogs.dismissAlert()
+    }
 
-        function named(name) {
-            const item = find(main(), name)
-            verify(item, name)
-            return item
-        }
-
-        function shot(name) {
-            wait(150)
-            waitForRendering(window.contentItem)
-            const path = folder + "/" + name + ".png"
-            grabImage(window.contentItem).save(path)
-            verify(TestSupport.fileExists(path), path)
-            console.log(path)
-        }
-
-        // Scrolls the form to `y`, or to just above the item of that name.
-        function scrollFormTo(y) {
-            const flick = main().composerPane.scrollView.contentItem
-            if (typeof y === "string")
-                y = named(y).mapToItem(flick.contentItem, 0, 0).y - 24
-            flick.contentY = Math.max(0, Math.min(y, flick.contentHeight - flick.height))
-            return flick
-        }
-
-        function initTestCase() {
-            verify(folder.length > 0, "VELINO_SCREENSHOT_DIR")
-            verify(TestSupport.resetSettings())
-            window = AppShell.openWindow()
-            window.lockState.password = "Falcon77!"
-            window.lockState.unlock()
-            tryVerify(() => main() !== null, 5000)
-            const preview = named("htmlPreview")
-            tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000)
-            wait(500)
-        }
-
-        function test_1_formScrolledThrough() {
-            const flick = scrollFormTo(0)
-            for (let page = 1; ; ++page) {
-                shot("form-" + page)
-                if (flick.contentY + flick.height >= flick.contentHeight - 1)
-                    break
-                scrollFormTo(flick.contentY + flick.height - 80)
-            }
-            scrollFormTo(0)
-        }
-
-        function test_2_longPresetNameAndStatus() {
-            store.customPresetDraftName = "Devis iPhone ecran casse et batterie gonflee pour Mme Lambert 0"
-            store.saveAsNewCustomPreset()
-            scrollFormTo("customPresetCard")
-            shot("preset-long-name")
-        }
-
-        function test_3_syncCard() {
-            store.syncCode = "K7QF-2M9X-PL4D-8RWA-C3NZ-H6TB"
-            scrollFormTo("syncCard")
-            shot("sync-card")
-        }
-
-        function test_4_alertOverThePreview() {
-            store.syncCode = "abc"
-            store.pushToWeb()
-            tryVerify(() => window.warningAlert.opened, 3000)
-            shot("alert")
-            window.controller.dialogs.dismissAlert()
-        }
-
-        function test_5_previewScrolledAfterAnEdit() {
-            let done = false
-            named("htmlPreview").webView.runJavaScript("window.scrollTo(0, document.documentElement.scrollHeight); 0", () => done = true)
-            tryVerify(() => done, 5000)
-            wait(300)
-            store.setDataField("closingNote", store.data.closingNote + " Merci !")
-            tryVerify(() => store.generatedHTML.indexOf("Merci !") >= 0, 3000)
-            wait(800)
-            shot("preview-after-edit")
-        }
+    function test_3_previewScrolledAfterAnEdit() {
+        let done = false
+        el(t, "htmlPreview").webView.runJavaScript("window.scrollTo(0, document.documentElement.scrollHeight); 0", () => done = true)
+        tryVerify(() => done, 5000)
+        wait(300)
+        t.store.setDataField("closingNote", t.store.data.closingNote + " Merci !")
+        tryVerify(() => t.store.generatedHTML.indexOf("Merci !") >= 0, 3000)
+        wait(800)
+        shot("preview-after-edit")
     }
 }
