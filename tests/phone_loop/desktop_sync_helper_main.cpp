@@ -1,7 +1,7 @@
 // The desktop's side of the phone page's browser tests: the real ComposerStore and
 // velino-sync-server. "certificates DIR" writes ca.crt, server.crt and server.key for
 // 127.0.0.1; "push|pull ENDPOINT CA_FILE CODE STATE_DIR" sends the default record or fetches
-// and prints {"activePreset", "record", "html", "syncStatus"}. Failures exit 1 with the text.
+// and prints {"activePreset", "record", "html"}. Failures exit 1 with the text.
 
 #include "composer_store.h"
 #include "https_test_server.h"
@@ -35,7 +35,7 @@ int makeCertificates(const QString &folder) {
     const auto identity = test::TestTlsIdentity::generate(&error);
     if (!identity)
         return fail(error);
-    const std::pair<QString, QByteArray> files[] = {
+    const std::pair<const char *, QByteArray> files[] = {
         {"ca.crt", identity->caCertificate.toPem()},
         {"server.crt", identity->serverCertificate.toPem()},
         {"server.key", identity->serverKey.toPem()}};
@@ -43,7 +43,7 @@ int makeCertificates(const QString &folder) {
         QFile file(folder + u'/' + name);
         if (!QDir().mkpath(folder) || !file.open(QIODevice::WriteOnly) ||
             file.write(pem) != pem.size())
-            return fail(QStringLiteral("Ecriture impossible dans %1.").arg(folder));
+            return fail("Ecriture impossible dans " + folder + ".");
     }
     return 0;
 }
@@ -52,7 +52,7 @@ int sync(const QStringList &args) {
     const bool push = args[0] == u"push";
     const QList<QSslCertificate> authorities = QSslCertificate::fromPath(args[2]);
     if (authorities.isEmpty())
-        return fail(QStringLiteral("Certificat d'autorite illisible : %1.").arg(args[2]));
+        return fail("Certificat d'autorite illisible : " + args[2] + ".");
     StoreServices services = StoreServices::qtDefaults();
     services.storage = std::make_shared<QtStateStorage>(
         StateFiles::inFolders(args[4] + "/config", args[4] + "/data"));
@@ -74,13 +74,12 @@ int sync(const QStringList &args) {
     if (!store.syncStatus().startsWith(push ? "Brouillon envoye vers l'iPhone"
                                             : "Brouillon recupere"))
         return fail(store.syncStatus());
-    if (!push) {
-        const QJsonObject out{{"activePreset", presetId(store.activePreset())},
-                              {"record", store.data().toJson()},
-                              {"html", store.generatedHTML()},
-                              {"syncStatus", store.syncStatus()}};
-        std::puts(QJsonDocument(out).toJson(QJsonDocument::Compact).constData());
-    }
+    if (!push)
+        std::puts(QJsonDocument(QJsonObject{{"activePreset", presetId(store.activePreset())},
+                                            {"record", store.data().toJson()},
+                                            {"html", store.generatedHTML()}})
+                      .toJson(QJsonDocument::Compact)
+                      .constData());
     return 0;
 }
 
