@@ -1,7 +1,6 @@
 // The desktop's side of the phone page's browser tests: the real ComposerStore and
-// velino-sync-server. "certificates DIR" writes ca.crt, server.crt and server.key for
-// 127.0.0.1; "push|pull ENDPOINT CA_FILE CODE STATE_DIR" sends the default record or fetches
-// and prints {"activePreset", "record", "html"}. Failures exit 1 with the text.
+// velino-sync-server. "push|pull ENDPOINT CA_FILE CODE STATE_DIR" sends the default record or
+// fetches and prints {"activePreset", "record", "html"}. Failures exit 1 with the text.
 
 #include "composer_store.h"
 #include "https_test_server.h"
@@ -9,8 +8,6 @@
 #include "qt_state_storage.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -28,24 +25,6 @@ public:
 int fail(const QString &message) {
     std::fprintf(stderr, "%s\n", message.toUtf8().constData());
     return 1;
-}
-
-int makeCertificates(const QString &folder) {
-    QString error;
-    const auto identity = test::TestTlsIdentity::generate(&error);
-    if (!identity)
-        return fail(error);
-    const std::pair<const char *, QByteArray> files[] = {
-        {"ca.crt", identity->caCertificate.toPem()},
-        {"server.crt", identity->serverCertificate.toPem()},
-        {"server.key", identity->serverKey.toPem()}};
-    for (const auto &[name, pem] : files) {
-        QFile file(folder + u'/' + name);
-        if (!QDir().mkpath(folder) || !file.open(QIODevice::WriteOnly) ||
-            file.write(pem) != pem.size())
-            return fail("Ecriture impossible dans " + folder + ".");
-    }
-    return 0;
 }
 
 int sync(const QStringList &args) {
@@ -88,10 +67,7 @@ int sync(const QStringList &args) {
 int main(int argc, char **argv) {
     QCoreApplication app(argc, argv);
     const QStringList args = app.arguments().mid(1);
-    if (args.size() == 2 && args[0] == u"certificates")
-        return makeCertificates(args[1]);
     if (args.size() == 5 && (args[0] == u"push" || args[0] == u"pull"))
         return sync(args);
-    return fail("usage : velino_desktop_sync_helper certificates DOSSIER | "
-                "push|pull ADRESSE CA CODE DOSSIER");
+    return fail("usage : velino_desktop_sync_helper push|pull ADRESSE CA CODE DOSSIER");
 }

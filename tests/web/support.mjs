@@ -14,10 +14,13 @@ const serverBinary = process.env.VELINO_SYNC_SERVER || path.join(buildDir, 'src/
 const helperBinary = process.env.VELINO_DESKTOP_SYNC_HELPER || path.join(buildDir, 'tests/velino_desktop_sync_helper');
 const offscreen = { ...process.env, QT_QPA_PLATFORM: 'offscreen', TZ: process.env.TZ || 'Europe/Paris' };
 
-// A folder with the authority and the server's certificate for 127.0.0.1, and the phone.
+// A folder with a new authority and the server's certificate for 127.0.0.1, and the phone.
 export async function setUp() {
   const dir = mkdtempSync(path.join(tmpdir(), 'velino-web-'));
-  await run(helperBinary, ['certificates', dir], { env: offscreen });
+  const req = 'req -x509 -config /dev/null -days 2 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -addext';
+  for (const step of [`basicConstraints=critical,CA:TRUE -subj /CN=VelinoWebCA-${Date.now()} -keyout ca.key -out ca.crt`,
+    'subjectAltName=IP:127.0.0.1 -subj /CN=127.0.0.1 -CA ca.crt -CAkey ca.key -keyout server.key -out server.crt'])
+    await run('openssl', `${req} ${step}`.split(' '), { cwd: dir });
   const browser = await chromium.launch({ executablePath: process.env.VELINO_CHROMIUM || '/usr/bin/chromium' });
   const context = await browser.newContext({
     viewport: { width: 390, height: 844 }, deviceScaleFactor: 2, isMobile: true, hasTouch: true, locale: 'fr-FR',
