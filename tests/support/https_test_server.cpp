@@ -36,18 +36,15 @@ std::optional<TestTlsIdentity> TestTlsIdentity::generate(QString *error) {
             return std::nullopt;
         }
     }
-    const auto read = [&](const char *name) {
-        QFile file(folder.filePath(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    };
-    TestTlsIdentity identity{QSslCertificate(read("ca.crt")), QSslCertificate(read("server.crt")),
-                             QSslKey(read("server.key"), QSsl::Ec)};
-    if (identity.caCertificate.isNull() || identity.serverCertificate.isNull() ||
-        identity.serverKey.isNull()) {
-        *error = "the generated certificates or key cannot be read";
-        return std::nullopt;
-    }
-    return identity;
+    QFile key(folder.filePath("server.key"));
+    TestTlsIdentity identity{QSslCertificate::fromPath(folder.filePath("ca.crt")).value(0),
+                             QSslCertificate::fromPath(folder.filePath("server.crt")).value(0),
+                             QSslKey(key.open(QIODevice::ReadOnly) ? key.readAll() : "", QSsl::Ec)};
+    if (!identity.caCertificate.isNull() && !identity.serverCertificate.isNull() &&
+        !identity.serverKey.isNull())
+        return identity;
+    *error = "the generated certificates or key cannot be read";
+    return std::nullopt;
 }
 
 HttpsTestServer::HttpsTestServer(const TestTlsIdentity &identity, QObject *parent)
