@@ -159,8 +159,7 @@ def check_preview(frame, record):
     is_document = lambda n: n.role.startswith("document") and n.accessible.childCount > 0  # noqa: E731
     if (doc := wait_for(lambda: find(walk(frame), is_document), 15, 0.5)) is None:
         return fail("preview", "no e-mail document with content in the tree")
-    for role, name in [("heading", record["mailTitle"]), ("paragraph", None),
-                       ("link", record["ctaLabel"]), ("image", record["businessName"])]:
+    for role, name in [("heading", record["mailTitle"]), ("paragraph", None), ("link", record["ctaLabel"]), ("image", record["businessName"])]:
         if not find(walk(doc.accessible, doc.path), lambda n: n.role == role and name in (None, n.name)):
             fail("preview", "%s: no %s named %r" % (doc.path, role, name))
 
