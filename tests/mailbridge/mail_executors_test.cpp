@@ -144,7 +144,7 @@ TEST_F(AppleMail, FindsLaunchesAndRunsThroughSystemTools) {
     for (const Call &call : launcher.calls)
         calls << (call.detached ? "detached " : "") + call.program + " " +
                      call.arguments.mid(0, 3).join(u' ');
-    EXPECT_EQ(calls,
+    ASSERT_EQ(calls,
               (QStringList{"/usr/bin/osascript -l JavaScript -e",
                            "detached /usr/bin/open -b com.apple.mail", "/usr/bin/osascript -"}));
     EXPECT_TRUE(launcher.calls[0].arguments.value(3).contains("'com.apple.mail'"));
