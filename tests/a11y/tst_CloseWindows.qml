@@ -3,9 +3,9 @@ import QtTest
 import Velino
 import VelinoTest
 
-// Closing windows while an AT-SPI client listens (run by atspi_session.py, accessibility
-// forced on): each close leaves the program running, and a subject typed just before the
-// close (well within the store's save debounce) is what the next window shows.
+// Closing windows while an AT-SPI client listens (run by atspi_session.py): each close leaves
+// the program running, and a subject typed just before the close (well within the store's save
+// debounce) is what the next window shows.
 Item {
     width: 200
     height: 200
@@ -25,7 +25,6 @@ Item {
             return w
         }
 
-        // Unlocks `w` and types `text` as the new subject.
         function typeSubject(w, text) {
             w.lockState.password = "Falcon77!"
             w.lockState.unlock()
@@ -34,24 +33,21 @@ Item {
             subject.forceActiveFocus()
             subject.clear()
             TestSupport.typeText(w, text)
-            // With a client listening, Qt hands each key to the bus first and delivers it
-            // once answered: the text arrives after typeText() returns.
+            // With a client listening, each key goes to the bus first: it arrives later.
             tryCompare(subject, "text", text, 5000)
         }
 
-        // As the window manager's close button does; waits for the destruction to run.
         function closeWindow(w) {
             const count = AppShell.windowCount
             w.close()
             tryCompare(AppShell, "windowCount", count - 1)
-            wait(100)
+            wait(100) // the destruction runs
         }
 
         function test_closes_data() {
-            return [{ tag: "only window, locked", windows: 1, unlock: false },
-                    { tag: "only window, unlocked, edited", windows: 1, unlock: true },
-                    { tag: "second window, locked", windows: 2, unlock: false },
-                    { tag: "second window, unlocked, edited", windows: 2, unlock: true }]
+            return [[1, false], [1, true], [2, false], [2, true]].map(([windows, unlock]) => ({
+                tag: (windows === 2 ? "second window" : "only window") + (unlock ? ", edited" : ", locked"),
+                windows: windows, unlock: unlock }))
         }
 
         // 5 rounds of each case: 20 closes of the window under test.

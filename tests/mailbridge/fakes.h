@@ -37,8 +37,7 @@ public:
     }
 };
 
-inline ProgramLauncher::Result exited(int code, const QByteArray &out = {},
-                                      const QByteArray &err = {}) {
+inline ProgramLauncher::Result exited(int code, QByteArray out = {}, QByteArray err = {}) {
     return {true, code, out, err};
 }
 
@@ -64,10 +63,9 @@ public:
 class FakeOpener final : public UrlOpener {
 public:
     QList<QUrl> opened;
-    bool accepts = true;
     bool openUrl(const QUrl &url) override {
         opened.append(url);
-        return accepts;
+        return true;
     }
 };
 

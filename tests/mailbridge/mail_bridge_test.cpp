@@ -12,8 +12,8 @@ using namespace velino::test;
 TEST(MailDraftScript, FixedTextWithBase64ValuesOnly) {
     QString expected = mailDraftScript({}, {}, {}, {});
     for (const char *part :
-         {"set theSubject to decodeBase64(\"\")\nset theRecipient to decodeBase64(\"\")\n"
-          "set theSender to decodeBase64(\"\")\nset theHTML to decodeBase64(\"\")\n",
+         {"set theSubject to decodeBase64(\"\")\nset theRecipient to decodeBase64("
+          "\"\")\nset theSender to decodeBase64(\"\")\nset theHTML to decodeBase64(\"\")\n",
           "subject:theSubject}", "{address:theRecipient}", "set sender to theSender",
           "set html content to theHTML"})
         EXPECT_TRUE(expected.contains(part)) << part;
@@ -44,12 +44,9 @@ TEST(MailBridge, FallbackLinkEncodesTheSubjectButNotTheAddress) {
                       .toString(QUrl::FullyEncoded),
                   link);
 
+    // Even a tolerant parser refuses an unclosed bracket in what it reads as a host name; the
+    // platform never sees it. The store's mail draft tests open the valid links.
     FakePlatform linux(MailPlatform::Linux);
-    EXPECT_TRUE(linux.bridge.openFallbackMailURL(" x@y.z ", " Devis "));
-    linux.opener.accepts = false;
-    EXPECT_FALSE(linux.bridge.openFallbackMailURL("x@y.z", ""));
-    // Even a tolerant parser refuses an unclosed bracket in what it reads as a host name.
     EXPECT_FALSE(linux.bridge.openFallbackMailURL("//[x", ""));
-    ASSERT_EQ(linux.opener.opened.size(), 2); // the invalid link never reaches the platform
-    EXPECT_EQ(linux.opener.opened[0].toString(QUrl::FullyEncoded), "mailto:x@y.z?subject=Devis");
+    EXPECT_TRUE(linux.opener.opened.isEmpty());
 }

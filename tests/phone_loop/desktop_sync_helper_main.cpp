@@ -1,7 +1,6 @@
 // The desktop's side of the phone page's browser tests: the real ComposerStore and
-// velino-sync-server. "certificates DIR" writes ca.crt, server.crt and server.key for
-// 127.0.0.1; "push|pull ENDPOINT CA_FILE CODE STATE_DIR" sends the default record or fetches
-// and prints {"activePreset", "record", "html", "syncStatus"}. Failures exit 1 with the text.
+// velino-sync-server. "push|pull ENDPOINT CA_FILE CODE STATE_DIR" sends the default record or
+// fetches and prints {"activePreset", "record", "html"}. Failures exit 1 with the text.
 
 #include "composer_store.h"
 #include "https_test_server.h"
@@ -9,8 +8,6 @@
 #include "qt_state_storage.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -30,29 +27,11 @@ int fail(const QString &message) {
     return 1;
 }
 
-int makeCertificates(const QString &folder) {
-    QString error;
-    const auto identity = test::TestTlsIdentity::generate(&error);
-    if (!identity)
-        return fail(error);
-    const std::pair<QString, QByteArray> files[] = {
-        {"ca.crt", identity->caCertificate.toPem()},
-        {"server.crt", identity->serverCertificate.toPem()},
-        {"server.key", identity->serverKey.toPem()}};
-    for (const auto &[name, pem] : files) {
-        QFile file(folder + u'/' + name);
-        if (!QDir().mkpath(folder) || !file.open(QIODevice::WriteOnly) ||
-            file.write(pem) != pem.size())
-            return fail(QStringLiteral("Ecriture impossible dans %1.").arg(folder));
-    }
-    return 0;
-}
-
 int sync(const QStringList &args) {
     const bool push = args[0] == u"push";
     const QList<QSslCertificate> authorities = QSslCertificate::fromPath(args[2]);
     if (authorities.isEmpty())
-        return fail(QStringLiteral("Certificat d'autorite illisible : %1.").arg(args[2]));
+        return fail("Certificat d'autorite illisible : " + args[2] + ".");
     StoreServices services = StoreServices::qtDefaults();
     services.storage = std::make_shared<QtStateStorage>(
         StateFiles::inFolders(args[4] + "/config", args[4] + "/data"));
@@ -74,13 +53,12 @@ int sync(const QStringList &args) {
     if (!store.syncStatus().startsWith(push ? "Brouillon envoye vers l'iPhone"
                                             : "Brouillon recupere"))
         return fail(store.syncStatus());
-    if (!push) {
-        const QJsonObject out{{"activePreset", presetId(store.activePreset())},
-                              {"record", store.data().toJson()},
-                              {"html", store.generatedHTML()},
-                              {"syncStatus", store.syncStatus()}};
-        std::puts(QJsonDocument(out).toJson(QJsonDocument::Compact).constData());
-    }
+    if (!push)
+        std::puts(QJsonDocument(QJsonObject{{"activePreset", presetId(store.activePreset())},
+                                            {"record", store.data().toJson()},
+                                            {"html", store.generatedHTML()}})
+                      .toJson(QJsonDocument::Compact)
+                      .constData());
     return 0;
 }
 
@@ -89,10 +67,7 @@ int sync(const QStringList &args) {
 int main(int argc, char **argv) {
     QCoreApplication app(argc, argv);
     const QStringList args = app.arguments().mid(1);
-    if (args.size() == 2 && args[0] == u"certificates")
-        return makeCertificates(args[1]);
     if (args.size() == 5 && (args[0] == u"push" || args[0] == u"pull"))
         return sync(args);
-    return fail("usage : velino_desktop_sync_helper certificates DOSSIER | "
-                "push|pull ADRESSE CA CODE DOSSIER");
+    return fail("usage : velino_desktop_sync_helper push|pull ADRESSE CA CODE DOSSIER");
 }

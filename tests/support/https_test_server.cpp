@@ -6,70 +6,45 @@
 #include <QSslConfiguration>
 #include <QSslServer>
 #include <QSslSocket>
-#include <QStandardPaths>
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <QtCore/qtestsupport_core.h>
 
 namespace velino::test {
-namespace {
-
-// The authority and the server certificate, each with a random name or serial so that no
-// two runs share an authority.
-QByteArray opensslConfig() {
-    const QByteArray tag = QByteArray::number(QRandomGenerator::global()->generate64(), 16);
-    return "[req]\ndistinguished_name = dn\nprompt = no\n[dn]\nCN = Velino Test CA " + tag +
-           "\n[v3_ca]\nbasicConstraints = critical, CA:TRUE\n"
-           "keyUsage = critical, keyCertSign, cRLSign\nsubjectKeyIdentifier = hash\n"
-           "[v3_server]\nbasicConstraints = critical, CA:FALSE\n"
-           "keyUsage = critical, digitalSignature, keyEncipherment\n"
-           "extendedKeyUsage = serverAuth\nsubjectAltName = IP:127.0.0.1\n"
-           "subjectKeyIdentifier = hash\nauthorityKeyIdentifier = keyid\n";
-}
-
-} // namespace
 
 std::optional<TestTlsIdentity> TestTlsIdentity::generate(QString *error) {
-    const QString openssl = QStandardPaths::findExecutable("openssl");
     QTemporaryDir folder;
-    QFile config(folder.filePath("openssl.cnf"));
-    if (openssl.isEmpty() || !config.open(QIODevice::WriteOnly) ||
-        config.write(opensslConfig()) <= 0) {
-        *error = "openssl is not installed or its configuration cannot be written";
-        return std::nullopt;
-    }
-    config.close();
-    const QString common = "req -x509 -config openssl.cnf -days 2 -newkey ec -pkeyopt "
-                           "ec_paramgen_curve:prime256v1 -nodes ";
-    const QString serial = QString::number(QRandomGenerator::global()->generate64(), 16);
+    // A random authority name and serial: no two runs share an authority.
+    const QString common = "req -x509 -config /dev/null -days 2 -newkey ec -pkeyopt "
+                           "ec_paramgen_curve:prime256v1 -nodes -addext basicConstraints=critical,";
+    const QString random = QString::number(QRandomGenerator::global()->generate64(), 16);
     for (const QString &step :
-         {common + "-extensions v3_ca -keyout ca.key -out ca.crt",
-          common + "-subj /CN=127.0.0.1 -CA ca.crt -CAkey ca.key -set_serial 0x" + serial +
-              " -extensions v3_server -keyout server.key -out server.crt"}) {
-        const QStringList arguments = step.split(u' ');
+         {common + "CA:TRUE -addext keyUsage=critical,keyCertSign,cRLSign -subj /CN=VelinoTestCA-" +
+              random + " -keyout ca.key -out ca.crt",
+          common +
+              "CA:FALSE -addext keyUsage=critical,digitalSignature,keyEncipherment -addext "
+              "extendedKeyUsage=serverAuth -addext subjectAltName=IP:127.0.0.1 -subj "
+              "/CN=127.0.0.1 -CA ca.crt -CAkey ca.key -set_serial 0x" +
+              random + " -keyout server.key -out server.crt"}) {
         QProcess process;
         process.setWorkingDirectory(folder.path());
         process.setProcessChannelMode(QProcess::MergedChannels);
-        process.start(openssl, arguments);
+        process.start("openssl", step.split(u' '));
         if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit ||
             process.exitCode() != 0) {
-            *error = QStringLiteral("openssl %1 failed: %2")
-                         .arg(arguments.join(u' '), QString::fromLocal8Bit(process.readAll()));
+            *error = "openssl " + step + " failed: " + QString::fromLocal8Bit(process.readAll());
             return std::nullopt;
         }
     }
-    const auto read = [&](const char *name) {
-        QFile file(folder.filePath(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    };
-    TestTlsIdentity identity{QSslCertificate(read("ca.crt")), QSslCertificate(read("server.crt")),
-                             QSslKey(read("server.key"), QSsl::Ec)};
-    if (identity.caCertificate.isNull() || identity.serverCertificate.isNull() ||
-        identity.serverKey.isNull()) {
-        *error = "the generated certificates or key cannot be read";
-        return std::nullopt;
-    }
-    return identity;
+    QFile key(folder.filePath("server.key"));
+    TestTlsIdentity identity{QSslCertificate::fromPath(folder.filePath("ca.crt")).value(0),
+                             QSslCertificate::fromPath(folder.filePath("server.crt")).value(0),
+                             QSslKey(key.open(QIODevice::ReadOnly) ? key.readAll() : "", QSsl::Ec)};
+    if (!identity.caCertificate.isNull() && !identity.serverCertificate.isNull() &&
+        !identity.serverKey.isNull())
+        return identity;
+    *error = "the generated certificates or key cannot be read";
+    return std::nullopt;
 }
 
 HttpsTestServer::HttpsTestServer(const TestTlsIdentity &identity, QObject *parent)
@@ -79,15 +54,12 @@ HttpsTestServer::HttpsTestServer(const TestTlsIdentity &identity, QObject *paren
     ssl.setPrivateKey(identity.serverKey);
     ssl.setPeerVerifyMode(QSslSocket::VerifyNone);
     server_->setSslConfiguration(ssl);
-    // QSslServer queues a connection only once its handshake is over.
     connect(server_, &QTcpServer::pendingConnectionAvailable, this, &HttpsTestServer::accept);
 }
 
 HttpsTestServer::~HttpsTestServer() {
     server_->close();
-    const QList<QSslSocket *> sockets = buffers_.keys();
-    buffers_.clear();
-    for (QSslSocket *socket : sockets) {
+    for (QSslSocket *socket : std::exchange(buffers_, {}).keys()) {
         disconnect(socket, nullptr, this, nullptr);
         socket->abort();
     }
@@ -103,9 +75,7 @@ QUrl HttpsTestServer::url(const QString &path) const {
 
 void HttpsTestServer::accept() {
     while (server_->hasPendingConnections()) {
-        auto *socket = qobject_cast<QSslSocket *>(server_->nextPendingConnection());
-        if (!socket)
-            continue;
+        auto *socket = static_cast<QSslSocket *>(server_->nextPendingConnection());
         socket->setParent(this);
         buffers_.insert(socket, {});
         connect(socket, &QSslSocket::readyRead, this, [this, socket] { readFrom(socket); });
@@ -118,11 +88,9 @@ void HttpsTestServer::accept() {
 }
 
 void HttpsTestServer::readFrom(QSslSocket *socket) {
-    const auto it = buffers_.find(socket);
-    if (it == buffers_.end())
+    if (!buffers_.contains(socket))
         return;
-    QByteArray &buffer = *it;
-    buffer += socket->readAll();
+    QByteArray &buffer = buffers_[socket] += socket->readAll();
     const qsizetype headerEnd = buffer.indexOf("\r\n\r\n");
     if (headerEnd < 0)
         return;
@@ -148,14 +116,13 @@ void HttpsTestServer::answer(QSslSocket *socket, const TestHttpRequest &request)
     const TestHttpAnswer reply = handler_ ? handler_(request) : TestHttpAnswer::json(404, {});
     if (reply.silent)
         return;
-    // The reason phrase is optional in meaning; clients read the status code.
     QByteArray head = "HTTP/1.1 " + QByteArray::number(reply.status) + " Status\r\n";
     if (!reply.contentType.isEmpty())
         head += "Content-Type: " + reply.contentType + "\r\n";
     if (reply.declareLength)
         head += "Content-Length: " + QByteArray::number(reply.body.size()) + "\r\n";
     socket->write(head + "Connection: close\r\n\r\n" + reply.body);
-    socket->disconnectFromHost(); // closes once everything written has left
+    socket->disconnectFromHost();
 }
 
 quint16 closedLocalPort() {

@@ -18,8 +18,7 @@ class QSslSocket;
 
 namespace velino::test {
 
-// A new certificate authority, unknown to any other, and a server certificate for
-// IP:127.0.0.1 signed by it, made by the openssl command.
+// A new authority, unknown to any other, and a server certificate for IP:127.0.0.1 it signed.
 struct TestTlsIdentity {
     QSslCertificate caCertificate;
     QSslCertificate serverCertificate;
@@ -50,8 +49,8 @@ struct TestHttpAnswer {
     static TestHttpAnswer never() { return {200, {}, {}, true, true}; }
 };
 
-// An HTTPS/1.1 server on 127.0.0.1, on the calling thread's event loop: one request per
-// connection, answered by the handler (404 until one is set), then closed.
+// HTTPS/1.1 on 127.0.0.1, on the calling thread's event loop: one request per connection,
+// answered by the handler (404 until one is set), then closed.
 class HttpsTestServer : public QObject {
     Q_OBJECT
 
@@ -77,8 +76,7 @@ private:
     QHash<QSslSocket *, QByteArray> buffers_;
 };
 
-// A port of 127.0.0.1 on which nothing listens (bound a moment ago, then released).
-quint16 closedLocalPort();
+quint16 closedLocalPort(); // a port of 127.0.0.1 bound a moment ago, then released
 
 // Runs the event loop until done() is true or the time is over; returns done().
 bool waitUntil(const std::function<bool()> &done, std::chrono::milliseconds timeout);

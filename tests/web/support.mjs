@@ -14,11 +14,13 @@ const serverBinary = process.env.VELINO_SYNC_SERVER || path.join(buildDir, 'src/
 const helperBinary = process.env.VELINO_DESKTOP_SYNC_HELPER || path.join(buildDir, 'tests/velino_desktop_sync_helper');
 const offscreen = { ...process.env, QT_QPA_PLATFORM: 'offscreen', TZ: process.env.TZ || 'Europe/Paris' };
 
-// A folder with the authority and the server's certificate for 127.0.0.1, and the phone.
+// A folder with a new authority and the server's certificate for 127.0.0.1, and the phone.
 export async function setUp() {
   const dir = mkdtempSync(path.join(tmpdir(), 'velino-web-'));
-  await run(helperBinary, ['certificates', dir], { env: offscreen });
-  // Playwright's own switches leave out the sandbox, the background and first-run work.
+  const req = 'req -x509 -config /dev/null -days 2 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -addext';
+  for (const step of [`basicConstraints=critical,CA:TRUE -subj /CN=VelinoWebCA-${Date.now()} -keyout ca.key -out ca.crt`,
+    'subjectAltName=IP:127.0.0.1 -subj /CN=127.0.0.1 -CA ca.crt -CAkey ca.key -keyout server.key -out server.crt'])
+    await run('openssl', `${req} ${step}`.split(' '), { cwd: dir });
   const browser = await chromium.launch({ executablePath: process.env.VELINO_CHROMIUM || '/usr/bin/chromium' });
   const context = await browser.newContext({
     viewport: { width: 390, height: 844 }, deviceScaleFactor: 2, isMobile: true, hasTouch: true, locale: 'fr-FR',
@@ -36,8 +38,7 @@ export class SyncServer {
     Object.assign(this, { workspace, port: 0 });
   }
 
-  // Resolves once the server says where it listens; its errors go to the test's output.
-  async start() {
+  async start() { // resolves once the server says where it listens; its errors go to the test's output
     this.process = spawn(serverBinary, ['--listen', `127.0.0.1:${this.port}`, ...this.args], { stdio: ['ignore', 'pipe', 'inherit'] });
     this.exited = new Promise((resolve) => this.process.once('exit', resolve));
     for await (const line of createInterface({ input: this.process.stdout })) {
@@ -68,11 +69,9 @@ export const field = (page, label) => page.getByLabel(label, { exact: true });
 export const button = (page, name) => page.getByRole('button', { name, exact: true });
 const response = (page, api) => page.waitForResponse((r) => r.url().endsWith(`/api/${api}`));
 
-// A page of its own, once rendered; page.problems collects its script errors and its
-// content policy violations.
+// A page of its own, once rendered; page.problems collects script errors and content policy violations.
 export async function openPhone(context, server, query = '') {
-  const page = await context.newPage();
-  page.problems = [];
+  const page = Object.assign(await context.newPage(), { problems: [] });
   page.on('pageerror', (error) => page.problems.push(error.message));
   page.on('console', (message) => /Content Security Policy/.test(message.text())
     && message.location().url?.startsWith(server.baseUrl) && page.problems.push(message.text()));
@@ -80,8 +79,8 @@ export async function openPhone(context, server, query = '') {
   return page;
 }
 
-// Waits for the render that follows `trigger`, then for the preview (the page lays the e-mail
-// out once its frame is on screen), and returns both.
+// Waits for the render that follows `trigger`, then for the preview (laid out once its frame
+// is on screen), and returns both.
 export async function settledRender(page, trigger) {
   const [render, preview] = [response(page, 'velino-render'), response(page, 'velino-preview')];
   await trigger();
