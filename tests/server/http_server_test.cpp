@@ -11,12 +11,10 @@ namespace {
 
 constexpr qint64 kCap = 64 * 1024;
 
-std::string head(const std::string &method, const std::string &path, const std::string &extra) {
-    return method + " " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\n" + extra + "\r\n";
-}
-
 std::string putHead(const std::string &extra) {
-    return head("PUT", "/api/velino-sync", "Content-Type: application/json\r\n" + extra);
+    return "PUT /api/velino-sync HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: "
+           "application/json\r\n" +
+           extra + "\r\n";
 }
 
 std::string withLength(qint64 length) {
@@ -31,12 +29,7 @@ protected:
         config.maxBodyBytes = kCap;
         config.log = [](const std::string &) {};
         remake();
-        HttpServerOptions options;
-        options.port = 0;
-        options.plainHttp = true;
-        options.ioTimeout = options.keepAliveIdle = 1s;
-        options.threads = 8;
-        ASSERT_NO_FATAL_FAILURE(serve(options));
+        ASSERT_NO_FATAL_FAILURE(serve({"127.0.0.1", 0, {}, {}, true, 1s, 8, 1s}));
     }
 };
 
@@ -50,10 +43,8 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
     const QString malformed = QString::fromUtf8(texts::kMalformedRequest);
     const std::string large = R"({"activePreset":"rdv","pad":")" + std::string(kCap, 'x') + "\"}";
     const auto post = [](const std::string &path, const char *type, const std::string &content) {
-        return head("POST", path,
-                    "Content-Type: application/" + std::string(type) + "\r\n" +
-                        withLength(content.size())) +
-               content;
+        return "POST " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: application/" +
+               type + "\r\n" + withLength(content.size()) + "\r\n" + content;
     };
     const char *render = "/api/velino-render";
     const char *preview = "/api/velino-preview";
@@ -90,19 +81,17 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
         auto answer = connection.readAnswer(5s);
         ASSERT_TRUE(answer);
         EXPECT_EQ(answer->status, c.status) << answer->body.substr(0, 200);
-        if (!c.sentence.isEmpty()) {
-            EXPECT_EQ(errorText(answer->body), c.sentence);
-        }
+        EXPECT_TRUE(c.sentence.isEmpty() || errorText(answer->body) == c.sentence) << answer->body;
         if (c.closes) {
             EXPECT_TRUE(connection.closedWithin(5s));
             EXPECT_GE(std::chrono::steady_clock::now() - start, c.closes == 2 ? 900ms : 0ms);
         }
         if (c.policy) {
-            EXPECT_EQ(answer->headers["cache-control"], "no-store");
-            EXPECT_EQ(answer->headers["x-content-type-options"], "nosniff");
-            EXPECT_EQ(answer->headers["referrer-policy"], "no-referrer");
-            EXPECT_EQ(answer->headers["content-security-policy"].rfind(c.policy, 0), 0u)
-                << answer->headers["content-security-policy"];
+            auto &h = answer->headers;
+            EXPECT_EQ(h["cache-control"] + ' ' + h["x-content-type-options"] + ' ' +
+                          h["referrer-policy"] + ' ' +
+                          h["content-security-policy"].substr(0, strlen(c.policy)),
+                      "no-store nosniff no-referrer " + std::string(c.policy));
         }
     }
     EXPECT_EQ(store->count(), 0);
@@ -112,14 +101,12 @@ TEST_F(HttpServerTest, ChunkedBodyIsRefusedOncePastTheCap) {
     RawHttpConnection connection(server->port());
     ASSERT_TRUE(connection.send(putHead("Transfer-Encoding: chunked\r\n")));
     const std::string chunk = "10000\r\n" + std::string(0x10000, ' ') + "\r\n";
-    constexpr qint64 kSendAtMost = 32 * 1024 * 1024;
-    qint64 sent = 0;
     // The server stops reading a little past the cap; sending fails once it has closed.
-    while (sent < kSendAtMost && connection.send(chunk))
-        sent += 0x10000;
-    EXPECT_LT(sent, kSendAtMost);
-    const auto answer = connection.readAnswer(5s);
-    EXPECT_EQ(answer.value_or(RawHttpAnswer{}).status, 413);
+    int sent = 0;
+    while (sent < 512 && connection.send(chunk))
+        ++sent;
+    EXPECT_LT(sent, 512);
+    EXPECT_EQ(connection.readAnswer(5s).value_or(RawHttpAnswer{}).status, 413);
     EXPECT_EQ(store->count(), 0);
 }
 

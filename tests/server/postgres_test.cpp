@@ -5,6 +5,8 @@
 #include <QElapsedTimer>
 #include <QProcess>
 
+#include <map>
+
 using namespace velino::server;
 using namespace velino::test;
 using Status = SlotStore::Status;
@@ -21,9 +23,9 @@ public:
                         "exec cat >/dev/null"});
         while (m_output.count('\n') < 2 && m_script.waitForReadyRead(60000))
             m_output += m_script.readAllStandardOutput();
-        m_parts = m_output.split('\n').value(1).split(' ');
+        m_parts = QString::fromUtf8(m_output.split('\n').value(1)).split(u' ');
         if (started())
-            qputenv("PGPASSFILE", m_parts[2]);
+            qputenv("PGPASSFILE", m_parts[2].toUtf8());
     }
     ~PrivateCluster() {
         m_script.closeWriteChannel();
@@ -33,18 +35,15 @@ public:
 
     bool started() const { return m_parts.size() == 3; }
     QString log() { return QString::fromUtf8(m_output + m_script.readAllStandardError()); }
-    QString url() const { return QString::fromUtf8(m_parts[0]); }
+    QString url() const { return m_parts[0]; }
     bool control(const QString &action, const QString &mode = QStringLiteral("fast")) {
-        QProcess pgCtl;
-        pgCtl.start(QString::fromUtf8(m_parts[1]), {action, "-w", "-t", "60", "-m", mode});
-        return pgCtl.waitForFinished(60000) && pgCtl.exitStatus() == QProcess::NormalExit &&
-               pgCtl.exitCode() == 0;
+        return QProcess::execute(m_parts[1], {action, "-w", "-t", "60", "-m", mode}) == 0;
     }
 
 private:
     QProcess m_script;
     QByteArray m_output;
-    QList<QByteArray> m_parts;
+    QStringList m_parts;
     QByteArray m_previousPassFile = qgetenv("PGPASSFILE");
 };
 
@@ -53,21 +52,16 @@ private:
 TEST(PostgresSlotStoreTest, OpenUpgradesOlderSchemasOnceAndLeavesNewerOnesAlone) {
     SKIP_WITHOUT_TEST_CLUSTER("postgresql");
     const QByteArray versionTable = "CREATE TABLE velino_sync_schema (version integer NOT NULL);";
-    const QByteArray insert = versionTable + "INSERT INTO velino_sync_schema VALUES ";
+    const QByteArray insert = versionTable + "INSERT INTO velino_sync_schema VALUES (";
     const QByteArray current = QByteArray::number(postgresSchemaVersion());
     const QByteArray newer = QByteArray::number(postgresSchemaVersion() + 1);
     const struct {
-        const char *name;
         QByteArray setUp;
         bool opens;
     } cases[] = {
-        {"empty database", "", true},
-        {"version table without a row", versionTable, true},
-        {"version 0", insert + "(0)", true},
-        {"newer version", insert + "(" + newer + ")", false},
-    };
+        {"", true}, {versionTable, true}, {insert + "0)", true}, {insert + newer + ")", false}};
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(c.setUp.toStdString());
         ScratchStorage storage("postgresql");
         QString error = storage.error();
         ASSERT_TRUE(runSql(storage.url(), c.setUp, &error)) << error.toStdString();
@@ -81,11 +75,10 @@ TEST(PostgresSlotStoreTest, OpenUpgradesOlderSchemasOnceAndLeavesNewerOnesAlone)
             EXPECT_EQ(second->count(), 1);
         }
         EXPECT_EQ(
-            runSql(storage.url(), "SELECT string_agg(version::text, ',') FROM velino_sync_schema"),
-            c.opens ? current : newer);
-        EXPECT_EQ(runSql(storage.url(),
-                         "SELECT count(*) FROM pg_tables WHERE tablename = 'velino_sync_slots'"),
-                  QByteArray(c.opens ? "1" : "0"));
+            runSql(storage.url(),
+                   "SELECT string_agg(version::text, ',') || ' ' || (SELECT count(*) FROM "
+                   "pg_tables WHERE tablename = 'velino_sync_slots') FROM velino_sync_schema"),
+            c.opens ? current + " 1" : newer + " 0");
     }
 }
 
@@ -114,18 +107,18 @@ TEST(PostgresSlotStoreTest, ReconnectsAfterARestartAndLosesNoAcknowledgedWrite) 
     timer.start();
     EXPECT_EQ(store->put(keyOf(kWrites + 1), slotOf(kWrites + 1)), Status::Unavailable);
     EXPECT_EQ(store->get(keyOf(0), read), Status::Unavailable);
-    EXPECT_EQ(store->count(), std::nullopt);
-    EXPECT_FALSE(store->isHealthy());
+    EXPECT_FALSE(store->count() || store->isHealthy());
     EXPECT_LT(timer.elapsed(), 3000);
 
     ASSERT_TRUE(cluster.control(QStringLiteral("start")));
     EXPECT_TRUE(store->isHealthy());
     EXPECT_EQ(store->count(), kWrites + 1);
+    int lost = 0;
     for (int n = 0; n <= kWrites; ++n) {
-        ASSERT_EQ(store->get(keyOf(n), read), Status::Ok) << n;
-        EXPECT_EQ(read.payloadJson, slotOf(n).payloadJson);
-        EXPECT_EQ(read.updatedAt, slotOf(n).updatedAt);
+        lost += store->get(keyOf(n), read) != Status::Ok ||
+                read.payloadJson != slotOf(n).payloadJson || read.updatedAt != slotOf(n).updatedAt;
     }
+    EXPECT_EQ(lost, 0);
 }
 
 TEST(PostgresUrlTest, ReadsTheAcceptedForms) {
@@ -143,16 +136,12 @@ TEST(PostgresUrlTest, ReadsTheAcceptedForms) {
         QString error;
         const auto parameters = parsePostgresUrl(QString::fromUtf8(url), &error);
         ASSERT_TRUE(parameters.has_value()) << error.toStdString();
-        QMap<QByteArray, QByteArray> map;
-        for (const auto &[keyword, value] : *parameters)
-            map.insert(keyword, value);
-        EXPECT_EQ(map.value("user") + '|' + map.value("host") + '|' + map.value("port") + '|' +
-                      map.value("dbname"),
+        std::map<QByteArray, QByteArray> map(parameters->begin(), parameters->end());
+        EXPECT_EQ(map["user"] + '|' + map["host"] + '|' + map["port"] + '|' + map["dbname"],
                   expected);
         // Durable commits and bounded waits, whatever the address says.
-        EXPECT_TRUE(map.value("options").contains("synchronous_commit=on"));
-        EXPECT_EQ(map.value("connect_timeout"), "5");
-        EXPECT_FALSE(map.contains("password"));
+        EXPECT_TRUE(map["options"].contains("synchronous_commit=on") &&
+                    map["connect_timeout"] == "5" && !map.contains("password"));
     }
 }
 
@@ -182,11 +171,9 @@ TEST(PostgresUrlTest, RefusesWhatItCannotUseInFrench) {
         {"postgresql://velino@db.lan/sync?options=-c%20fsync=off",
          invalid("parametre inconnu options")},
     };
-    for (const auto &[url, expected] : cases) {
-        SCOPED_TRACE(url);
+    for (const auto &[url, expected] : cases) { // exact sentences, never repeating a secret
         QString error;
         EXPECT_FALSE(parsePostgresUrl(QString::fromUtf8(url), &error).has_value());
-        // The exact sentence, which never repeats a secret given in the address.
-        EXPECT_EQ(error, expected);
+        EXPECT_EQ(error, expected) << url;
     }
 }
