@@ -1,5 +1,5 @@
 #include "raw_http_client.h"
-#include "service_fixture.h"
+#include "server_fixtures.h"
 #include "sync_texts.h"
 
 using namespace velino;

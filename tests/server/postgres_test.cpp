@@ -1,6 +1,6 @@
 #include "postgres_schema.h"
 #include "postgres_url.h"
-#include "test_storage.h"
+#include "server_fixtures.h"
 
 #include <QElapsedTimer>
 #include <QProcess>

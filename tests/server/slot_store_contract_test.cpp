@@ -1,5 +1,5 @@
 #include "retention_sweeper.h"
-#include "test_storage.h"
+#include "server_fixtures.h"
 
 #include <QFile>
 #include <QTest>

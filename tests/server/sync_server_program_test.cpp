@@ -1,8 +1,7 @@
 #include "../store_sync/tls_store_fixture.h"
 #include "raw_http_client.h"
-#include "service_fixture.h"
+#include "server_fixtures.h"
 #include "sync_code.h"
-#include "test_storage.h"
 
 #include <QDeadlineTimer>
 #include <QFile>
@@ -16,8 +15,6 @@
 #include <mutex>
 #include <thread>
 
-#include <csignal>
-
 using namespace velino;
 using namespace velino::test;
 using namespace std::chrono_literals;
@@ -25,50 +22,41 @@ using namespace std::chrono_literals;
 namespace {
 
 // The velino-sync-server program, on a free port of 127.0.0.1 unless told --listen; its log
-// goes to a file (a pipe nobody reads would stall it once full).
-class SyncServerProcess {
-public:
-    ~SyncServerProcess() { killHard(); }
-
+// goes to a file (a pipe nobody reads would stall it once full). terminate() sends SIGTERM.
+struct SyncServerProcess : QProcess {
+    ~SyncServerProcess() override { killHard(); }
     bool start(const QStringList &arguments, QString *error) {
-        errorFile_.open();
-        process_.setStandardErrorFile(errorFile_.fileName());
-        process_.start(VELINO_SYNC_SERVER_BINARY,
-                       arguments.contains("--listen")
-                           ? arguments
-                           : arguments + QStringList{"--listen", "127.0.0.1:0"});
+        log.open();
+        setStandardErrorFile(log.fileName());
+        QProcess::start(VELINO_SYNC_SERVER_BINARY,
+                        arguments.contains("--listen")
+                            ? arguments
+                            : arguments + QStringList{"--listen", "127.0.0.1:0"});
         QDeadlineTimer deadline(15000);
-        while (!process_.canReadLine() &&
-               process_.waitForReadyRead(int(deadline.remainingTime()))) {
+        while (!canReadLine() && waitForReadyRead(int(deadline.remainingTime()))) {
         }
-        const QByteArray ready = "velino-sync-server: pret sur ",
-                         line = process_.readLine().trimmed();
-        baseUrl_ = QString::fromUtf8(line.mid(ready.size()));
+        const QByteArray ready = "velino-sync-server: pret sur ", line = readLine().trimmed();
+        baseUrl = QString::fromUtf8(line.mid(ready.size()));
         *error = QString::fromUtf8("no ready line (" + line + "): " + errorOutput());
         return line.startsWith(ready);
     }
-    QString baseUrl() const { return baseUrl_; }
-    int port() const { return QUrl(baseUrl_).port(); }
+    int port() const { return QUrl(baseUrl).port(); }
     void killHard() {
-        process_.kill(); // SIGKILL
-        process_.waitForFinished(10000);
+        kill();
+        waitForFinished(10000);
     }
-    void sendTerminate() { ::kill(pid_t(process_.processId()), SIGTERM); }
     // -1 when it does not exit normally in time.
     int waitForExit(int timeoutMs = 10000) {
-        const bool exited =
-            process_.state() == QProcess::NotRunning || process_.waitForFinished(timeoutMs);
-        return exited && process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
+        const bool exited = state() == NotRunning || waitForFinished(timeoutMs);
+        return exited && exitStatus() == NormalExit ? exitCode() : -1;
     }
     QByteArray errorOutput() {
-        QFile file(errorFile_.fileName());
+        QFile file(log.fileName());
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
-private:
-    QProcess process_;
-    QString baseUrl_;
-    QTemporaryFile errorFile_;
+    QTemporaryFile log;
+    QString baseUrl;
 };
 
 // The real program over HTTPS, its certificate trusted through the store's services only.
@@ -88,7 +76,7 @@ protected:
                                   "--tls-cert", cert, "--tls-key", key},
                                  &error))
             << error.toStdString();
-        ASSERT_TRUE(server.baseUrl().startsWith(QStringLiteral("https://127.0.0.1:")));
+        ASSERT_TRUE(server.baseUrl.startsWith(QStringLiteral("https://127.0.0.1:")));
     }
 
     // A desktop of its own that has just pushed (or pulled) `code`; its status reads `prefix`.
@@ -98,7 +86,7 @@ protected:
         StoreServices s = services();
         s.storage = std::make_shared<QtStateStorage>(
             StateFiles::inFolders(dir.filePath(name + "/config"), dir.filePath(name + "/data")));
-        s.syncEndpoint = QUrl(server.baseUrl() + QStringLiteral("/api/velino-sync"));
+        s.syncEndpoint = QUrl(server.baseUrl + QStringLiteral("/api/velino-sync"));
         s.extraSyncCaCertificates = {identity_->caCertificate};
         auto store = std::make_unique<ComposerStore>(s);
         store->setSyncCode(code);
@@ -139,7 +127,7 @@ TEST_F(HttpsProgramTest, PushedRecordIsPulledByAnotherDesktop) {
     sender.reset();
     receiver.reset();
     stranger.reset();
-    server.sendTerminate();
+    server.terminate();
     EXPECT_EQ(server.waitForExit(), 0);
     const QByteArray log = server.errorOutput();
     for (const auto &[text, logged] : {std::pair{"PUT /api/velino-sync 200 ", true},
@@ -304,7 +292,7 @@ TEST_P(ServerProcessTest, AnsweredPutsSurviveKillNineAndSigterm) {
                                 "Content-Length: " +
                                 std::to_string(body.size()) + "\r\n\r\n" + body.substr(0, 100)));
     std::this_thread::sleep_for(300ms); // the server is reading the body now
-    restarted.sendTerminate();
+    restarted.terminate();
     EXPECT_EQ(restarted.waitForExit(300), -1) << "exited with a request under way";
     ASSERT_TRUE(connection.send(body.substr(100)));
     EXPECT_EQ(connection.readAnswer(10s).value_or(RawHttpAnswer{}).status, 200);

@@ -1,7 +1,6 @@
-#include "service_fixture.h"
+#include "server_fixtures.h"
 #include "sync_code.h"
 #include "sync_texts.h"
-#include "test_storage.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -15,31 +14,26 @@ namespace {
 
 using SyncServiceTest = ServiceFixture;
 
-std::string withUpload(const std::function<void(QJsonObject &)> &change) {
-    QJsonObject upload = defaultUpload().toJson();
-    change(upload);
+// The default upload with one payload key changed; an undefined value removes it.
+std::string withPayload(const QString &key, const QJsonValue &value) {
+    QJsonObject upload = defaultUpload().toJson(), payload = upload[u"payload"].toObject();
+    if (value.isUndefined())
+        payload.remove(key);
+    else
+        payload[key] = value;
+    upload[u"payload"] = payload;
     return compactJson(upload);
-}
-
-std::string withPayload(const std::function<void(QJsonObject &)> &change) {
-    return withUpload([&](QJsonObject &upload) {
-        QJsonObject payload = upload[u"payload"].toObject();
-        change(payload);
-        upload[u"payload"] = payload;
-    });
 }
 
 // An upload whose payload carries one saved preset created at `createdAt`.
 std::string withPreset(const QString &createdAt) {
-    return withPayload([&](QJsonObject &p) {
-        CustomMailPreset preset;
-        preset.id = QUuid::createUuid();
-        preset.name = QStringLiteral("Devis ecran");
-        preset.data = MailComposerData::defaultRecord();
-        QJsonObject json = preset.toJson(TimestampForm::Iso8601);
-        json[u"createdAt"] = createdAt;
-        p[u"customPresets"] = QJsonArray{json};
-    });
+    CustomMailPreset preset;
+    preset.id = QUuid::createUuid();
+    preset.name = QStringLiteral("Devis ecran");
+    preset.data = MailComposerData::defaultRecord();
+    QJsonObject json = preset.toJson(TimestampForm::Iso8601);
+    json[u"createdAt"] = createdAt;
+    return withPayload(QStringLiteral("customPresets"), QJsonArray{json});
 }
 
 // The database keeps the payload under the hash of the code, never the code itself.
@@ -72,7 +66,6 @@ TEST_F(SyncServiceTest, PutThenGetAnswersThePayloadWithTheServerTime) {
 
 // Hostile uploads, bad lookups, wrong methods and addresses: French sentences, nothing stored.
 TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
-    using Json = QJsonObject &;
     const QString badCode = QString::fromUtf8(texts::kInvalidCode);
     const QString notAllowed = QString::fromUtf8(texts::kMethodNotAllowed);
     const std::string sync = "/api/velino-sync";
@@ -88,8 +81,8 @@ TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
         {"code of 65 characters", putRequest(uploadBody(QString(65, u'A'))), 400, badCode},
         {"lower-case code", putRequest(uploadBody(QStringLiteral("ab12-cd34ef56gh78"))), 400, badCode},
         {"accented code", putRequest(uploadBody(QStringLiteral("ÉCOLE-CD34EF56GH78"))), 400, badCode},
-        {"upload without code", putRequest(withUpload([](Json u) { u.remove(u"code"); })), 400, {}},
-        {"null payload", putRequest(withUpload([](Json u) { u[u"payload"] = QJsonValue(); })), 400, {}},
+        {"upload without code", putRequest(R"({"payload":{}})"), 400, {}},
+        {"null payload", putRequest(R"({"code":"AB12-CD34EF56GH78","payload":null})"), 400, {}},
         {"preset date with a fraction", putRequest(withPreset("2026-01-01T10:00:00.250Z")), 400, {}},
         {"body not JSON", putRequest("code=AB12-CD34EF56GH78"), 400, {}},
         {"empty body", putRequest(""), 400, {}},
@@ -113,9 +106,8 @@ TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
         {"unknown address", request("GET", "/velino.php"), 404, QString::fromUtf8(texts::kUnknownAddress)},
     };
     for (const QString &key : defaultUpload().payload.toJson().keys()) {
-        const std::string name = key.toStdString();
-        cases.push_back({"payload without " + name, putRequest(withPayload([&](Json p) { p.remove(key); })), 400, {}});
-        cases.push_back({"payload with " + name + " null", putRequest(withPayload([&](Json p) { p[key] = QJsonValue(); })), 400, {}});
+        cases.push_back({"payload without " + key.toStdString(), putRequest(withPayload(key, QJsonValue::Undefined)), 400, {}});
+        cases.push_back({"payload with null " + key.toStdString(), putRequest(withPayload(key, QJsonValue::Null)), 400, {}});
     }
     // clang-format on
     for (const auto &[what, r, status, sentence] : cases) {
