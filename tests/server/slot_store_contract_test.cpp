@@ -92,46 +92,41 @@ TEST_P(SlotStoreContract, RetentionSweeperSweepsAtStartSlotsOlderThanTheRetentio
 TEST_P(SlotStoreContract, StoresOnOneStorageActAsOneService) {
     ScratchStorage empty(GetParam());
     std::vector<std::unique_ptr<SlotStore>> stores(4);
-    std::atomic<int> opened = 0;
+    std::atomic<int> opened = 0, failures = 0, tornReads = 0;
     std::vector<std::thread> threads;
+    const auto joinAll = [&] {
+        for (std::thread &thread : threads)
+            thread.join();
+        threads.clear();
+    };
     for (auto &each : stores) {
         each = empty.makeStore();
-        threads.emplace_back([&each, &opened] { opened += each->open() ? 1 : 0; });
+        threads.emplace_back([&each, &opened] { opened += each->open(); });
     }
-    for (std::thread &thread : threads)
-        thread.join();
+    joinAll();
     ASSERT_EQ(opened, 4);
-    threads.clear();
 
-    constexpr int kWriters = 36; // 18 a store: more than its connections
-    constexpr int kWritesEach = 20;
+    constexpr int kWriters = 36, kWritesEach = 20; // 18 a store: more than its connections
     // Each payload names its writer and write: a reader can check it against the time.
     const auto write = [](int writer, int index) {
         return StoredSlot{at(writer * 1000 + index), QByteArray::number(writer * 1000 + index)};
     };
-    std::atomic<int> failures = 0, tornReads = 0;
-    std::atomic<bool> writing = true;
     for (int writer = 0; writer < kWriters; ++writer) {
         threads.emplace_back([&, writer] {
-            SlotStore &via = *stores[writer % 2];
-            for (int index = 0; index < kWritesEach; ++index) {
-                failures += via.put(keyOf(writer), write(writer, index)) != Status::Ok;
-                failures += via.put(keyOf(-1), write(writer, index)) != Status::Ok;
-            }
+            for (int index = 0; index < kWritesEach; ++index)
+                for (const QByteArray &key : {keyOf(writer), keyOf(-1)})
+                    failures += stores[writer % 2]->put(key, write(writer, index)) != Status::Ok;
         });
     }
+    std::atomic<bool> writing = true;
     std::thread reader([&] {
-        StoredSlot read;
-        while (writing) {
+        for (StoredSlot read; writing;)
             tornReads += stores[0]->get(keyOf(-1), read) == Status::Ok &&
                          read.updatedAt.toSecsSinceEpoch() != read.payloadJson.toInt();
-        }
     });
-    for (std::thread &thread : threads)
-        thread.join();
+    joinAll();
     writing = false;
     reader.join();
-
     EXPECT_EQ(std::pair(failures.load(), tornReads.load()), std::pair(0, 0));
     if (GetParam() == "postgresql") { // the two writing stores kept within 16 connections each
         const int backends = runSql(empty.url(), "SELECT count(*) FROM pg_stat_activity "
