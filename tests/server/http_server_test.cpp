@@ -46,10 +46,8 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
         return "POST " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: application/" +
                type + "\r\n" + withLength(content.size()) + "\r\n" + content;
     };
-    const char *render = "/api/velino-render";
-    const char *preview = "/api/velino-preview";
-    const char *form = "x-www-form-urlencoded";
-    const char *page = "default-src 'none'";
+    const char *render = "/api/velino-render", *preview = "/api/velino-preview";
+    const char *form = "x-www-form-urlencoded", *page = "default-src 'none'";
     const struct {
         const char *what;
         std::string bytes;
@@ -67,7 +65,6 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
         {"no request line", "GARBAGE\r\n\r\n", 400, malformed, 0, nullptr},
         {"HTTP/9.9", "PUT /api/velino-sync HTTP/9.9\r\nHost: x\r\n\r\n", 400, malformed, 0, nullptr},
         {"length not a number", "PUT /api/velino-sync HTTP/1.1\r\nContent-Length: abc\r\n\r\n", 400, malformed, 0, nullptr},
-        {"render", post(render, "json", R"({"activePreset":"rdv"})"), 200, {}, 0, page},
         {"preview", post(preview, form, "state=%7B%22activePreset%22%3A%22rdv%22%7D"), 200, {}, 0, "sandbox;"},
         {"render over the cap", post(render, "json", large), 413, tooLarge, 0, page},
         {"preview over the cap", post(preview, form, "state=" + large), 413, tooLarge, 0, page},
@@ -80,8 +77,9 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
         ASSERT_TRUE(connection.send(c.bytes));
         auto answer = connection.readAnswer(5s);
         ASSERT_TRUE(answer);
-        EXPECT_EQ(answer->status, c.status) << answer->body.substr(0, 200);
-        EXPECT_TRUE(c.sentence.isEmpty() || errorText(answer->body) == c.sentence) << answer->body;
+        EXPECT_EQ(
+            std::pair(answer->status, c.sentence.isEmpty() ? QString() : errorText(answer->body)),
+            std::pair(c.status, c.sentence));
         if (c.closes) {
             EXPECT_TRUE(connection.closedWithin(5s));
             EXPECT_GE(std::chrono::steady_clock::now() - start, c.closes == 2 ? 900ms : 0ms);

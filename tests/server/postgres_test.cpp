@@ -13,38 +13,30 @@ using Status = SlotStore::Status;
 
 namespace {
 
-// A cluster of its own, so that stopping it disturbs no other test.
-class PrivateCluster {
-public:
+// A cluster of its own (stopping it disturbs no other test): address, pg_ctl, password file.
+struct PrivateCluster {
     PrivateCluster() {
-        m_script.start(QStringLiteral(VELINO_SOURCE_DIR "/scripts/with-test-postgres"),
-                       {"sh", "-c",
-                        "echo \"$VELINO_TEST_POSTGRES_URL $VELINO_TEST_POSTGRES_CTL $PGPASSFILE\"; "
-                        "exec cat >/dev/null"});
-        while (m_output.count('\n') < 2 && m_script.waitForReadyRead(60000))
-            m_output += m_script.readAllStandardOutput();
-        m_parts = QString::fromUtf8(m_output.split('\n').value(1)).split(u' ');
-        if (started())
-            qputenv("PGPASSFILE", m_parts[2].toUtf8());
+        script.start(VELINO_SOURCE_DIR "/scripts/with-test-postgres",
+                     {"sh", "-c",
+                      "echo \"$VELINO_TEST_POSTGRES_URL $VELINO_TEST_POSTGRES_CTL $PGPASSFILE\"; "
+                      "exec cat >/dev/null"});
+        while (output.count('\n') < 2 && script.waitForReadyRead(60000))
+            output += script.readAllStandardOutput();
+        parts = QString::fromUtf8(output.split('\n').value(1)).split(u' ');
+        qputenv("PGPASSFILE", parts.value(2).toUtf8());
     }
     ~PrivateCluster() {
-        m_script.closeWriteChannel();
-        m_script.waitForFinished(60000); // the script removes the cluster
-        qputenv("PGPASSFILE", m_previousPassFile);
+        script.closeWriteChannel();
+        script.waitForFinished(60000); // the script removes the cluster
+        qputenv("PGPASSFILE", previousPassFile);
     }
-
-    bool started() const { return m_parts.size() == 3; }
-    QString log() { return QString::fromUtf8(m_output + m_script.readAllStandardError()); }
-    QString url() const { return m_parts[0]; }
     bool control(const QString &action, const QString &mode = QStringLiteral("fast")) {
-        return QProcess::execute(m_parts[1], {action, "-w", "-t", "60", "-m", mode}) == 0;
+        return QProcess::execute(parts.value(1), {action, "-w", "-t", "60", "-m", mode}) == 0;
     }
 
-private:
-    QProcess m_script;
-    QByteArray m_output;
-    QStringList m_parts;
-    QByteArray m_previousPassFile = qgetenv("PGPASSFILE");
+    QByteArray previousPassFile = qgetenv("PGPASSFILE"), output;
+    QProcess script;
+    QStringList parts;
 };
 
 } // namespace
@@ -78,10 +70,12 @@ TEST(PostgresSlotStoreTest, OpenUpgradesOlderSchemasOnceAndLeavesNewerOnesAlone)
 TEST(PostgresSlotStoreTest, ReconnectsAfterARestartAndLosesNoAcknowledgedWrite) {
     SKIP_WITHOUT_TEST_CLUSTER("postgresql");
     PrivateCluster cluster;
-    ASSERT_TRUE(cluster.started()) << cluster.log().toStdString();
-    ASSERT_TRUE(runSql(cluster.url(), "ALTER DATABASE velino_test SET synchronous_commit = off"));
+    ASSERT_EQ(cluster.parts.size(), 3)
+        << (cluster.output + cluster.script.readAllStandardError()).toStdString();
+    ASSERT_TRUE(
+        runSql(cluster.parts[0], "ALTER DATABASE velino_test SET synchronous_commit = off"));
     QString error;
-    auto store = makeSlotStore(cluster.url(), &error);
+    auto store = makeSlotStore(cluster.parts[0], &error);
     ASSERT_TRUE(store && store->open()) << error.toStdString();
     ASSERT_EQ(store->put(keyOf(0), slotOf(0)), Status::Ok);
 
