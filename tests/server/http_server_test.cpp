@@ -41,6 +41,9 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
     decodeSyncRecord<VelinoSyncUpload>(QByteArray::fromStdString(body.substr(0, 40)), &truncated);
     const QString tooLarge = QString::fromUtf8(texts::kBodyTooLarge).arg(kCap);
     const QString malformed = QString::fromUtf8(texts::kMalformedRequest);
+    std::string chunks;
+    for (int n = 0; n < 3; ++n) // the server must not wait for the last chunk
+        chunks += "8000\r\n" + std::string(0x8000, ' ') + "\r\n";
     const std::string large = R"({"activePreset":"rdv","pad":")" + std::string(kCap, 'x') + "\"}";
     const auto post = [](const std::string &path, const char *type, const std::string &content) {
         return "POST " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: application/" +
@@ -58,6 +61,7 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
     } cases[] = {
         // clang-format off
         {"declared length over the cap", putHead(withLength(kCap + 1)), 413, tooLarge, 1, nullptr},
+        {"chunks past the cap, no end", putHead("Transfer-Encoding: chunked\r\n") + chunks, 413, tooLarge, 1, nullptr},
         {"over the cap with 100-continue", putHead("Expect: 100-continue\r\n" + withLength(kCap + 1)), 413, tooLarge, 1, nullptr},
         {"body shorter than its length", putHead(withLength(body.size() + 100)) + body, 400, QString::fromUtf8(texts::kIncompleteBody), 2, nullptr},
         {"body longer than its length", putHead(withLength(40)) + body, 400, truncated, 0, nullptr},
@@ -92,19 +96,6 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
                       "no-store nosniff no-referrer " + std::string(c.policy));
         }
     }
-    EXPECT_EQ(store->count(), 0);
-}
-
-TEST_F(HttpServerTest, ChunkedBodyIsRefusedOncePastTheCap) {
-    RawHttpConnection connection(server->port());
-    ASSERT_TRUE(connection.send(putHead("Transfer-Encoding: chunked\r\n")));
-    const std::string chunk = "10000\r\n" + std::string(0x10000, ' ') + "\r\n";
-    // The server stops reading a little past the cap; sending fails once it has closed.
-    int sent = 0;
-    while (sent < 512 && connection.send(chunk))
-        ++sent;
-    EXPECT_LT(sent, 512);
-    EXPECT_EQ(connection.readAnswer(5s).value_or(RawHttpAnswer{}).status, 413);
     EXPECT_EQ(store->count(), 0);
 }
 

@@ -52,21 +52,20 @@ TEST(PostgresSlotStoreTest, OpenUpgradesOlderSchemasOnceAndLeavesNewerOnesAlone)
     for (const auto &[setUp, opens] : cases) {
         SCOPED_TRACE(setUp.toStdString());
         ScratchStorage storage("postgresql");
-        QString error = storage.error();
-        ASSERT_TRUE(runSql(storage.url(), setUp, &error)) << error.toStdString();
+        QString error = storage.error;
+        ASSERT_TRUE(runSql(storage.url, setUp, &error)) << error.toStdString();
         auto store = storage.makeStore();
         ASSERT_EQ(store->open(), opens);
         EXPECT_TRUE(!opens || store->put(keyOf(1), slotOf(1)) == Status::Ok);
         EXPECT_EQ(
-            runSql(storage.url(),
+            runSql(storage.url,
                    "SELECT string_agg(version::text, ',') || ' ' || (SELECT count(*) FROM "
                    "pg_tables WHERE tablename = 'velino_sync_slots') FROM velino_sync_schema"),
             opens ? current + " 1" : newer + " 0");
     }
 }
 
-// Calls while the database is down are unavailable at once, the first one after succeeds, and
-// every write acknowledged before a crash is kept, even if the database does not wait for disk.
+// Down: unavailable at once; back: served again, with every write acknowledged before a crash.
 TEST(PostgresSlotStoreTest, ReconnectsAfterARestartAndLosesNoAcknowledgedWrite) {
     SKIP_WITHOUT_TEST_CLUSTER("postgresql");
     PrivateCluster cluster;

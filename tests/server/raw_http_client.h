@@ -75,7 +75,6 @@ public:
                    : std::nullopt;
     }
 
-    // The stream ended (or was reset) in time.
     bool closedWithin(std::chrono::milliseconds timeout) {
         const QDeadlineTimer deadline(timeout);
         while (receive(deadline)) {

@@ -59,41 +59,35 @@ inline std::optional<QByteArray> runSql(const QString &url, const QByteArray &sq
 }
 
 // Empty storage of one engine, removed with the object; PostgreSQL in a far time zone.
-class ScratchStorage {
-public:
+struct ScratchStorage {
     explicit ScratchStorage(const std::string &engine) {
         if (engine == "sqlite") {
-            m_url = QStringLiteral("sqlite:") + m_folder.filePath(QStringLiteral("slots/sync.db"));
+            url = QStringLiteral("sqlite:") + folder.filePath(QStringLiteral("slots/sync.db"));
             return;
         }
         const QString cluster = testPostgresUrl();
         const QByteArray name = "velino_scratch_" + QUuid::createUuid().toByteArray(QUuid::Id128);
-        if (!cluster.isEmpty() && runSql(cluster, "CREATE DATABASE " + name, &m_error) &&
+        if (!cluster.isEmpty() && runSql(cluster, "CREATE DATABASE " + name, &error) &&
             runSql(cluster, "ALTER DATABASE " + name + " SET timezone = 'Pacific/Kiritimati'",
-                   &m_error)) {
-            m_databaseName = name;
+                   &error)) {
+            databaseName = name;
             const qsizetype query = cluster.indexOf(u'?');
-            m_url = cluster.left(cluster.lastIndexOf(u'/', query) + 1) + QString::fromLatin1(name) +
-                    (query < 0 ? QString() : cluster.mid(query));
+            url = cluster.left(cluster.lastIndexOf(u'/', query) + 1) + QString::fromLatin1(name) +
+                  (query < 0 ? QString() : cluster.mid(query));
         }
     }
     ~ScratchStorage() {
-        if (!m_databaseName.isEmpty())
-            runSql(testPostgresUrl(), "DROP DATABASE " + m_databaseName + " WITH (FORCE)");
+        if (!databaseName.isEmpty())
+            runSql(testPostgresUrl(), "DROP DATABASE " + databaseName + " WITH (FORCE)");
     }
-
-    QString error() const { return m_error; }
-    QString url() const { return m_url; }
     std::unique_ptr<server::SlotStore> makeStore() const {
-        QString error;
-        return server::makeSlotStore(m_url, &error);
+        QString ignored;
+        return server::makeSlotStore(url, &ignored);
     }
 
-private:
-    QTemporaryDir m_folder;
-    QByteArray m_databaseName;
-    QString m_url;
-    QString m_error;
+    QTemporaryDir folder;
+    QByteArray databaseName;
+    QString url, error;
 };
 
 inline constexpr auto kCode = "AB12-CD34EF56GH78";
@@ -115,9 +109,8 @@ inline server::HttpRequest request(const std::string &method, const std::string 
                                    const std::string &peer = "192.0.2.10") {
     return {method, path, {}, {}, body, peer};
 }
-inline server::HttpRequest putRequest(const std::string &body,
-                                      const std::string &peer = "192.0.2.10") {
-    return request("PUT", "/api/velino-sync", body, peer);
+inline server::HttpRequest putRequest(const std::string &body) {
+    return request("PUT", "/api/velino-sync", body);
 }
 inline server::HttpRequest getRequest(const std::string &code,
                                       const std::string &peer = "192.0.2.10") {

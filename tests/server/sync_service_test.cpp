@@ -111,7 +111,7 @@ TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
     EXPECT_EQ(store->count(), 0);
 }
 
-// Each step sends its request `times`; a new service whenever `perMinute` or `proxy` change.
+// Rows: requests a minute, behind a proxy, times sent, request, status (a new service on change).
 TEST_F(SyncServiceTest, CeilingsCountPerClientAddress) {
     const auto get = [](const std::string &peer, const std::string &forwardedFor = {}) {
         HttpRequest r = getRequest(kCode, peer);
@@ -122,7 +122,6 @@ TEST_F(SyncServiceTest, CeilingsCountPerClientAddress) {
     const auto render = [](const std::string &peer) {
         return request("POST", "/api/velino-render", R"({"activePreset":"devis"})", peer);
     };
-    // Requests a minute, behind a proxy, times sent, request, status of each.
     const std::tuple<int, bool, int, HttpRequest, int> steps[] = {
         // clang-format off
         {1200, false, 10, get("192.0.2.10"), 404},
