@@ -113,8 +113,12 @@ inline server::HttpRequest putRequest(const std::string &body) {
     return request("PUT", "/api/velino-sync", body);
 }
 inline server::HttpRequest getRequest(const std::string &code,
-                                      const std::string &peer = "192.0.2.10") {
-    return {"GET", "/api/velino-sync", {{"code", code}}, {}, {}, peer};
+                                      const std::string &peer = "192.0.2.10",
+                                      const std::string &forwardedFor = {}) {
+    server::HttpRequest r{"GET", "/api/velino-sync", {{"code", code}}, {}, {}, peer};
+    if (!forwardedFor.empty())
+        r.headers["x-forwarded-for"] = forwardedFor;
+    return r;
 }
 
 inline QString errorText(const std::string &body) {
