@@ -3,7 +3,6 @@
 #include "server_fixtures.h"
 #include "sync_code.h"
 
-#include <QDeadlineTimer>
 #include <QFile>
 #include <QProcess>
 #include <QRandomGenerator>
@@ -31,8 +30,7 @@ struct SyncServerProcess : QProcess {
                         arguments.contains("--listen")
                             ? arguments
                             : arguments + QStringList{"--listen", "127.0.0.1:0"});
-        QDeadlineTimer deadline(15000);
-        while (!canReadLine() && waitForReadyRead(int(deadline.remainingTime()))) {
+        while (!canReadLine() && waitForReadyRead(15000)) {
         }
         const QByteArray ready = "velino-sync-server: pret sur ", line = readLine().trimmed();
         baseUrl = QString::fromUtf8(line.mid(ready.size()));

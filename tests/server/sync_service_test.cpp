@@ -112,27 +112,24 @@ TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
 
 // Rows: requests a minute, behind a proxy, times sent, request, status (a new service on change).
 TEST_F(SyncServiceTest, CeilingsCountPerClientAddress) {
-    const auto get = [](auto... peerAndForwardedFor) {
-        return getRequest(kCode, peerAndForwardedFor...);
-    };
     const auto render = [](const std::string &peer) {
         return request("POST", "/api/velino-render", R"({"activePreset":"devis"})", peer);
     };
     const std::tuple<int, bool, int, HttpRequest, int> steps[] = {
         // clang-format off
-        {1200, false, 10, get("192.0.2.10"), 404},
-        {1200, false, 1, get("192.0.2.10", "192.0.2.99"), 429}, // an untrusted claim
-        {1200, false, 1, get("192.0.2.99"), 404},
+        {1200, false, 10, getRequest(kCode, "192.0.2.10"), 404},
+        {1200, false, 1, getRequest(kCode, "192.0.2.10", "192.0.2.99"), 429}, // an untrusted claim
+        {1200, false, 1, getRequest(kCode, "192.0.2.99"), 404},
         {1200, false, 1, putRequest(uploadBody(QStringLiteral("PUT-CODE-0000-0000"))), 200},
-        {1200, true, 10, get("10.0.0.1", "198.51.100.7"), 404},
-        {1200, true, 1, get("10.0.0.1", "203.0.113.9, 198.51.100.7"), 429}, // what the proxy saw
-        {1200, true, 1, get("10.0.0.1", "198.51.100.8"), 404},
-        {1200, true, 10, get("10.0.0.2"), 404}, // no header: the peer itself
-        {1200, true, 1, get("10.0.0.2"), 429},
-        {5, false, 5, get("192.0.2.10"), 404},
-        {5, false, 1, get("192.0.2.10"), 429},
+        {1200, true, 10, getRequest(kCode, "10.0.0.1", "198.51.100.7"), 404},
+        {1200, true, 1, getRequest(kCode, "10.0.0.1", "203.0.113.9, 198.51.100.7"), 429}, // what the proxy saw
+        {1200, true, 1, getRequest(kCode, "10.0.0.1", "198.51.100.8"), 404},
+        {1200, true, 10, getRequest(kCode, "10.0.0.2"), 404}, // no header: the peer itself
+        {1200, true, 1, getRequest(kCode, "10.0.0.2"), 429},
+        {5, false, 5, getRequest(kCode, "192.0.2.10"), 404},
+        {5, false, 1, getRequest(kCode, "192.0.2.10"), 429},
         {3, false, 1, render("192.0.2.10"), 200},
-        {3, false, 1, get("192.0.2.10"), 404},
+        {3, false, 1, getRequest(kCode, "192.0.2.10"), 404},
         {3, false, 1, render("192.0.2.10"), 200},
         {3, false, 1, render("192.0.2.10"), 429},
         {3, false, 1, render("192.0.2.11"), 200},
