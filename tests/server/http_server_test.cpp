@@ -1,5 +1,5 @@
 #include "raw_http_client.h"
-#include "service_fixture.h"
+#include "server_fixtures.h"
 #include "sync_texts.h"
 
 using namespace velino;
@@ -11,12 +11,10 @@ namespace {
 
 constexpr qint64 kCap = 64 * 1024;
 
-std::string head(const std::string &method, const std::string &path, const std::string &extra) {
-    return method + " " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\n" + extra + "\r\n";
-}
-
 std::string putHead(const std::string &extra) {
-    return head("PUT", "/api/velino-sync", "Content-Type: application/json\r\n" + extra);
+    return "PUT /api/velino-sync HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: "
+           "application/json\r\n" +
+           extra + "\r\n";
 }
 
 std::string withLength(qint64 length) {
@@ -31,12 +29,7 @@ protected:
         config.maxBodyBytes = kCap;
         config.log = [](const std::string &) {};
         remake();
-        HttpServerOptions options;
-        options.port = 0;
-        options.plainHttp = true;
-        options.ioTimeout = options.keepAliveIdle = 1s;
-        options.threads = 8;
-        ASSERT_NO_FATAL_FAILURE(serve(options));
+        ASSERT_NO_FATAL_FAILURE(serve({"127.0.0.1", 0, {}, {}, true, 1s, 8, 1s}));
     }
 };
 
@@ -48,17 +41,16 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
     decodeSyncRecord<VelinoSyncUpload>(QByteArray::fromStdString(body.substr(0, 40)), &truncated);
     const QString tooLarge = QString::fromUtf8(texts::kBodyTooLarge).arg(kCap);
     const QString malformed = QString::fromUtf8(texts::kMalformedRequest);
+    std::string chunks;
+    for (int n = 0; n < 3; ++n) // the server must not wait for the last chunk
+        chunks += "8000\r\n" + std::string(0x8000, ' ') + "\r\n";
     const std::string large = R"({"activePreset":"rdv","pad":")" + std::string(kCap, 'x') + "\"}";
     const auto post = [](const std::string &path, const char *type, const std::string &content) {
-        return head("POST", path,
-                    "Content-Type: application/" + std::string(type) + "\r\n" +
-                        withLength(content.size())) +
-               content;
+        return "POST " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: application/" +
+               type + "\r\n" + withLength(content.size()) + "\r\n" + content;
     };
-    const char *render = "/api/velino-render";
-    const char *preview = "/api/velino-preview";
-    const char *form = "x-www-form-urlencoded";
-    const char *page = "default-src 'none'";
+    const char *render = "/api/velino-render", *preview = "/api/velino-preview";
+    const char *form = "x-www-form-urlencoded", *page = "default-src 'none'";
     const struct {
         const char *what;
         std::string bytes;
@@ -69,6 +61,7 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
     } cases[] = {
         // clang-format off
         {"declared length over the cap", putHead(withLength(kCap + 1)), 413, tooLarge, 1, nullptr},
+        {"chunks past the cap, no end", putHead("Transfer-Encoding: chunked\r\n") + chunks, 413, tooLarge, 1, nullptr},
         {"over the cap with 100-continue", putHead("Expect: 100-continue\r\n" + withLength(kCap + 1)), 413, tooLarge, 1, nullptr},
         {"body shorter than its length", putHead(withLength(body.size() + 100)) + body, 400, QString::fromUtf8(texts::kIncompleteBody), 2, nullptr},
         {"body longer than its length", putHead(withLength(40)) + body, 400, truncated, 0, nullptr},
@@ -76,7 +69,6 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
         {"no request line", "GARBAGE\r\n\r\n", 400, malformed, 0, nullptr},
         {"HTTP/9.9", "PUT /api/velino-sync HTTP/9.9\r\nHost: x\r\n\r\n", 400, malformed, 0, nullptr},
         {"length not a number", "PUT /api/velino-sync HTTP/1.1\r\nContent-Length: abc\r\n\r\n", 400, malformed, 0, nullptr},
-        {"render", post(render, "json", R"({"activePreset":"rdv"})"), 200, {}, 0, page},
         {"preview", post(preview, form, "state=%7B%22activePreset%22%3A%22rdv%22%7D"), 200, {}, 0, "sandbox;"},
         {"render over the cap", post(render, "json", large), 413, tooLarge, 0, page},
         {"preview over the cap", post(preview, form, "state=" + large), 413, tooLarge, 0, page},
@@ -89,37 +81,21 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
         ASSERT_TRUE(connection.send(c.bytes));
         auto answer = connection.readAnswer(5s);
         ASSERT_TRUE(answer);
-        EXPECT_EQ(answer->status, c.status) << answer->body.substr(0, 200);
-        if (!c.sentence.isEmpty()) {
-            EXPECT_EQ(errorText(answer->body), c.sentence);
-        }
+        EXPECT_EQ(
+            std::pair(answer->status, c.sentence.isEmpty() ? QString() : errorText(answer->body)),
+            std::pair(c.status, c.sentence));
         if (c.closes) {
             EXPECT_TRUE(connection.closedWithin(5s));
             EXPECT_GE(std::chrono::steady_clock::now() - start, c.closes == 2 ? 900ms : 0ms);
         }
         if (c.policy) {
-            EXPECT_EQ(answer->headers["cache-control"], "no-store");
-            EXPECT_EQ(answer->headers["x-content-type-options"], "nosniff");
-            EXPECT_EQ(answer->headers["referrer-policy"], "no-referrer");
-            EXPECT_EQ(answer->headers["content-security-policy"].rfind(c.policy, 0), 0u)
-                << answer->headers["content-security-policy"];
+            auto &h = answer->headers;
+            EXPECT_EQ(h["cache-control"] + ' ' + h["x-content-type-options"] + ' ' +
+                          h["referrer-policy"] + ' ' +
+                          h["content-security-policy"].substr(0, strlen(c.policy)),
+                      "no-store nosniff no-referrer " + std::string(c.policy));
         }
     }
-    EXPECT_EQ(store->count(), 0);
-}
-
-TEST_F(HttpServerTest, ChunkedBodyIsRefusedOncePastTheCap) {
-    RawHttpConnection connection(server->port());
-    ASSERT_TRUE(connection.send(putHead("Transfer-Encoding: chunked\r\n")));
-    const std::string chunk = "10000\r\n" + std::string(0x10000, ' ') + "\r\n";
-    constexpr qint64 kSendAtMost = 32 * 1024 * 1024;
-    qint64 sent = 0;
-    // The server stops reading a little past the cap; sending fails once it has closed.
-    while (sent < kSendAtMost && connection.send(chunk))
-        sent += 0x10000;
-    EXPECT_LT(sent, kSendAtMost);
-    const auto answer = connection.readAnswer(5s);
-    EXPECT_EQ(answer.value_or(RawHttpAnswer{}).status, 413);
     EXPECT_EQ(store->count(), 0);
 }
 

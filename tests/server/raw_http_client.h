@@ -21,36 +21,26 @@ struct RawHttpAnswer {
     std::string body;
 };
 
-// Sends exactly the bytes it is given: requests no HTTP library would send.
+// Sends exactly the bytes it is given to 127.0.0.1: requests no HTTP library would send.
 class RawHttpConnection {
 public:
     explicit RawHttpConnection(int port) : fd_(socket(AF_INET, SOCK_STREAM, 0)) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(uint16_t(port));
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        sockaddr_in address{AF_INET, htons(uint16_t(port)), {htonl(INADDR_LOOPBACK)}, {}};
         const int on = 1;
         setsockopt(fd_, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-        if (connect(fd_, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0) {
-            close(fd_);
-            fd_ = -1;
-        }
+        connected_ = connect(fd_, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0;
     }
-    ~RawHttpConnection() {
-        if (fd_ >= 0)
-            close(fd_);
-    }
+    ~RawHttpConnection() { close(fd_); }
     RawHttpConnection(const RawHttpConnection &) = delete;
-    RawHttpConnection &operator=(const RawHttpConnection &) = delete;
 
     bool send(const std::string &bytes) {
-        for (size_t sent = 0; sent < bytes.size();) {
+        for (size_t sent = 0; connected_ && sent < bytes.size();) {
             const ssize_t n = ::send(fd_, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
             if (n <= 0)
                 return false;
             sent += size_t(n);
         }
-        return fd_ >= 0;
+        return connected_;
     }
 
     // One answer with a Content-Length body, or nothing when the connection ends first.
@@ -66,14 +56,13 @@ public:
                 answer.headers[line.left(colon).toLower().toStdString()] =
                     line.mid(colon + 1).trimmed().toStdString();
             }
-            const qsizetype length =
-                QByteArray::fromStdString(answer.headers["content-length"]).toInt();
+            const int length = std::atoi(answer.headers["content-length"].c_str());
             if (headEnd >= 0 && buffer_.size() >= headEnd + 4 + length) {
                 answer.body = buffer_.mid(headEnd + 4, length).toStdString();
                 buffer_.remove(0, headEnd + 4 + length);
                 return answer;
             }
-            if (!receive(std::chrono::milliseconds(deadline.remainingTime())))
+            if (!receive(deadline))
                 return std::nullopt;
         }
     }
@@ -88,23 +77,24 @@ public:
 
     bool closedWithin(std::chrono::milliseconds timeout) {
         const QDeadlineTimer deadline(timeout);
-        while (receive(std::chrono::milliseconds(deadline.remainingTime()))) {
+        while (receive(deadline)) {
         }
-        return !deadline.hasExpired(); // the stream ended (or was reset) in time
+        return !deadline.hasExpired();
     }
 
 private:
-    bool receive(std::chrono::milliseconds timeout) {
+    bool receive(const QDeadlineTimer &deadline) {
         pollfd p{fd_, POLLIN, 0};
         char chunk[65536];
-        const ssize_t n = fd_ >= 0 && poll(&p, 1, int(timeout.count())) > 0
+        const ssize_t n = connected_ && poll(&p, 1, int(deadline.remainingTime())) > 0
                               ? recv(fd_, chunk, sizeof chunk, 0)
                               : 0;
         buffer_.append(chunk, n > 0 ? n : 0);
         return n > 0;
     }
 
-    int fd_ = -1;
+    int fd_;
+    bool connected_;
     QByteArray buffer_;
 };
 

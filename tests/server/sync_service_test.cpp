@@ -1,7 +1,6 @@
-#include "service_fixture.h"
+#include "server_fixtures.h"
 #include "sync_code.h"
 #include "sync_texts.h"
-#include "test_storage.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -15,50 +14,32 @@ namespace {
 
 using SyncServiceTest = ServiceFixture;
 
-std::string withUpload(const std::function<void(QJsonObject &)> &change) {
-    QJsonObject upload = defaultUpload().toJson();
-    change(upload);
-    return compactJson(upload);
-}
-
-std::string withPayload(const std::function<void(QJsonObject &)> &change) {
-    return withUpload([&](QJsonObject &upload) {
-        QJsonObject payload = upload[u"payload"].toObject();
-        change(payload);
-        upload[u"payload"] = payload;
-    });
-}
-
 // An upload whose payload carries one saved preset created at `createdAt`.
 std::string withPreset(const QString &createdAt) {
-    return withPayload([&](QJsonObject &p) {
-        CustomMailPreset preset;
-        preset.id = QUuid::createUuid();
-        preset.name = QStringLiteral("Devis ecran");
-        preset.data = MailComposerData::defaultRecord();
-        QJsonObject json = preset.toJson(TimestampForm::Iso8601);
-        json[u"createdAt"] = createdAt;
-        p[u"customPresets"] = QJsonArray{json};
-    });
+    CustomMailPreset preset;
+    preset.id = QUuid::createUuid();
+    preset.name = QStringLiteral("Devis ecran");
+    preset.data = MailComposerData::defaultRecord();
+    QJsonObject json = preset.toJson(TimestampForm::Iso8601), upload = defaultUpload().toJson();
+    json[u"createdAt"] = createdAt;
+    QJsonObject payload = upload[u"payload"].toObject();
+    payload[u"customPresets"] = QJsonArray{json};
+    upload[u"payload"] = payload;
+    return compactJson(upload);
 }
 
 // The database keeps the payload under the hash of the code, never the code itself.
 TEST_F(SyncServiceTest, PutThenGetAnswersThePayloadWithTheServerTime) {
-    const HttpResponse put = service->handle(putRequest(uploadBody()));
     // Whole seconds, UTC, "Z": the fraction of the server's clock is dropped.
-    EXPECT_EQ(put.body, R"({"ok":true,"updatedAt":"2026-06-05T08:15:00Z"})");
+    EXPECT_EQ(service->handle(putRequest(uploadBody())).body,
+              R"({"ok":true,"updatedAt":"2026-06-05T08:15:00Z"})");
     now = now.addSecs(60);
-    const HttpResponse get = service->handle(getRequest(kCode));
-    QString error;
-    const auto answer =
-        decodeSyncRecord<VelinoSyncDownloadResponse>(QByteArray::fromStdString(get.body), &error);
-    ASSERT_TRUE(answer) << error.toStdString() << get.body;
-    EXPECT_TRUE(answer->ok);
-    EXPECT_EQ(answer->snapshot.updatedAt, "2026-06-05T08:15:00Z");
-    EXPECT_EQ(encodeSyncRecord(answer->snapshot.payload),
-              encodeSyncRecord(defaultUpload().payload));
-    StoredSlot slot;
-    EXPECT_EQ(store->get(slotKeyOf(QString::fromLatin1(kCode)), slot), SlotStore::Status::Ok);
+    const VelinoSyncDownloadResponse expected{true,
+                                              {"2026-06-05T08:15:00Z", defaultUpload().payload}};
+    EXPECT_EQ(
+        QJsonDocument::fromJson(QByteArray::fromStdString(service->handle(getRequest(kCode)).body))
+            .object(),
+        expected.toJson());
 
     // Saved presets with whole-second dates are kept.
     ASSERT_EQ(service->handle(putRequest(withPreset("2026-01-01T10:00:00Z"))).status, 200);
@@ -77,7 +58,6 @@ TEST_F(SyncServiceTest, PutThenGetAnswersThePayloadWithTheServerTime) {
 
 // Hostile uploads, bad lookups, wrong methods and addresses: French sentences, nothing stored.
 TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
-    using Json = QJsonObject &;
     const QString badCode = QString::fromUtf8(texts::kInvalidCode);
     const QString notAllowed = QString::fromUtf8(texts::kMethodNotAllowed);
     const std::string sync = "/api/velino-sync";
@@ -86,122 +66,70 @@ TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
     const auto badRender = [](const char *reason) {
         return "Requete de rendu invalide : " + QString::fromUtf8(reason);
     };
-    QJsonObject data = MailComposerData::defaultRecord().toJson();
-    const std::string withoutPreset = R"({"data":)" + compactJson(data) + "}";
-    data.remove(u"footerNote");
-    const std::string withoutFooter =
-        R"({"activePreset":"devis","data":)" + compactJson(data) + "}";
-    data[u"footerNote"] = QJsonValue::Null;
-    const std::string nullFooter = R"({"activePreset":"devis","data":)" + compactJson(data) + "}";
     // An empty sentence stands for the desktop's own decoder's, word for word.
     // clang-format off
-    std::vector<std::tuple<std::string, HttpRequest, int, QString>> cases = {
+    const std::tuple<std::string, HttpRequest, int, QString> cases[] = {
         {"code of 15 characters", putRequest(uploadBody(QStringLiteral("AB12CD34EF56GH7"))), 400, badCode},
         {"code of 65 characters", putRequest(uploadBody(QString(65, u'A'))), 400, badCode},
         {"lower-case code", putRequest(uploadBody(QStringLiteral("ab12-cd34ef56gh78"))), 400, badCode},
         {"accented code", putRequest(uploadBody(QStringLiteral("ÉCOLE-CD34EF56GH78"))), 400, badCode},
-        {"code with a blank", putRequest(uploadBody(QStringLiteral("AB12 CD34EF56GH78"))), 400, badCode},
-        {"upload without code", putRequest(withUpload([](Json u) { u.remove(u"code"); })), 400, {}},
-        {"null payload", putRequest(withUpload([](Json u) { u[u"payload"] = QJsonValue(); })), 400, {}},
-        {"code as a number", putRequest(withUpload([](Json u) { u[u"code"] = 1234567890123456.0; })), 400, {}},
-        {"version as text", putRequest(withPayload([](Json p) { p[u"version"] = "1"; })), 400, {}},
-        {"data as an array", putRequest(withPayload([](Json p) { p[u"data"] = QJsonArray{}; })), 400, {}},
-        {"unknown preset", putRequest(withPayload([](Json p) { p[u"activePreset"] = "promo"; })), 400, {}},
-        {"data field as a number", putRequest(withPayload([](Json p) {
-             QJsonObject data = p[u"data"].toObject();
-             data[u"subject"] = 3;
-             p[u"data"] = data;
-         })), 400, {}},
+        {"upload without code", putRequest(R"({"payload":{}})"), 400, {}},
+        {"null payload", putRequest(R"({"code":"AB12-CD34EF56GH78","payload":null})"), 400, {}},
         {"preset date with a fraction", putRequest(withPreset("2026-01-01T10:00:00.250Z")), 400, {}},
         {"body not JSON", putRequest("code=AB12-CD34EF56GH78"), 400, {}},
         {"empty body", putRequest(""), 400, {}},
-        {"JSON array", putRequest("[]"), 400, {}},
-        {"8 MiB + 1 bytes", putRequest(std::string(8 * 1024 * 1024 + 1, ' ')), 413, QString::fromUtf8(texts::kBodyTooLarge).arg(8 * 1024 * 1024)},
         {"GET of a short code", getRequest("AB12CD34EF56GH7"), 400, badCode},
-        {"GET of a lower-case code", getRequest("ab12-cd34ef56gh78"), 400, badCode},
         {"GET without code", request("GET", sync), 400, badCode},
         {"GET of an unknown code", getRequest(kCode), 404, QString::fromUtf8(texts::kUnknownCode)},
         {"DELETE", request("DELETE", sync), 405, notAllowed},
         {"POST", request("POST", sync), 405, notAllowed},
-        {"HEAD", request("HEAD", sync), 405, notAllowed},
         {"PUT of the logo", request("PUT", "/photos/velino-logo.png"), 405, notAllowed},
         {"GET of a rendering", request("GET", "/api/velino-render"), 405, notAllowed},
         {"PUT of a preview", request("PUT", "/api/velino-preview"), 405, notAllowed},
         {"POST of the page", request("POST", "/velino.html"), 405, notAllowed},
         {"render of nothing", render(""), 400, badRender("JSON invalide a l'octet 0 : fin inattendue du document.")},
-        {"render of an array", render("[1,2]"), 400, badRender("JSON invalide : un objet est attendu.")},
-        {"render of a cut object", render(R"({"activePreset":"devis")"), 400, badRender("JSON invalide a l'octet 23 : objet non termine.")},
-        {"render without preset", render(withoutPreset), 400, badRender("cle manquante : activePreset.")},
+        {"render without preset", render(R"({"data":{}})"), 400, badRender("cle manquante : activePreset.")},
         {"render of preset Devis", render(R"({"activePreset":"Devis"})"), 400, badRender(R"(preset inconnu pour la cle activePreset : "Devis".)")},
-        {"render of preset 7", render(R"({"activePreset":7})"), 400, badRender("type incorrect pour la cle activePreset : texte attendu, nombre trouve.")},
         {"render applying pretty", render(R"({"activePreset":"devis","applyPreset":"pretty"})"), 400, badRender(R"(preset inconnu pour la cle applyPreset : "pretty".)")},
-        {"render of text data", render(R"({"activePreset":"devis","data":"x"})"), 400, badRender("type incorrect pour la cle data : objet attendu, texte trouve.")},
-        {"render without footer", render(withoutFooter), 400, badRender("cle manquante : data.footerNote.")},
-        {"render with a null footer", render(nullFooter), 400, badRender("valeur null pour la cle data.footerNote.")},
         {"render of Latin-1", render("{\"activePreset\":\"\xff\"}"), 400, badRender("le corps n'est pas du texte UTF-8 valide.")},
         {"preview without state", preview("other=1"), 400, badRender(R"(champ "state" manquant.)")},
         {"preview of a cut state", preview("state=%7B"), 400, badRender("JSON invalide a l'octet 1 : objet non termine.")},
         {"unknown address", request("GET", "/velino.php"), 404, QString::fromUtf8(texts::kUnknownAddress)},
     };
-    for (const QString &key : defaultUpload().payload.toJson().keys()) {
-        const std::string name = key.toStdString();
-        cases.push_back({"payload without " + name, putRequest(withPayload([&](Json p) { p.remove(key); })), 400, {}});
-        cases.push_back({"payload with " + name + " null", putRequest(withPayload([&](Json p) { p[key] = QJsonValue(); })), 400, {}});
-    }
     // clang-format on
     for (const auto &[what, r, status, sentence] : cases) {
         SCOPED_TRACE(what);
-        const HttpResponse answer = service->handle(r);
-        EXPECT_EQ(answer.status, status);
-        EXPECT_EQ(answer.contentType, "application/json");
         QString expected = sentence;
-        if (expected.isEmpty()) {
-            ASSERT_FALSE(
-                decodeSyncRecord<VelinoSyncUpload>(QByteArray::fromStdString(r.body), &expected));
-        }
+        if (expected.isEmpty())
+            decodeSyncRecord<VelinoSyncUpload>(QByteArray::fromStdString(r.body), &expected);
         EXPECT_FALSE(expected.isEmpty());
-        EXPECT_EQ(errorText(answer.body), expected);
-        if (what.starts_with("payload without ")) { // a missing key is named by its path
-            EXPECT_TRUE(expected.contains(QString::fromStdString("payload." + what.substr(16))));
-        }
+        const HttpResponse answer = service->handle(r);
+        EXPECT_EQ(std::tuple(answer.status, answer.contentType, errorText(answer.body)),
+                  std::tuple(status, std::string("application/json"), expected));
     }
     EXPECT_EQ(store->count(), 0);
 }
 
-// Each step sends its request `times`; a new service whenever `perMinute` or `proxy` change.
+// Rows: requests a minute, behind a proxy, times sent, request, status (a new service on change).
 TEST_F(SyncServiceTest, CeilingsCountPerClientAddress) {
-    const auto get = [](const std::string &peer, const std::string &forwardedFor = {}) {
-        HttpRequest r = getRequest(kCode, peer);
-        if (!forwardedFor.empty())
-            r.headers["x-forwarded-for"] = forwardedFor;
-        return r;
-    };
     const auto render = [](const std::string &peer) {
         return request("POST", "/api/velino-render", R"({"activePreset":"devis"})", peer);
     };
-    const struct {
-        int perMinute;
-        bool proxy;
-        int times;
-        HttpRequest request;
-        int status;
-    } steps[] = {
+    const std::tuple<int, bool, int, HttpRequest, int> steps[] = {
         // clang-format off
-        {1200, false, 10, get("192.0.2.10"), 404},
-        {1200, false, 1, get("192.0.2.10", "192.0.2.99"), 429}, // an untrusted claim
-        {1200, false, 1, get("192.0.2.99"), 404},
+        {1200, false, 10, getRequest(kCode, "192.0.2.10"), 404},
+        {1200, false, 1, getRequest(kCode, "192.0.2.10", "192.0.2.99"), 429}, // an untrusted claim
+        {1200, false, 1, getRequest(kCode, "192.0.2.99"), 404},
         {1200, false, 1, putRequest(uploadBody(QStringLiteral("PUT-CODE-0000-0000"))), 200},
-        {1200, true, 10, get("10.0.0.1", "198.51.100.7"), 404},
-        {1200, true, 1, get("10.0.0.1", "203.0.113.9, 198.51.100.7"), 429}, // what the proxy saw
-        {1200, true, 1, get("10.0.0.1", "198.51.100.8"), 404},
-        {1200, true, 10, get("10.0.0.2"), 404}, // no header: the peer itself
-        {1200, true, 1, get("10.0.0.2"), 429},
-        {1200, true, 1, get("10.0.0.3"), 404},
-        {5, false, 5, get("192.0.2.10"), 404},
-        {5, false, 1, get("192.0.2.10"), 429},
-        {5, false, 1, get("192.0.2.11"), 404},
+        {1200, true, 10, getRequest(kCode, "10.0.0.1", "198.51.100.7"), 404},
+        {1200, true, 1, getRequest(kCode, "10.0.0.1", "203.0.113.9, 198.51.100.7"), 429}, // what the proxy saw
+        {1200, true, 1, getRequest(kCode, "10.0.0.1", "198.51.100.8"), 404},
+        {1200, true, 10, getRequest(kCode, "10.0.0.2"), 404}, // no header: the peer itself
+        {1200, true, 1, getRequest(kCode, "10.0.0.2"), 429},
+        {5, false, 5, getRequest(kCode, "192.0.2.10"), 404},
+        {5, false, 1, getRequest(kCode, "192.0.2.10"), 429},
         {3, false, 1, render("192.0.2.10"), 200},
-        {3, false, 1, get("192.0.2.10"), 404},
+        {3, false, 1, getRequest(kCode, "192.0.2.10"), 404},
         {3, false, 1, render("192.0.2.10"), 200},
         {3, false, 1, render("192.0.2.10"), 429},
         {3, false, 1, render("192.0.2.11"), 200},
@@ -209,70 +137,55 @@ TEST_F(SyncServiceTest, CeilingsCountPerClientAddress) {
     };
     for (const auto &step : steps) {
         SCOPED_TRACE(testing::Message() << "step " << &step - steps);
-        if (step.perMinute != config.requestsPerMinute || step.proxy != config.trustProxy) {
-            config.requestsPerMinute = step.perMinute;
-            config.trustProxy = step.proxy;
+        const auto &[perMinute, proxy, times, request, status] = step;
+        if (perMinute != config.requestsPerMinute || proxy != config.trustProxy) {
+            config.requestsPerMinute = perMinute;
+            config.trustProxy = proxy;
             remake();
         }
-        for (int n = 0; n < step.times; ++n) {
-            const HttpResponse answer = service->handle(step.request);
-            EXPECT_EQ(answer.status, step.status) << n;
-            if (answer.status == 429) {
-                EXPECT_EQ(errorText(answer.body),
-                          step.perMinute > 10 ? "Trop de tentatives : reessaie dans une minute."
-                                              : "Trop de requetes : reessaie dans une minute.");
-            }
+        for (int n = 0; n < times; ++n) {
+            const HttpResponse answer = service->handle(request);
+            EXPECT_EQ(answer.status, status) << n;
+            EXPECT_TRUE(answer.status != 429 ||
+                        errorText(answer.body) ==
+                            (perMinute > 10 ? "Trop de tentatives : reessaie dans une minute."
+                                            : "Trop de requetes : reessaie dans une minute."));
         }
     }
 }
 
 // Every store call says so at once; the service answers 503, a healthy one "ok".
 TEST_F(SyncServiceTest, UnreachableStorageAnswers503AtOnce) {
-    const struct {
-        const char *what;
-        QString url;
-        const char *password;
-    } cases[] = {
-        {"sqlite under a file", "sqlite:/dev/null/sync.db", nullptr},
-        {"no postgresql server", "postgresql://velino@/sync?host=/nonexistent/velino", nullptr},
-        {"wrong postgresql password", testPostgresUrl(), "not-the-password"},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.what);
-        if (c.url.isEmpty())
-            continue; // no test cluster
-        if (c.password)
-            qputenv("PGPASSWORD", c.password);
+    // A wrong password for the test cluster (when there is one) or a file in the way.
+    for (const QString &url : {QStringLiteral("sqlite:/dev/null/sync.db"), testPostgresUrl()}) {
+        SCOPED_TRACE(url.toStdString());
+        if (url.isEmpty())
+            continue;
+        qputenv("PGPASSWORD", "not-the-password");
         QString error;
-        const auto unreachable = makeSlotStore(c.url, &error);
+        const auto unreachable = makeSlotStore(url, &error);
         ASSERT_TRUE(unreachable) << error.toStdString();
         QElapsedTimer timer;
         timer.start();
-        StoredSlot slot;
         EXPECT_FALSE(unreachable->open());
-        EXPECT_EQ(unreachable->get(keyOf(1), slot), SlotStore::Status::Unavailable);
-        EXPECT_EQ(unreachable->count(), std::nullopt);
         EXPECT_EQ(unreachable->deleteWrittenBefore(at(2)), std::nullopt);
         SyncService down(*unreachable, config);
         const HttpResponse put = down.handle(putRequest(uploadBody()));
-        EXPECT_EQ(put.status, 503);
-        EXPECT_EQ(errorText(put.body), QString::fromUtf8(texts::kStorageUnavailable));
+        EXPECT_EQ(std::pair(put.status, errorText(put.body)),
+                  std::pair(503, QString::fromUtf8(texts::kStorageUnavailable)));
         EXPECT_EQ(down.handle(getRequest(kCode)).status, 503);
         EXPECT_EQ(down.handle(request("GET", "/healthz")).status, 503);
         EXPECT_LT(timer.elapsed(), 3000);
         qunsetenv("PGPASSWORD");
     }
     const HttpResponse health = service->handle(request("GET", "/healthz"));
-    EXPECT_EQ(health.status, 200);
-    EXPECT_EQ(health.body, "ok");
+    EXPECT_EQ(std::pair(health.status, health.body), std::pair(200, std::string("ok")));
 }
 
 TEST_F(SyncServiceTest, LogoMetricsAndLogLines) {
     const HttpResponse logo = service->handle(request("GET", "/photos/velino-logo.png"));
-    EXPECT_EQ(logo.status, 200);
-    EXPECT_EQ(logo.contentType, "image/png");
-    EXPECT_EQ(logo.body, config.logoPng.toStdString());
-
+    EXPECT_EQ(std::pair(logo.contentType, logo.body),
+              std::pair(std::string("image/png"), config.logoPng.toStdString()));
     ASSERT_EQ(service->handle(putRequest(uploadBody())).status, 200);
     HttpRequest put = putRequest(uploadBody());
     put.query = {{"code", kCode}};
@@ -292,13 +205,10 @@ TEST_F(SyncServiceTest, LogoMetricsAndLogLines) {
         EXPECT_NE(metrics.find(line), std::string::npos) << line << metrics;
 
     // Log lines name the request, never the code or the payload, and cannot be forged.
-    ASSERT_EQ(logLines.size(), 3u);
-    EXPECT_EQ(logLines[0], "PUT /api/velino-sync 200 1.5ms 192.0.2.10");
-    for (const std::string &line : logLines) {
-        EXPECT_EQ(line.find('\n'), std::string::npos) << line;
-        EXPECT_EQ(line.find(kCode), std::string::npos) << line;
-        EXPECT_EQ(line.find("korvel"), std::string::npos) << line;
-    }
+    EXPECT_EQ(logLines,
+              (std::vector<std::string>{"PUT /api/velino-sync 200 1.5ms 192.0.2.10",
+                                        "GET /x?PUT?/api/velino-sync?200 404 70.0ms 192.0.2.10",
+                                        "GET /api/velino-sync 404 20000.0ms 192.0.2.10"}));
 }
 
 } // namespace

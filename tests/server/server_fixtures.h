@@ -1,0 +1,168 @@
+#pragma once
+
+#include "http_server.h"
+#include "slot_store.h"
+#include "sqlite_slot_store.h"
+#include "sync_records.h"
+#include "sync_service.h"
+
+#include <QCryptographicHash>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QTimeZone>
+#include <QUuid>
+
+#include <gtest/gtest.h>
+#include <libpq-fe.h>
+
+#include <optional>
+#include <string>
+#include <thread>
+
+namespace velino::test {
+
+inline QString testPostgresUrl() {
+    return qEnvironmentVariable("VELINO_TEST_POSTGRES_URL");
+}
+
+#define SKIP_WITHOUT_TEST_CLUSTER(engine)                                                          \
+    do {                                                                                           \
+        if (std::string(engine) == "postgresql" && velino::test::testPostgresUrl().isEmpty())      \
+            GTEST_SKIP() << "VELINO_TEST_POSTGRES_URL not set (scripts/with-test-postgres)";       \
+    } while (false)
+
+inline QByteArray keyOf(int n) {
+    return QCryptographicHash::hash(QByteArray::number(n), QCryptographicHash::Sha256);
+}
+inline QDateTime at(qint64 secondsSinceEpoch) {
+    return QDateTime::fromSecsSinceEpoch(secondsSinceEpoch, QTimeZone::utc());
+}
+inline server::StoredSlot slotOf(int n) {
+    return {at(1'700'000'000 + n), "{\"n\":" + QByteArray::number(n) + "}"};
+}
+
+// The first value of the first row (empty without a row), nothing on failure.
+inline std::optional<QByteArray> runSql(const QString &url, const QByteArray &sql,
+                                        QString *error = nullptr) {
+    pg_conn *connection = PQconnectdb(url.toUtf8().constData());
+    PGresult *result = PQexec(connection, sql.constData());
+    const ExecStatusType status = PQresultStatus(result);
+    std::optional<QByteArray> value;
+    if (status == PGRES_TUPLES_OK || status == PGRES_COMMAND_OK || status == PGRES_EMPTY_QUERY)
+        value = PQntuples(result) > 0 ? QByteArray(PQgetvalue(result, 0, 0)) : QByteArray();
+    else if (error)
+        *error = QString::fromUtf8(PQerrorMessage(connection));
+    PQclear(result);
+    PQfinish(connection);
+    return value;
+}
+
+// Empty storage of one engine, removed with the object; PostgreSQL in a far time zone.
+struct ScratchStorage {
+    explicit ScratchStorage(const std::string &engine) {
+        if (engine == "sqlite") {
+            url = QStringLiteral("sqlite:") + folder.filePath(QStringLiteral("slots/sync.db"));
+            return;
+        }
+        const QString cluster = testPostgresUrl();
+        const QByteArray name = "velino_scratch_" + QUuid::createUuid().toByteArray(QUuid::Id128);
+        if (!cluster.isEmpty() && runSql(cluster, "CREATE DATABASE " + name, &error) &&
+            runSql(cluster, "ALTER DATABASE " + name + " SET timezone = 'Pacific/Kiritimati'",
+                   &error)) {
+            databaseName = name;
+            const qsizetype query = cluster.indexOf(u'?');
+            url = cluster.left(cluster.lastIndexOf(u'/', query) + 1) + QString::fromLatin1(name) +
+                  (query < 0 ? QString() : cluster.mid(query));
+        }
+    }
+    ~ScratchStorage() {
+        if (!databaseName.isEmpty())
+            runSql(testPostgresUrl(), "DROP DATABASE " + databaseName + " WITH (FORCE)");
+    }
+    std::unique_ptr<server::SlotStore> makeStore() const {
+        QString ignored;
+        return server::makeSlotStore(url, &ignored);
+    }
+
+    QTemporaryDir folder;
+    QByteArray databaseName;
+    QString url, error;
+};
+
+inline constexpr auto kCode = "AB12-CD34EF56GH78";
+
+inline VelinoSyncUpload defaultUpload(const QString &code = QString::fromLatin1(kCode)) {
+    return VelinoSyncUpload{code, VelinoSyncPayload::forSending(PresetKind::Devis,
+                                                                MailComposerData::defaultRecord(),
+                                                                Instant{788918400})};
+}
+inline std::string uploadBody(const QString &code = QString::fromLatin1(kCode)) {
+    return encodeSyncRecord(defaultUpload(code)).toStdString();
+}
+inline std::string compactJson(const QJsonObject &object) {
+    return QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString();
+}
+
+inline server::HttpRequest request(const std::string &method, const std::string &path,
+                                   const std::string &body = {},
+                                   const std::string &peer = "192.0.2.10") {
+    return {method, path, {}, {}, body, peer};
+}
+inline server::HttpRequest putRequest(const std::string &body) {
+    return request("PUT", "/api/velino-sync", body);
+}
+inline server::HttpRequest getRequest(const std::string &code,
+                                      const std::string &peer = "192.0.2.10",
+                                      const std::string &forwardedFor = {}) {
+    server::HttpRequest r{"GET", "/api/velino-sync", {{"code", code}}, {}, {}, peer};
+    if (!forwardedFor.empty())
+        r.headers["x-forwarded-for"] = forwardedFor;
+    return r;
+}
+
+inline QString errorText(const std::string &body) {
+    QString error;
+    const auto record =
+        decodeSyncRecord<VelinoSyncErrorResponse>(QByteArray::fromStdString(body), &error);
+    return record ? record->error : QStringLiteral("(not an error record)");
+}
+
+// A service on SQLite with its clock and log in the test's hands; serve() adds the HTTP layer.
+class ServiceFixture : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(folder.isValid());
+        store = std::make_unique<server::SqliteSlotStore>(folder.filePath("sync.db"));
+        ASSERT_TRUE(store->open());
+        config.now = [this] { return now; };
+        config.log = [this](const std::string &line) { logLines.push_back(line); };
+        config.logoPng = "\x89PNG\r\n\x1a\nlogo";
+        remake();
+    }
+    void TearDown() override {
+        if (server)
+            server->stop();
+        if (runner.joinable())
+            runner.join();
+    }
+
+    void remake() { service = std::make_unique<server::SyncService>(*store, config); }
+    void serve(const server::HttpServerOptions &options) {
+        server = std::make_unique<server::HttpServer>(*service, options);
+        QString error;
+        ASSERT_TRUE(server->bind(&error)) << error.toStdString();
+        runner = std::thread([this] { server->run(); });
+    }
+
+    QTemporaryDir folder;
+    std::unique_ptr<server::SqliteSlotStore> store;
+    server::SyncServiceConfig config;
+    std::unique_ptr<server::SyncService> service;
+    QDateTime now = QDateTime(QDate(2026, 6, 5), QTime(8, 15, 0, 734), QTimeZone::utc());
+    std::vector<std::string> logLines;
+    std::unique_ptr<server::HttpServer> server;
+    std::thread runner;
+};
+
+} // namespace velino::test
