@@ -1,5 +1,6 @@
 #include "sqlite_slot_store.h"
 
+#include <QByteArray>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -11,7 +12,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <future>
+#include <thread>
 
 namespace velino::server {
 namespace {
@@ -60,6 +63,26 @@ sqlite3 *openConnection(const QString &path, int flags) {
     }
     sqlite3_busy_timeout(db, kBusyTimeoutMs);
     return db;
+}
+
+// Entering WAL mode takes a lock for which SQLite does not call the busy handler: stores
+// opening one file at the same moment get "database is locked" at once (or keep the old
+// mode). Retried until the busy timeout; the pragma answers the mode in force.
+bool enterWalMode(sqlite3 *db) {
+    const auto giveUp =
+        std::chrono::steady_clock::now() + std::chrono::milliseconds(kBusyTimeoutMs);
+    for (;;) {
+        Statement pragma(db, "PRAGMA journal_mode=WAL");
+        const int step = pragma.valid() ? sqlite3_step(pragma.get()) : SQLITE_ERROR;
+        if (step == SQLITE_ROW &&
+            qstricmp(reinterpret_cast<const char *>(sqlite3_column_text(pragma.get(), 0)), "wal") ==
+                0)
+            return true;
+        if ((step != SQLITE_ROW && (step & 0xff) != SQLITE_BUSY) ||
+            std::chrono::steady_clock::now() > giveUp)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
 }
 
 // The folder (0700 when made here) and an empty database file readable by its owner only;
@@ -157,7 +180,7 @@ bool SqliteSlotStore::open() {
         return false;
     // FULL: every commit flushes the write-ahead log, so an answered PUT survives a crash of
     // the process or of the machine.
-    if (!execute(db, "PRAGMA journal_mode=WAL") || !execute(db, "PRAGMA synchronous=FULL") ||
+    if (!enterWalMode(db) || !execute(db, "PRAGMA synchronous=FULL") ||
         !execute(db, "PRAGMA wal_autocheckpoint=0") ||
         !execute(db, "PRAGMA journal_size_limit=67108864") || !createOrUpgradeSchema(db)) {
         sqlite3_close(db);
