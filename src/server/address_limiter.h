@@ -22,8 +22,6 @@ public:
     // True when `address` has used up its events for now; counts nothing.
     bool exhausted(const std::string &address, Clock::time_point now = Clock::now());
 
-    int perMinute() const { return perMinute_; }
-
 private:
     struct Bucket {
         double tokens;

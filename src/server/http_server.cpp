@@ -56,18 +56,22 @@ HttpRequest toHttpRequest(const httplib::Request &in) {
     return out;
 }
 
-// Every answer, also the refusals made here before the service is asked, carries the
-// security headers.
-void writeAnswer(HttpResponse answer, httplib::Response &res) {
-    addSecurityHeaders(answer);
+void writeAnswer(const HttpResponse &answer, httplib::Response &res) {
     res.status = answer.status;
     for (const auto &[name, value] : answer.headers)
         res.set_header(name, value);
     res.set_content(answer.body, answer.contentType.c_str());
 }
 
-void refuseAndClose(const HttpResponse &answer, httplib::Response &res) {
+// The refusals made here, before the service is asked, carry the security headers the
+// service gives its own answers.
+void writeRefusal(HttpResponse answer, httplib::Response &res) {
+    addSecurityHeaders(answer);
     writeAnswer(answer, res);
+}
+
+void refuseAndClose(const HttpResponse &answer, httplib::Response &res) {
+    writeRefusal(answer, res);
     res.set_header("Connection", "close");
     exchange.closeAfterAnswer = true;
 }
@@ -302,7 +306,7 @@ void HttpServer::install() {
                 return httplib::Server::HandlerResponse::Unhandled;
             const QString message = QString::fromUtf8(res.status == 404 ? texts::kUnknownAddress
                                                                         : texts::kMalformedRequest);
-            writeAnswer(SyncService::errorResponse(res.status, message), res);
+            writeRefusal(SyncService::errorResponse(res.status, message), res);
             return httplib::Server::HandlerResponse::Handled;
         }));
     s.set_exception_handler([](const httplib::Request &, httplib::Response &res,

@@ -1,7 +1,9 @@
 #include "render_service.h"
 
+#include "custom_mail_preset.h"
 #include "json_reader.h"
 #include "mail_template_context.h"
+#include "record_readers.h"
 #include "rendered_mail_json.h"
 #include "sync_service.h"
 #include "web_headers.h"
@@ -12,11 +14,18 @@
 namespace velino::server {
 namespace {
 
+constexpr auto kInvalidRenderRequest = "Requete de rendu invalide : %1.";
+
+struct RenderRequest {
+    PresetKind activePreset = PresetKind::Devis;
+    MailComposerData data;
+};
+
+// The id is cut in the message: the body is the client's, of any length.
 std::optional<PresetKind> readKind(JsonReader &reader, const QString &id, QStringView key) {
     const std::optional<PresetKind> kind = presetKindFromId(id);
     if (!kind)
-        reader.fail(QStringLiteral("preset inconnu pour la cle %1 : \"%2\"")
-                        .arg(reader.pathOf(key), id.left(40)));
+        reader.fail(presetKindError(reader.pathOf(key), id.left(40)));
     return kind;
 }
 
@@ -35,8 +44,8 @@ std::optional<QByteArray> formField(const std::string &body, const QString &name
     return query.queryItemValue(name, QUrl::FullyDecoded).toUtf8();
 }
 
-} // namespace
-
+// Strict decoding of the JSON body; nothing, with the French reason in `error`, when it is
+// not such a request.
 std::optional<RenderRequest> decodeRenderRequest(const QByteArray &body, QString *error) {
     if (!body.isValidUtf8()) {
         *error = QStringLiteral("le corps n'est pas du texte UTF-8 valide");
@@ -52,18 +61,9 @@ std::optional<RenderRequest> decodeRenderRequest(const QByteArray &body, QString
         if (const auto kind = readKind(reader, active, u"activePreset"))
             request.activePreset = *kind;
     request.data = MailComposerData::defaultRecord();
-    if (reader.ok() && object->contains(QStringLiteral("data"))) {
-        QString recordError;
-        const QJsonObject data = reader.object(u"data");
-        if (reader.ok()) {
-            std::optional<MailComposerData> record =
-                MailComposerData::fromJson(data, QStringLiteral("data"), &recordError);
-            if (!record)
-                reader.fail(recordError);
-            else
-                request.data = std::move(*record);
-        }
-    }
+    if (reader.ok() && object->contains(QStringLiteral("data")))
+        if (std::optional<MailComposerData> record = readRecord(reader, u"data"))
+            request.data = std::move(*record);
     const std::optional<QString> apply = reader.optionalString(u"applyPreset");
     if (reader.ok() && apply) {
         if (const auto kind = readKind(reader, *apply, u"applyPreset")) {
@@ -75,6 +75,8 @@ std::optional<RenderRequest> decodeRenderRequest(const QByteArray &body, QString
         return std::nullopt;
     return request;
 }
+
+} // namespace
 
 HttpResponse renderAnswer(const HttpRequest &request) {
     QString error;

@@ -1,30 +1,12 @@
 #pragma once
 
 #include "http_exchange.h"
-#include "mail_composer_data.h"
-#include "preset_kind.h"
-
-#include <QByteArray>
-#include <QString>
-
-#include <optional>
 
 // The phone page's rendering: the same core functions as velino-render, so the phone shows
-// byte for byte the desktop's e-mail.
+// byte for byte the desktop's e-mail. Both take {activePreset, data?, applyPreset?}: data
+// missing gives the default record; applyPreset writes that built-in preset's texts into the
+// record, as the desktop's tiles do.
 namespace velino::server {
-
-inline constexpr auto kInvalidRenderRequest = "Requete de rendu invalide : %1.";
-
-// {activePreset, data?, applyPreset?}: data missing gives the default record; applyPreset
-// writes that built-in preset's texts into the record, as the desktop's tiles do.
-struct RenderRequest {
-    PresetKind activePreset = PresetKind::Devis;
-    MailComposerData data;
-};
-
-// Strict decoding of the JSON body; nothing, with the French reason in `error`, when it is
-// not such a request.
-std::optional<RenderRequest> decodeRenderRequest(const QByteArray &body, QString *error);
 
 // POST /api/velino-render: what `velino-render --format json` prints, plus "activePreset"
 // and "record" (the content record after the preset, if any, was applied).

@@ -18,14 +18,13 @@ RetentionSweeper::~RetentionSweeper() {
     thread_.join();
 }
 
-std::optional<qint64> RetentionSweeper::sweepOnce() {
+void RetentionSweeper::sweepOnce() {
     const QDateTime cutoff = QDateTime::currentDateTimeUtc().addDays(-retentionDays_);
     const std::optional<qint64> deleted = store_.deleteWrittenBefore(cutoff);
     if (log_) {
         log_(deleted ? "retention: " + std::to_string(*deleted) + " emplacement(s) supprime(s)"
                      : std::string("retention: stockage indisponible, nouvel essai plus tard"));
     }
-    return deleted;
 }
 
 void RetentionSweeper::run() {

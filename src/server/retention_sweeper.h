@@ -19,10 +19,8 @@ public:
                      std::function<void(const std::string &)> log);
     ~RetentionSweeper();
 
-    // One sweep now; the number deleted, or nothing when the storage did not answer.
-    std::optional<qint64> sweepOnce();
-
 private:
+    void sweepOnce();
     void run();
 
     SlotStore &store_;

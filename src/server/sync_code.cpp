@@ -1,19 +1,15 @@
 #include "sync_code.h"
 
+#include "sync_client.h"
+
 #include <QCryptographicHash>
 
 namespace velino::server {
 
 bool isWellFormedSyncCode(const QString &code) {
-    if (code.size() < 16 || code.size() > 64)
-        return false;
-    for (const QChar c : code) {
-        const char16_t u = c.unicode();
-        const bool allowed = (u >= u'A' && u <= u'Z') || (u >= u'0' && u <= u'9') || u == u'-';
-        if (!allowed)
-            return false;
-    }
-    return true;
+    // The length first: the normalisation of a long text is not worth computing.
+    return code.size() >= kSyncCodeMinLength && code.size() <= kSyncCodeMaxLength &&
+           normalizedSyncCode(code) == code;
 }
 
 QByteArray slotKeyOf(const QString &code) {

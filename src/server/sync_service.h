@@ -36,9 +36,6 @@ public:
 
     HttpResponse handle(const HttpRequest &request);
 
-    // The address the request is counted and logged under.
-    std::string clientAddressOf(const HttpRequest &request) const;
-
     // One log line (method, path without query, status, duration, client address; never a
     // code or a body) and the metrics of an answered request.
     void recordExchange(const HttpRequest &request, int status,
@@ -50,6 +47,8 @@ public:
     static HttpResponse errorResponse(int status, const QString &message);
 
 private:
+    // The address the request is counted and logged under.
+    std::string clientAddressOf(const HttpRequest &request) const;
     HttpResponse route(const HttpRequest &request);
     HttpResponse handleSync(const HttpRequest &request, const std::string &client);
     HttpResponse putSlot(const HttpRequest &request);
