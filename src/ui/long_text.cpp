@@ -8,6 +8,8 @@ namespace {
 
 constexpr qsizetype kSummaryCharacters = 160;
 
+} // namespace
+
 qsizetype utf8Size(QStringView text) {
     qsizetype bytes = 0;
     for (const QChar c : text) {
@@ -17,8 +19,6 @@ qsizetype utf8Size(QStringView text) {
     }
     return bytes;
 }
-
-} // namespace
 
 bool isLongText(QStringView text) {
     return text.size() > kLongTextCharacters;

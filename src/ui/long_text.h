@@ -13,6 +13,8 @@ namespace velino::ui {
 inline constexpr qsizetype kLongTextCharacters = 100000;
 
 bool isLongText(QStringView text);
+// The number of bytes of the text written in UTF-8, counted without writing it.
+qsizetype utf8Size(QStringView text);
 // "Texte tres long (4,0 Mo) : " followed by the first characters of the text, line breaks
 // and tabs shown as blanks, and "...".
 QString longTextSummary(QStringView text);

@@ -1,6 +1,5 @@
 #pragma once
 
-
 namespace velino::ui {
 
 // What assistive tools read of a password field (a text input whose echo mode hides its
@@ -14,6 +13,5 @@ namespace velino::ui {
 // is harmless. A masked field is named by its placeholder unless Accessible.name is set,
 // and setting it in QML makes Qt's own object first: leave it unset on password fields.
 void installMaskedTextAccessibility();
-
 
 } // namespace velino::ui

@@ -1,5 +1,6 @@
 #include "ui_helpers.h"
 
+#include "long_text.h"
 #include "preset_dates.h"
 #include "preview_mode.h"
 #include "sanitizers.h"
@@ -89,18 +90,16 @@ QString UiHelpers::shortcutText(const QVariant &shortcut) const {
     return sequence.toString(QKeySequence::NativeText);
 }
 
+qint64 UiHelpers::utf8Size(const QString &text) const {
+    return velino::ui::utf8Size(text);
+}
+
 QString UiHelpers::mailSizeText(qint64 htmlBytes) const {
     return velino::ui::mailSizeText(htmlBytes);
 }
 
 bool UiHelpers::isClippedByGmail(qint64 htmlBytes) const {
     return htmlBytes > kGmailClipBytes;
-}
-
-QString UiHelpers::previewDocument(const QString &html, int mode) const {
-    if (mode < PreviewMode::Desktop || mode > PreviewMode::NoImages)
-        return html;
-    return previewDocumentFor(html, PreviewMode::Mode(mode));
 }
 
 } // namespace velino::ui

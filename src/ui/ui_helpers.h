@@ -53,12 +53,10 @@ public:
     // key sequence text; empty for anything else.
     Q_INVOKABLE QString shortcutText(const QVariant &shortcut) const;
 
-    // The preview's size line and modes (preview_mode.h).
-    Q_INVOKABLE qint64 utf8Size(const QString &text) const { return text.toUtf8().size(); }
+    // The preview's size line (preview_mode.h).
+    Q_INVOKABLE qint64 utf8Size(const QString &text) const;
     Q_INVOKABLE QString mailSizeText(qint64 htmlBytes) const;
     Q_INVOKABLE bool isClippedByGmail(qint64 htmlBytes) const;
-    // The document the preview loads in `mode` (a PreviewMode.Mode).
-    Q_INVOKABLE QString previewDocument(const QString &html, int mode) const;
 };
 
 } // namespace velino::ui

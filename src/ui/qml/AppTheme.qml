@@ -7,6 +7,8 @@ import Velino
 // the violet accentSoft as the saturated colours besides cyan. Gradients are drawn from
 // the top-leading to the bottom-trailing corner (see Surface), stops evenly spaced.
 QtObject {
+    id: theme
+
     readonly property color accent: Qt.rgba(0.18, 0.49, 0.96, 1)
     readonly property color accentSoft: Qt.rgba(0.48, 0.36, 1.0, 1)
     readonly property color cyan: Qt.rgba(0.34, 0.76, 1.0, 1)
@@ -87,8 +89,8 @@ QtObject {
     }
     // The same, deep enough for white text at 4.5:1 (primary buttons, the active tile).
     readonly property Gradient accentFillGradient: Gradient {
-        GradientStop { position: 0.0; color: Qt.rgba(0.13, 0.42, 0.90, 1) }
-        GradientStop { position: 1.0; color: Qt.rgba(0.44, 0.32, 0.96, 1) }
+        GradientStop { position: 0.0; color: theme.accentFill }
+        GradientStop { position: 1.0; color: theme.accentSoftFill }
     }
 
     // The rounded system font of the design is not on Linux: Inter when installed, else

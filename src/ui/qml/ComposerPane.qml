@@ -45,13 +45,18 @@ Item {
     // Scrolls as little as needed for cards' range [top, bottom] to be on screen.
     function revealRange(top, bottom) {
         const flick = scroll.contentItem
-        const view = flick.height
         let y = flick.contentY
-        if (bottom > y + view)
-            y = bottom - view
+        if (bottom > y + flick.height)
+            y = bottom - flick.height
         if (top < y)
             y = top
-        flick.contentY = Math.max(0, Math.min(y, flick.contentHeight - view))
+        scrollTo(y)
+    }
+
+    // Scrolls the form to y, kept between its top and its end.
+    function scrollTo(y) {
+        const flick = scroll.contentItem
+        flick.contentY = Math.max(0, Math.min(y, flick.contentHeight - flick.height))
     }
 
     // After a deletion from the keyboard, the focus goes to the row that took the deleted
@@ -78,20 +83,18 @@ Item {
 
     function scrollBy(pages) {
         const flick = scroll.contentItem
-        flick.contentY = Math.max(0, Math.min(flick.contentY + pages * (flick.height - 48),
-                                              flick.contentHeight - flick.height))
+        scrollTo(flick.contentY + pages * (flick.height - 48))
     }
 
     Keys.onPressed: (event) => {
-        const flick = scroll.contentItem
         if (event.key === Qt.Key_PageDown)
             scrollBy(1)
         else if (event.key === Qt.Key_PageUp)
             scrollBy(-1)
         else if (event.key === Qt.Key_Home && (event.modifiers & Qt.ControlModifier))
-            flick.contentY = 0
+            scrollTo(0)
         else if (event.key === Qt.Key_End && (event.modifiers & Qt.ControlModifier))
-            flick.contentY = Math.max(0, flick.contentHeight - flick.height)
+            scrollTo(scroll.contentItem.contentHeight)
         else
             return
         event.accepted = true

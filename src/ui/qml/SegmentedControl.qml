@@ -33,6 +33,7 @@ Item {
         spacing: 2
 
         Repeater {
+            id: segments
             model: root.labels
             T.Button {
                 id: segment
@@ -85,9 +86,6 @@ Item {
         if (next === currentIndex)
             return
         chosen(next)
-        for (let i = 0; i < row.children.length; ++i) {
-            if (row.children[i].objectName === "segment." + next)
-                row.children[i].forceActiveFocus(Qt.TabFocusReason)
-        }
+        segments.itemAt(next).forceActiveFocus(Qt.TabFocusReason)
     }
 }

@@ -2,8 +2,8 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Velino
 
-// A capsule of bold text on a tinted fill: white, or dark on a light tint (cyan). Given less width than its text needs,
-// the text is shortened and shown whole in a tooltip.
+// A capsule of bold text on a tinted fill: white, or dark on a light tint (cyan). Given
+// less width than its text needs, the text is shortened and shown whole in a tooltip.
 Item {
     id: root
 
