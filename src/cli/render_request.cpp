@@ -69,7 +69,6 @@ MailComposerData decodeRenderInput(const QByteArray &bytes) {
     return *record;
 }
 
-
 QByteArray renderOutput(const RenderOptions &options, MailComposerData record) {
     if (options.repair)
         record.normalizeLegacyTextFields();

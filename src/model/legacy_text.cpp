@@ -85,9 +85,7 @@ QString normalizeLegacyText(const QString &text) {
         decoded.replace(u'+', u' ');
 
     // The former lines are in normalisation form C: compare with the key's own form C.
-    QString key = text::trimmed(decoded);
-    if (!text::isCertainlyNfc(key))
-        key = text::nfc(key);
+    const QString key = text::nfc(text::trimmed(decoded));
     for (const auto &[former, current] : legacyCopyReplacements()) {
         if (key == former)
             return current;

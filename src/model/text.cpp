@@ -20,9 +20,9 @@ QStringView trimmedViewSlow(QStringView s) {
     // one by one.
     qsizetype begin = 0;
     qsizetype end = s.size();
-    while (begin < end && isTrimmable(s[begin].unicode()))
+    while (begin < end && isWhiteSpace(s[begin].unicode()))
         ++begin;
-    while (end > begin && isTrimmable(s[end - 1].unicode()))
+    while (end > begin && isWhiteSpace(s[end - 1].unicode()))
         --end;
     return s.mid(begin, end - begin);
 }

@@ -15,15 +15,12 @@ inline bool isWhiteSpace(char32_t c) {
         return c == 0x20 || (c >= 0x09 && c <= 0x0D);
     return isWhiteSpaceBeyondAscii(c);
 }
-inline bool isTrimmable(char32_t c) {
-    return isWhiteSpace(c);
-}
 
-// Removes trimmable code points at both ends; inner characters are untouched.
+// Removes white space at both ends; inner characters are untouched.
 QStringView trimmedViewSlow(QStringView s);
 inline QStringView trimmedView(QStringView s) {
     // Most texts start and end with a visible character: nothing to remove.
-    if (s.isEmpty() || (!isTrimmable(s.front().unicode()) && !isTrimmable(s.back().unicode())))
+    if (s.isEmpty() || (!isWhiteSpace(s.front().unicode()) && !isWhiteSpace(s.back().unicode())))
         return s;
     return trimmedViewSlow(s);
 }
@@ -64,6 +61,8 @@ bool isAscii(QStringView s);
 // True when the text is known to be in normalisation form C without computing it: every
 // code point below U+0300 is its own form C.
 bool isCertainlyNfc(QStringView s);
+
+// The text in normalisation form C.
 QString nfc(const QString &s);
 
 // Canonical equivalence: equal NFC forms.

@@ -1,5 +1,7 @@
 #include "transport_failure_text.h"
 
+#include "sync_client.h"
+
 #include <algorithm>
 
 namespace velino {
@@ -40,7 +42,7 @@ QString sentenceFor(QNetworkReply::NetworkError error,
     case QNetworkReply::RemoteHostClosedError:
         return QStringLiteral("Le serveur de synchronisation a ferme la connexion.");
     case QNetworkReply::TimeoutError:
-        return QStringLiteral("Delai de synchronisation depasse : le serveur ne repond pas.");
+        return synctext::timedOut();
     case QNetworkReply::TemporaryNetworkFailureError:
     case QNetworkReply::NetworkSessionFailedError:
     case QNetworkReply::UnknownNetworkError: // among others, "Network unreachable"
