@@ -21,7 +21,6 @@ std::string withLength(qint64 length) {
     return "Content-Length: " + std::to_string(length) + "\r\n";
 }
 
-// Plain HTTP on a socket, a small body cap, clients cut after 1 s without progress.
 class HttpServerTest : public ServiceFixture {
 protected:
     void SetUp() override {
@@ -51,28 +50,37 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
     };
     const char *render = "/api/velino-render", *preview = "/api/velino-preview";
     const char *form = "x-www-form-urlencoded", *page = "default-src 'none'";
+    const std::string chunked = putHead("Transfer-Encoding: chunked\r\n") + chunks;
+    const std::string bigExpect = putHead("Expect: 100-continue\r\n" + withLength(kCap + 1));
+    const std::string shortBody = putHead(withLength(body.size() + 100)) + body;
+    const QString incomplete = QString::fromUtf8(texts::kIncompleteBody);
     const struct {
         const char *what;
         std::string bytes;
         int status;
         QString sentence;
-        int closes;
-        const char *policy;
+        int closes = 0;
+        const char *policy = nullptr;
     } cases[] = {
-        // clang-format off
-        {"declared length over the cap", putHead(withLength(kCap + 1)), 413, tooLarge, 1, nullptr},
-        {"chunks past the cap, no end", putHead("Transfer-Encoding: chunked\r\n") + chunks, 413, tooLarge, 1, nullptr},
-        {"over the cap with 100-continue", putHead("Expect: 100-continue\r\n" + withLength(kCap + 1)), 413, tooLarge, 1, nullptr},
-        {"body shorter than its length", putHead(withLength(body.size() + 100)) + body, 400, QString::fromUtf8(texts::kIncompleteBody), 2, nullptr},
-        {"body longer than its length", putHead(withLength(40)) + body, 400, truncated, 0, nullptr},
-        {"slowloris headers", "GET /healthz HTTP/1.1\r\nHost: 127.0.0.1\r\nX-Slow: ", 400, malformed, 2, nullptr},
-        {"no request line", "GARBAGE\r\n\r\n", 400, malformed, 0, nullptr},
-        {"HTTP/9.9", "PUT /api/velino-sync HTTP/9.9\r\nHost: x\r\n\r\n", 400, malformed, 0, nullptr},
-        {"length not a number", "PUT /api/velino-sync HTTP/1.1\r\nContent-Length: abc\r\n\r\n", 400, malformed, 0, nullptr},
-        {"preview", post(preview, form, "state=%7B%22activePreset%22%3A%22rdv%22%7D"), 200, {}, 0, "sandbox;"},
+        {"declared length over the cap", putHead(withLength(kCap + 1)), 413, tooLarge, 1},
+        {"chunks past the cap, no end", chunked, 413, tooLarge, 1},
+        {"over the cap with 100-continue", bigExpect, 413, tooLarge, 1},
+        {"body shorter than its length", shortBody, 400, incomplete, 2},
+        {"body longer than its length", putHead(withLength(40)) + body, 400, truncated},
+        {"slowloris headers", "GET /healthz HTTP/1.1\r\nHost: 127.0.0.1\r\nX-Slow: ", 400,
+         malformed, 2},
+        {"no request line", "GARBAGE\r\n\r\n", 400, malformed},
+        {"HTTP/9.9", "PUT /api/velino-sync HTTP/9.9\r\nHost: x\r\n\r\n", 400, malformed},
+        {"length not a number", "PUT /api/velino-sync HTTP/1.1\r\nContent-Length: abc\r\n\r\n", 400,
+         malformed},
+        {"preview",
+         post(preview, form, "state=%7B%22activePreset%22%3A%22rdv%22%7D"),
+         200,
+         {},
+         0,
+         "sandbox;"},
         {"render over the cap", post(render, "json", large), 413, tooLarge, 0, page},
         {"preview over the cap", post(preview, form, "state=" + large), 413, tooLarge, 0, page},
-        // clang-format on
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);

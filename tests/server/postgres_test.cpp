@@ -65,7 +65,6 @@ TEST(PostgresSlotStoreTest, OpenUpgradesOlderSchemasOnceAndLeavesNewerOnesAlone)
     }
 }
 
-// Down: unavailable at once; back: served again, with every write acknowledged before a crash.
 TEST(PostgresSlotStoreTest, ReconnectsAfterARestartAndLosesNoAcknowledgedWrite) {
     SKIP_WITHOUT_TEST_CLUSTER("postgresql");
     PrivateCluster cluster;

@@ -5,6 +5,7 @@
 #include <QTest>
 
 #include <atomic>
+#include <ranges>
 #include <thread>
 
 using namespace velino::server;
@@ -26,12 +27,14 @@ protected:
     std::unique_ptr<SlotStore> store;
 };
 
+QByteArray slotLine(const StoredSlot &slot) {
+    return slot.updatedAt.toString("yyyy-MM-ddThh:mm:ss").toUtf8() + ' ' + slot.payloadJson;
+}
+
 // "time payload" of a slot, the time as written in its own offset (which must be UTC), or "none".
 QByteArray slotText(SlotStore &store, int key) {
     StoredSlot slot;
-    return store.get(keyOf(key), slot) == Status::Ok
-               ? slot.updatedAt.toString("yyyy-MM-ddThh:mm:ss").toUtf8() + ' ' + slot.payloadJson
-               : "none";
+    return store.get(keyOf(key), slot) == Status::Ok ? slotLine(slot) : "none";
 }
 
 TEST_P(SlotStoreContract, PutGetReplaceAndSweep) {
@@ -83,17 +86,10 @@ TEST_P(SlotStoreContract, StoresOnOneStorageActAsOneService) {
     ScratchStorage empty(GetParam());
     std::vector<std::unique_ptr<SlotStore>> stores(4);
     std::atomic<int> opened = 0, failures = 0, tornReads = 0;
-    std::vector<std::thread> threads;
-    const auto joinAll = [&] {
-        for (std::thread &thread : threads)
-            thread.join();
-        threads.clear();
-    };
-    for (auto &each : stores) {
+    for (std::vector<std::jthread> openers; auto &each : stores) {
         each = empty.makeStore();
-        threads.emplace_back([&each, &opened] { opened += each->open(); });
+        openers.emplace_back([&each, &opened] { opened += each->open(); });
     }
-    joinAll();
     ASSERT_EQ(opened, 4);
 
     constexpr int kWriters = 36, kWritesEach = 20; // 18 a store: more than its connections
@@ -101,20 +97,19 @@ TEST_P(SlotStoreContract, StoresOnOneStorageActAsOneService) {
     const auto write = [](int writer, int index) {
         return StoredSlot{at(writer * 1000 + index), QByteArray::number(writer * 1000 + index)};
     };
-    for (int writer = 0; writer < kWriters; ++writer) {
-        threads.emplace_back([&, writer] {
+    std::atomic<bool> writing = true;
+    std::jthread reader([&] {
+        for (StoredSlot read; writing;)
+            tornReads += stores[0]->get(keyOf(-1), read) == Status::Ok &&
+                         read.updatedAt.toSecsSinceEpoch() != read.payloadJson.toInt();
+    });
+    for (std::vector<std::jthread> writers; int writer : std::views::iota(0, kWriters)) {
+        writers.emplace_back([&, writer] {
             for (int index = 0; index < kWritesEach; ++index)
                 for (const QByteArray &key : {keyOf(writer), keyOf(-1)})
                     failures += stores[writer % 2]->put(key, write(writer, index)) != Status::Ok;
         });
     }
-    std::atomic<bool> writing = true;
-    std::thread reader([&] {
-        for (StoredSlot read; writing;)
-            tornReads += stores[0]->get(keyOf(-1), read) == Status::Ok &&
-                         read.updatedAt.toSecsSinceEpoch() != read.payloadJson.toInt();
-    });
-    joinAll();
     writing = false;
     reader.join();
     EXPECT_EQ(std::pair(failures.load(), tornReads.load()), std::pair(0, 0));
@@ -130,9 +125,7 @@ TEST_P(SlotStoreContract, StoresOnOneStorageActAsOneService) {
     QByteArray lastWrites, expected;
     for (int writer = 0; writer < kWriters; ++writer) {
         lastWrites += slotText(*stores[3], writer) + '\n';
-        const StoredSlot last = write(writer, kWritesEach - 1);
-        expected +=
-            last.updatedAt.toString("yyyy-MM-ddThh:mm:ss").toUtf8() + ' ' + last.payloadJson + '\n';
+        expected += slotLine(write(writer, kWritesEach - 1)) + '\n';
     }
     EXPECT_EQ(lastWrites, expected);
     EXPECT_TRUE(slotText(*stores[2], -1).endsWith(QByteArray::number(kWritesEach - 1)))

@@ -55,7 +55,6 @@ struct SyncServerProcess : QProcess {
     QString baseUrl;
 };
 
-// The real program over HTTPS, its certificate trusted through the store's services only.
 class HttpsProgramTest : public TlsStoreTest {
 protected:
     void SetUp() override {
@@ -84,7 +83,6 @@ protected:
         store->setSyncCode(code);
         if (edit)
             edit(*store);
-        // The desktop shows the server's time as "HH:mm" in the user's time zone.
         const auto stamped = [&] {
             return QString::fromUtf16(prefix) + QDateTime::currentDateTime().toString("HH:mm");
         };
@@ -111,11 +109,9 @@ TEST_F(HttpsProgramTest, PushedRecordIsPulledByAnotherDesktop) {
     EXPECT_TRUE(alerts->shown.isEmpty()) << alerts->shown.join(u'|').toStdString();
     EXPECT_TRUE(receiver->data() == sender->data() && receiver->activePreset() == PresetKind::Pret);
 
-    // A code with nothing stored: the server's sentence, shown as it is.
     sync("stranger", "ZZZZ-9999-ZZZZ-9999", false);
     EXPECT_EQ(alerts->shown, QStringList{"Code inconnu"});
 
-    // The log names every request and no code, no name.
     const QByteArray log = server.errorOutput();
     EXPECT_TRUE(log.contains("PUT /api/velino-sync 200 ") &&
                 log.contains("GET /api/velino-sync 404 "))
@@ -158,18 +154,20 @@ TEST_F(HttpsProgramTest, RefusesToStartWithoutAWayToProtectConnectionsOrAPort) {
     const QString missing = QStringLiteral("/nonexistent/velino/server.crt");
     const QString neverMade = dir.filePath(QStringLiteral("never-made"));
     const QString taken = QStringLiteral("127.0.0.1:%1").arg(server.port());
+    const QStringList unreadableTls{"--tls-cert", missing,      "--tls-key",
+                                    missing,      "--database", "sqlite:" + neverMade + "/x"};
+    const QStringList portTaken{"--plain-http", "--listen", taken, "--database",
+                                "sqlite:" + dir.filePath("b.db")};
     QString error;
     const std::tuple<QStringList, int, QString> cases[] = {
-        // clang-format off
         {{}, 2, "Refus de demarrer sans TLS"},
         {{"--tls-cert", missing}, 2, "HTTPS demande --tls-cert et --tls-key"},
         {{"--plain-http", "--tls-cert", missing}, 2, "--plain-http exclut --tls-cert"},
         {{"--plain-http", "--retention-days", "0"}, 2, "Valeur invalide pour --retention-days"},
         {{"--plain-http", "--database", "mysql://x"}, 2, "Base de donnees invalide"},
         {{"--plain-http", "--database", "sqlite:"}, 2, "Base de donnees invalide"},
-        {{"--tls-cert", missing, "--tls-key", missing, "--database", "sqlite:" + neverMade + "/x"}, 1, "Fichier TLS illisible : " + missing},
-        {{"--plain-http", "--listen", taken, "--database", "sqlite:" + dir.filePath("b.db")}, 1, "Impossible d'ecouter sur 127.0.0.1:"},
-        // clang-format on
+        {unreadableTls, 1, "Fichier TLS illisible : " + missing},
+        {portTaken, 1, "Impossible d'ecouter sur 127.0.0.1:"},
     };
     for (const auto &[arguments, exitCode, sentence] : cases) {
         SCOPED_TRACE(arguments.join(u' ').toStdString());
@@ -213,7 +211,6 @@ QString readBack(int port, const QString &code) {
 
 class ServerProcessTest : public ::testing::TestWithParam<std::string> {};
 
-// PUTs answered before a kill -9 all read back after a restart; SIGTERM lets a PUT finish.
 TEST_P(ServerProcessTest, AnsweredPutsSurviveKillNineAndSigterm) {
     SKIP_WITHOUT_TEST_CLUSTER(GetParam());
     const quint32 seed = QRandomGenerator::global()->generate();

@@ -14,7 +14,6 @@ namespace {
 
 using SyncServiceTest = ServiceFixture;
 
-// An upload whose payload carries one saved preset created at `createdAt`.
 std::string withPreset(const QString &createdAt) {
     CustomMailPreset preset;
     preset.id = QUuid::createUuid();
@@ -41,7 +40,6 @@ TEST_F(SyncServiceTest, PutThenGetAnswersThePayloadWithTheServerTime) {
             .object(),
         expected.toJson());
 
-    // Saved presets with whole-second dates are kept.
     ASSERT_EQ(service->handle(putRequest(withPreset("2026-01-01T10:00:00Z"))).status, 200);
     EXPECT_NE(service->handle(getRequest(kCode)).body.find("Devis ecran"), std::string::npos);
 
@@ -56,49 +54,50 @@ TEST_F(SyncServiceTest, PutThenGetAnswersThePayloadWithTheServerTime) {
     EXPECT_FALSE(everything.contains(kCode));
 }
 
-// Hostile uploads, bad lookups, wrong methods and addresses: French sentences, nothing stored.
 TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
     const QString badCode = QString::fromUtf8(texts::kInvalidCode);
     const QString notAllowed = QString::fromUtf8(texts::kMethodNotAllowed);
     const std::string sync = "/api/velino-sync";
+    const auto put = [](const QString &code) { return putRequest(uploadBody(code)); };
     const auto render = [](auto body) { return request("POST", "/api/velino-render", body); };
     const auto preview = [](auto body) { return request("POST", "/api/velino-preview", body); };
     const auto badRender = [](const char *reason) {
         return "Requete de rendu invalide : " + QString::fromUtf8(reason);
     };
     // An empty sentence stands for the desktop's own decoder's, word for word.
-    // clang-format off
-    const std::tuple<std::string, HttpRequest, int, QString> cases[] = {
-        {"code of 15 characters", putRequest(uploadBody(QStringLiteral("AB12CD34EF56GH7"))), 400, badCode},
-        {"code of 65 characters", putRequest(uploadBody(QString(65, u'A'))), 400, badCode},
-        {"lower-case code", putRequest(uploadBody(QStringLiteral("ab12-cd34ef56gh78"))), 400, badCode},
-        {"accented code", putRequest(uploadBody(QStringLiteral("ÉCOLE-CD34EF56GH78"))), 400, badCode},
-        {"upload without code", putRequest(R"({"payload":{}})"), 400, {}},
-        {"null payload", putRequest(R"({"code":"AB12-CD34EF56GH78","payload":null})"), 400, {}},
-        {"preset date with a fraction", putRequest(withPreset("2026-01-01T10:00:00.250Z")), 400, {}},
-        {"body not JSON", putRequest("code=AB12-CD34EF56GH78"), 400, {}},
-        {"empty body", putRequest(""), 400, {}},
-        {"GET of a short code", getRequest("AB12CD34EF56GH7"), 400, badCode},
-        {"GET without code", request("GET", sync), 400, badCode},
-        {"GET of an unknown code", getRequest(kCode), 404, QString::fromUtf8(texts::kUnknownCode)},
-        {"DELETE", request("DELETE", sync), 405, notAllowed},
-        {"POST", request("POST", sync), 405, notAllowed},
-        {"PUT of the logo", request("PUT", "/photos/velino-logo.png"), 405, notAllowed},
-        {"GET of a rendering", request("GET", "/api/velino-render"), 405, notAllowed},
-        {"PUT of a preview", request("PUT", "/api/velino-preview"), 405, notAllowed},
-        {"POST of the page", request("POST", "/velino.html"), 405, notAllowed},
-        {"render of nothing", render(""), 400, badRender("JSON invalide a l'octet 0 : fin inattendue du document.")},
-        {"render without preset", render(R"({"data":{}})"), 400, badRender("cle manquante : activePreset.")},
-        {"render of preset Devis", render(R"({"activePreset":"Devis"})"), 400, badRender(R"(preset inconnu pour la cle activePreset : "Devis".)")},
-        {"render applying pretty", render(R"({"activePreset":"devis","applyPreset":"pretty"})"), 400, badRender(R"(preset inconnu pour la cle applyPreset : "pretty".)")},
-        {"render of Latin-1", render("{\"activePreset\":\"\xff\"}"), 400, badRender("le corps n'est pas du texte UTF-8 valide.")},
-        {"preview without state", preview("other=1"), 400, badRender(R"(champ "state" manquant.)")},
-        {"preview of a cut state", preview("state=%7B"), 400, badRender("JSON invalide a l'octet 1 : objet non termine.")},
-        {"unknown address", request("GET", "/velino.php"), 404, QString::fromUtf8(texts::kUnknownAddress)},
+    const std::tuple<HttpRequest, int, QString> cases[] = {
+        {put("AB12CD34EF56GH7"), 400, badCode},
+        {put(QString(65, u'A')), 400, badCode},
+        {put("ab12-cd34ef56gh78"), 400, badCode},
+        {put("ÉCOLE-CD34EF56GH78"), 400, badCode},
+        {putRequest(R"({"payload":{}})"), 400, {}},
+        {putRequest(R"({"code":"AB12-CD34EF56GH78","payload":null})"), 400, {}},
+        {putRequest(withPreset("2026-01-01T10:00:00.250Z")), 400, {}},
+        {putRequest("code=AB12-CD34EF56GH78"), 400, {}},
+        {putRequest(""), 400, {}},
+        {getRequest("AB12CD34EF56GH7"), 400, badCode},
+        {request("GET", sync), 400, badCode},
+        {getRequest(kCode), 404, QString::fromUtf8(texts::kUnknownCode)},
+        {request("DELETE", sync), 405, notAllowed},
+        {request("POST", sync), 405, notAllowed},
+        {request("PUT", "/photos/velino-logo.png"), 405, notAllowed},
+        {request("GET", "/api/velino-render"), 405, notAllowed},
+        {request("PUT", "/api/velino-preview"), 405, notAllowed},
+        {request("POST", "/velino.html"), 405, notAllowed},
+        {render(""), 400, badRender("JSON invalide a l'octet 0 : fin inattendue du document.")},
+        {render(R"({"data":{}})"), 400, badRender("cle manquante : activePreset.")},
+        {render(R"({"activePreset":"Devis"})"), 400,
+         badRender(R"(preset inconnu pour la cle activePreset : "Devis".)")},
+        {render(R"({"activePreset":"devis","applyPreset":"pretty"})"), 400,
+         badRender(R"(preset inconnu pour la cle applyPreset : "pretty".)")},
+        {render("{\"activePreset\":\"\xff\"}"), 400,
+         badRender("le corps n'est pas du texte UTF-8 valide.")},
+        {preview("other=1"), 400, badRender(R"(champ "state" manquant.)")},
+        {preview("state=%7B"), 400, badRender("JSON invalide a l'octet 1 : objet non termine.")},
+        {request("GET", "/velino.php"), 404, QString::fromUtf8(texts::kUnknownAddress)},
     };
-    // clang-format on
-    for (const auto &[what, r, status, sentence] : cases) {
-        SCOPED_TRACE(what);
+    for (const auto &[r, status, sentence] : cases) {
+        SCOPED_TRACE(r.method + ' ' + r.path + ' ' + r.body.substr(0, 60));
         QString expected = sentence;
         if (expected.isEmpty())
             decodeSyncRecord<VelinoSyncUpload>(QByteArray::fromStdString(r.body), &expected);
@@ -116,15 +115,15 @@ TEST_F(SyncServiceTest, CeilingsCountPerClientAddress) {
         return request("POST", "/api/velino-render", R"({"activePreset":"devis"})", peer);
     };
     const std::tuple<int, bool, int, HttpRequest, int> steps[] = {
-        // clang-format off
         {1200, false, 10, getRequest(kCode, "192.0.2.10"), 404},
-        {1200, false, 1, getRequest(kCode, "192.0.2.10", "192.0.2.99"), 429}, // an untrusted claim
+        // An untrusted claim, then what the proxy saw.
+        {1200, false, 1, getRequest(kCode, "192.0.2.10", "192.0.2.99"), 429},
         {1200, false, 1, getRequest(kCode, "192.0.2.99"), 404},
         {1200, false, 1, putRequest(uploadBody(QStringLiteral("PUT-CODE-0000-0000"))), 200},
         {1200, true, 10, getRequest(kCode, "10.0.0.1", "198.51.100.7"), 404},
-        {1200, true, 1, getRequest(kCode, "10.0.0.1", "203.0.113.9, 198.51.100.7"), 429}, // what the proxy saw
+        {1200, true, 1, getRequest(kCode, "10.0.0.1", "203.0.113.9, 198.51.100.7"), 429},
         {1200, true, 1, getRequest(kCode, "10.0.0.1", "198.51.100.8"), 404},
-        {1200, true, 10, getRequest(kCode, "10.0.0.2"), 404}, // no header: the peer itself
+        {1200, true, 10, getRequest(kCode, "10.0.0.2"), 404},
         {1200, true, 1, getRequest(kCode, "10.0.0.2"), 429},
         {5, false, 5, getRequest(kCode, "192.0.2.10"), 404},
         {5, false, 1, getRequest(kCode, "192.0.2.10"), 429},
@@ -133,7 +132,6 @@ TEST_F(SyncServiceTest, CeilingsCountPerClientAddress) {
         {3, false, 1, render("192.0.2.10"), 200},
         {3, false, 1, render("192.0.2.10"), 429},
         {3, false, 1, render("192.0.2.11"), 200},
-        // clang-format on
     };
     for (const auto &step : steps) {
         SCOPED_TRACE(testing::Message() << "step " << &step - steps);
@@ -154,9 +152,7 @@ TEST_F(SyncServiceTest, CeilingsCountPerClientAddress) {
     }
 }
 
-// Every store call says so at once; the service answers 503, a healthy one "ok".
 TEST_F(SyncServiceTest, UnreachableStorageAnswers503AtOnce) {
-    // A wrong password for the test cluster (when there is one) or a file in the way.
     for (const QString &url : {QStringLiteral("sqlite:/dev/null/sync.db"), testPostgresUrl()}) {
         SCOPED_TRACE(url.toStdString());
         if (url.isEmpty())
@@ -203,8 +199,6 @@ TEST_F(SyncServiceTest, LogoMetricsAndLogLines) {
           "velino_sync_request_duration_seconds_bucket{le=\"0.1\"} 2\n",
           "velino_sync_request_duration_seconds_bucket{le=\"+Inf\"} 3\n", "velino_sync_slots 1\n"})
         EXPECT_NE(metrics.find(line), std::string::npos) << line << metrics;
-
-    // Log lines name the request, never the code or the payload, and cannot be forged.
     EXPECT_EQ(logLines,
               (std::vector<std::string>{"PUT /api/velino-sync 200 1.5ms 192.0.2.10",
                                         "GET /x?PUT?/api/velino-sync?200 404 70.0ms 192.0.2.10",

@@ -33,7 +33,6 @@ QJsonObject expectedAnswer(const MailComposerData &record, PresetKind preset) {
     return answer;
 }
 
-// The rendering and the preview (from the page's form) give the desktop's files, byte for byte.
 TEST_F(WebServiceTest, RenderAndPreviewAnswerTheDesktopsFilesByteForByte) {
     const QJsonObject data = QJsonDocument::fromJson(readTestData("hostile_record.json")).object();
     QString error;
@@ -45,7 +44,6 @@ TEST_F(WebServiceTest, RenderAndPreviewAnswerTheDesktopsFilesByteForByte) {
               readTestData("hostile_email.html") + readTestData("hostile_email.txt"));
     EXPECT_EQ(answer, expectedAnswer(*record, PresetKind::Rdv));
 
-    // Applying a preset writes its texts as the desktop does.
     MailComposerData applied = *record;
     applied.applyPreset(PresetKind::Pret);
     const std::string applying =
@@ -62,7 +60,6 @@ TEST_F(WebServiceTest, RenderAndPreviewAnswerTheDesktopsFilesByteForByte) {
     const std::string policy = header(preview, "Content-Security-Policy");
     EXPECT_TRUE(policy.starts_with("sandbox;") && policy.find("script-src") == std::string::npos)
         << policy;
-    // Without data: the default record, as on a first visit.
     const HttpResponse first = service->handle(renderRequest(R"({"activePreset":"devis"})"));
     EXPECT_EQ(jsonOf(first), expectedAnswer(MailComposerData::defaultRecord(), PresetKind::Devis));
 }
