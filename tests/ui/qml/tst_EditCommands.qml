@@ -25,19 +25,16 @@ Item {
         function init() { [first, popupField].forEach(field => field.deselect()), first.forceActiveFocus() }
 
         // On the focused field, through the window's Edit menu: tst_MainWindow.
-        function test_aMenuOpenStillTargetsTheFieldBelow() {
+        // Neither a clicked button nor a field in an open popup takes the commands from the field below.
+        function test_commandsStayOnTheFieldBelow() {
+            mouseClick(button)
+            verify(first.activeFocus, "the button did not take the focus")
             popup.open()
             tryVerify(() => popupField.activeFocus)
             compare(commands.target, first, "focus in a popup is passed over")
             verify(commands.selectAll())
             compare([first.selectedText, popupField.selectedText], ["premier champ", ""])
             popup.close()
-        }
-
-        function test_buttonsDoNotTakeTheFocus() {
-            mouseClick(button)
-            verify(first.activeFocus && commands.selectAll())
-            compare(first.selectedText, "premier champ")
         }
 
         function test_nothingHappensWithoutATextControl() {

@@ -85,7 +85,6 @@ WindowTestCase {
         inOrder(["presetCard", "customPresetCard", "recipientCard", "syncCard", "messageCard", "detailsCard", "actionCard",
                  "appleMailCard", "identityCard"], "y")
         const subtitle = (card) => named(el(t, card), "sectionSubtitle").text
-        // The sync card names the service host; the mail card, the mail client of Linux.
         compare([subtitle("syncCard"), String(el(t, "webInterfaceLink").url), el(t, "syncStatusLine").text,
                  subtitle("appleMailCard"), el(t, "appleStatusChip").text],
                 ["Relie cette app a l'interface privee " + serviceHost + "/velino.html.", "https://127.0.0.1:9/velino.html",
@@ -121,7 +120,6 @@ WindowTestCase {
 
     function test_everyFieldUpdatesTheRecordAndThePreview() {
         const t = openUnlocked(), preview = el(t, "htmlPreview")
-        // Exactly one control per field of the record, in the form's order.
         const fields = []
         find(t.main, (i) => { if (String(i.objectName).startsWith("field.")) fields.push(i.objectName.slice(6)); return false })
         compare(fields.slice().sort(), Object.keys(t.store.data).sort())
@@ -200,27 +198,15 @@ WindowTestCase {
         nothingLoaded()
     }
 
-    // A refused connection is reported in the status line and in an alert.
-    function test_syncButtonsAreDisabledWhileSyncing() {
-        const t = openUnlocked(), push = el(t, "pushButton"), pull = el(t, "pullButton")
+    // A short code is refused in an alert that hides what is under it; with a whole code, a refused
+    // connection is reported in the status line and in an alert, the buttons disabled meanwhile.
+    function test_syncRefusalsAndButtons() {
+        const t = openUnlocked(), alert = t.window.warningAlert, content = t.window.contentItem
+        const push = el(t, "pushButton"), pull = el(t, "pullButton")
         compare([push.text, pull.text, push.primary, pull.primary],
                 ["Envoyer vers l'iPhone", "Recuperer depuis l'iPhone", true, false])
-        typeInto(t, "syncCodeField", "ABCD-EFGH-IJKL-MNOP")
-        reveal(t, push)
-        for (const button of [push, pull]) {
-            mouseClick(button)
-            compare([t.store.isSyncing, push.enabled, pull.enabled], [true, false, false], button.text)
-            tryCompare(t.store, "isSyncing", false, 15000)
-            compare(answerAlert(t).message, el(t, "syncStatusLine").text)
-            verify(push.enabled && pull.enabled, "enabled again after " + button.text)
-        }
-    }
-
-    // The refusal comes in an alert that hides what is under it.
-    function test_shortSyncCodeIsRefusedWithAnOpaqueAlert() {
-        const t = openUnlocked(), alert = t.window.warningAlert, content = t.window.contentItem
         typeInto(t, "syncCodeField", "abc")
-        mouseClick(reveal(t, el(t, "pushButton")))
+        mouseClick(reveal(t, push))
         tryVerify(() => alert.opened, 3000)
         const at = alert.background.mapToItem(content, alert.background.width - 12, alert.background.height / 2)
         const pixel = () => (waitForRendering(content), String(grabImage(content).pixel(at.x, at.y)))
@@ -231,7 +217,18 @@ WindowTestCase {
         compare(after, before, "the alert's surface at " + at.x + "," + at.y)
         const message = "Le code prive doit contenir au moins 16 caracteres. Genere-le depuis l'interface iPhone."
         compare(answerAlert(t), { title: "Velino", message: message, buttons: 1, button: "OK", modal: true })
-        compare(el(t, "syncCodeField").field.text, "ABC")
+        const code = focusControl(t, "syncCodeField")
+        compare(code.text, "ABC")
+        code.selectAll()
+        TestSupport.typeText(t.window, "ABCD-EFGH-IJKL-MNOP")
+        reveal(t, push)
+        for (const button of [push, pull]) {
+            mouseClick(button)
+            compare([t.store.isSyncing, push.enabled, pull.enabled], [true, false, false], button.text)
+            tryCompare(t.store, "isSyncing", false, 15000)
+            compare(answerAlert(t).message, el(t, "syncStatusLine").text)
+            verify(push.enabled && pull.enabled, "enabled again after " + button.text)
+        }
     }
 
     function test_exportThroughTheFileDialog() {
