@@ -65,7 +65,6 @@ TEST_F(StoreTest, PendingChangesAreDroppedWithTheStoreOrSavedAtOnceOrAfterTheDeb
     }
 }
 
-// What the window shows of a preset or a reset is tst_MainWindow's.
 TEST_F(StoreTest, ApplyingAPresetOrResettingKeepsLibraryAndCode) {
     const auto store = makeStore();
     store->setSyncCode("CODE-PRIVE-1234567");

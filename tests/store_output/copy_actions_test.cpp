@@ -25,7 +25,6 @@ TEST_F(OutputTest, EveryActionRegeneratesAndSavesTheEditBeforeActing) {
     }
 }
 
-// The subject and the text version go as one plain string, without HTML or RTF.
 TEST_F(OutputTest, CopySubjectAndTextVersionPutOnePlainStringOnTheClipboard) {
     const QString subject = QString::fromUtf16(u"R\u00E9paration \u00E9cran \U0001F4F1");
     const auto store = makeOutputStore();
@@ -42,7 +41,6 @@ TEST_F(OutputTest, CopySubjectAndTextVersionPutOnePlainStringOnTheClipboard) {
         "clipboard | lastAction: Objet copie. | clipboard | lastAction: Version texte copiee.");
 }
 
-// What the real converter makes of the mail is QtRichTextConverter's own test's.
 TEST_F(OutputTest, CopyHtmlPassesTheConvertersRepresentationsThrough) {
     desktop->scripted = true;
     const auto store = makeOutputStore();

@@ -7,7 +7,6 @@
 using namespace velino;
 using velino::test::OutputTest;
 
-// Suggested names are suggested_file_name_test's, the dialog tst_MainWindow's.
 TEST_F(OutputTest, ExportWritesTheDocumentToTheChosenFile) {
     const auto store = makeOutputStore();
     store->setDataField("subject",
