@@ -48,8 +48,7 @@ TEST_F(OutputTest, CopyHtmlPassesTheConvertersRepresentationsThrough) {
         cases[] = {
             {RichTextConversion{QByteArray("{\\rtf1 essai}"), "Texte rendu"}, "{\\rtf1 essai}",
              "Texte rendu"},
-            {RichTextConversion{std::nullopt, "Sans RTF"}, std::nullopt,
-             "Sans RTF"},                     // no RTF written
+            {RichTextConversion{std::nullopt, "Sans RTF"}, std::nullopt, "Sans RTF"},
             {std::nullopt, std::nullopt, {}}, // not imported: the document and the text version
         };
     for (const auto &[answer, rtf, text] : cases) {

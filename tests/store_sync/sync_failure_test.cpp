@@ -83,9 +83,8 @@ TEST_F(StoreSyncFailureTest, UnreachableUntrustedOrUnusableAddressesFail) {
         services.syncEndpoint = url;
         const auto store = makeSettledStore(services);
         const bool https = url.scheme() == "https"; // the others are pulled only
-        for (const auto operation : https ? QList{push, pull} : QList{pull}) {
+        for (const auto operation : https ? QList{push, pull} : QList{pull})
             EXPECT_TRUE(shownAs(failureOf(*store, operation, url.toString().toStdString()), shown));
-        }
     }
     EXPECT_TRUE(server->requests().isEmpty() && impostor.requests().isEmpty());
 }
