@@ -9,8 +9,7 @@ using velino::test::StoreTest;
 // A stale id still enables the update button, and the update is refused like no id at all.
 TEST_F(StoreTest, SavingWithoutANameOrUpdatingWithoutALoadedPresetIsRefused) {
     const auto store = makeStore();
-    store->setCustomPresetDraftName(" \n\t ");
-    store->saveAsNewCustomPreset();
+    saveAs(*store, " \n\t ");
     store->updateActiveCustomPreset();
     store->setActiveCustomPresetID(randomUuid());
     EXPECT_TRUE(store->canUpdateActiveCustomPreset());
@@ -42,15 +41,15 @@ TEST_F(StoreTest, NamesStayUniqueIgnoringCaseSpacingAndCanonicalForm) {
     }
 }
 
-// Updating and overwriting keep the preset's id and creation time and move it first.
 TEST_F(StoreTest, SaveAsNewUpdateAndOverwriteKeepTheLibraryNewestFirst) {
     const auto store = makeStore();
     store->setActivePreset(PresetKind::Rdv);
     saveAs(*store, "  Pre\n\tmier  ");
     const auto first = [&] { return store->customPresets().first(); };
-    EXPECT_EQ(std::tuple(first().name, first().sourcePreset, first().createdAt, first().updatedAt),
-              std::tuple(QString("Pre mier"), PresetKind::Rdv, clock->now(), clock->now()));
-    EXPECT_TRUE(first().data == store->data());
+    EXPECT_EQ(std::tuple(first().name, first().sourcePreset, first().createdAt, first().updatedAt,
+                         first().data),
+              std::tuple(QString("Pre mier"), PresetKind::Rdv, clock->now(), clock->now(),
+                         store->data()));
     EXPECT_EQ(panel(*store), "Pre mier | Pre mier | Preset Pre mier enregistre.");
     EXPECT_EQ(saved(u"activeCustomPresetID"), uuidText(first().id));
     clock->advance(10);
@@ -60,9 +59,8 @@ TEST_F(StoreTest, SaveAsNewUpdateAndOverwriteKeepTheLibraryNewestFirst) {
     store->loadCustomPreset(premier);
     store->setDataField("footerNote", "Pied mis a jour");
     store->updateActiveCustomPreset();
-    EXPECT_EQ(std::tuple(first().id, first().createdAt, first().updatedAt),
-              std::tuple(premier.id, premier.createdAt, clock->now()));
-    EXPECT_TRUE(first().data == store->data());
+    EXPECT_EQ(std::tuple(first().id, first().createdAt, first().updatedAt, first().data),
+              std::tuple(premier.id, premier.createdAt, clock->now(), store->data()));
     EXPECT_EQ(store->lastAction(), "Preset Pre mier mis a jour.");
     // Renaming onto another preset's name gets a number; a blank draft keeps the stored name.
     store->setCustomPresetDraftName("second");
@@ -76,9 +74,9 @@ TEST_F(StoreTest, SaveAsNewUpdateAndOverwriteKeepTheLibraryNewestFirst) {
     store->applyPreset(PresetKind::Relance);
     store->setCustomPresetDraftName("Nom ignore");
     store->overwriteCustomPreset(older);
-    EXPECT_EQ(std::tuple(first().id, first().name, first().sourcePreset, first().createdAt),
-              std::tuple(older.id, older.name, PresetKind::Relance, older.createdAt));
-    EXPECT_TRUE(first().data == store->data());
+    EXPECT_EQ(
+        std::tuple(first().id, first().name, first().sourcePreset, first().createdAt, first().data),
+        std::tuple(older.id, older.name, PresetKind::Relance, older.createdAt, store->data()));
     EXPECT_EQ(panel(*store), "Second | Second | Preset Second remplace.");
     store->deleteCustomPreset(older); // a preset no longer in the library is added back
     store->overwriteCustomPreset(older);

@@ -9,7 +9,6 @@
 using namespace velino;
 using velino::test::StoreTest;
 
-// A child process saving in a loop is killed at random moments: the file stays whole.
 TEST_F(StoreTest, SavesSurviveAKillAtAnyMoment) {
     const quint32 seed = QRandomGenerator::global()->generate();
     SCOPED_TRACE(testing::Message() << "kill delays drawn with seed " << seed);

@@ -7,7 +7,8 @@ using velino::test::StoreTest;
 
 namespace {
 
-QJsonObject presetJson(const QString &name, double updatedAt, const QString &highlight = {}) {
+QJsonObject presetJson(const QString &name, const QJsonValue &updatedAt,
+                       const QString &highlight = {}) {
     MailComposerData data = MailComposerData::defaultRecord();
     if (!highlight.isEmpty())
         data.highlight = highlight;
@@ -85,16 +86,13 @@ TEST_F(StoreTest, MinimalDocumentLoadsAndLargeOnesAreReadWhole) {
     EXPECT_EQ(store->customPresets()[0].name.size(), 9 << 20);
 }
 
-// Unreadable documents are replaced by the default state, silently, at the first save.
 TEST_F(StoreTest, UnreadableDocumentFallsBackToTheDefaultStateAndIsOverwritten) {
-    QJsonObject dated = presetJson("Atelier", 10);
-    dated.insert("updatedAt", "2026-01-01T00:00:00Z");
     QJsonObject malformed = presetJson("Atelier", 10);
     malformed.insert("sourcePreset", "Relance");
     const std::pair<QString, QJsonValue> cases[] = {
         {"preset", "promo"},
         {"data", QJsonValue::Undefined},
-        {"customPresets", QJsonArray{dated}},
+        {"customPresets", QJsonArray{presetJson("Atelier", "2026-01-01T00:00:00Z")}},
         {"activeCustomPresetID", "pas-un-uuid"},
         {"customPresets", QJsonArray{presetJson("Ok", 3), malformed}},
     };

@@ -67,7 +67,6 @@ TEST_F(MigrationTest, EarlierFileIsMovedOverOnceWhateverItsLineEndsAndLocks) {
     }
 }
 
-// A move that cannot finish leaves the earlier file as it was; the next start tries again.
 TEST_F(MigrationTest, FailedMoveKeepsTheEarlierFileAndIsRetriedAtTheNextStart) {
     const QString replacement = settingsPath() + ".new";
     const std::pair<std::function<void()>, std::function<void()>> cases[] = {

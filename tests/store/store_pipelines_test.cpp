@@ -28,10 +28,9 @@ TEST_F(StoreTest, QuickEditsGiveOneRegenerationAndOneSaveAfterTheLast) {
     settle();
     for (const qint64 at : regenerations)
         EXPECT_GE(at - *(std::upper_bound(edits.begin(), edits.end(), at) - 1), delay);
-    for (qsizetype i = 1; i < edits.size(); ++i) {
+    for (qsizetype i = 1; i < edits.size(); ++i)
         for (const qint64 at : regenerations) // edits closer than the delay restart it
             EXPECT_FALSE(edits[i] - edits[i - 1] < delay && at > edits[i - 1] && at < edits[i]);
-    }
     EXPECT_EQ(std::count_if(regenerations.begin(), regenerations.end(),
                             [&](qint64 at) { return at > edits.last(); }),
               1);
@@ -65,7 +64,6 @@ TEST_F(StoreTest, PendingChangesAreDroppedWithTheStoreOrSavedAtOnceOrAfterTheDeb
     }
 }
 
-// What the window shows of a preset or a reset is tst_MainWindow's.
 TEST_F(StoreTest, ApplyingAPresetOrResettingKeepsLibraryAndCode) {
     const auto store = makeStore();
     store->setSyncCode("CODE-PRIVE-1234567");

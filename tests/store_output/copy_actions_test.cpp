@@ -25,7 +25,6 @@ TEST_F(OutputTest, EveryActionRegeneratesAndSavesTheEditBeforeActing) {
     }
 }
 
-// The subject and the text version go as one plain string, without HTML or RTF.
 TEST_F(OutputTest, CopySubjectAndTextVersionPutOnePlainStringOnTheClipboard) {
     const QString subject = QString::fromUtf16(u"R\u00E9paration \u00E9cran \U0001F4F1");
     const auto store = makeOutputStore();
@@ -42,7 +41,6 @@ TEST_F(OutputTest, CopySubjectAndTextVersionPutOnePlainStringOnTheClipboard) {
         "clipboard | lastAction: Objet copie. | clipboard | lastAction: Version texte copiee.");
 }
 
-// What the real converter makes of the mail is QtRichTextConverter's own test's.
 TEST_F(OutputTest, CopyHtmlPassesTheConvertersRepresentationsThrough) {
     desktop->scripted = true;
     const auto store = makeOutputStore();
@@ -50,8 +48,7 @@ TEST_F(OutputTest, CopyHtmlPassesTheConvertersRepresentationsThrough) {
         cases[] = {
             {RichTextConversion{QByteArray("{\\rtf1 essai}"), "Texte rendu"}, "{\\rtf1 essai}",
              "Texte rendu"},
-            {RichTextConversion{std::nullopt, "Sans RTF"}, std::nullopt,
-             "Sans RTF"},                     // no RTF written
+            {RichTextConversion{std::nullopt, "Sans RTF"}, std::nullopt, "Sans RTF"},
             {std::nullopt, std::nullopt, {}}, // not imported: the document and the text version
         };
     for (const auto &[answer, rtf, text] : cases) {

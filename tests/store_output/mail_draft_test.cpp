@@ -43,7 +43,6 @@ TEST_F(MailDraftTest, DraftCreatedInTheMailApplication) {
     EXPECT_EQ(clipboardContent().text(), "autre");
 }
 
-// Whatever stops the draft ends in the fallback, or in its own message if that is refused.
 TEST_F(MailDraftTest, EveryFailureEndsInTheFallbackOrItsOwnMessage) {
     const QString blank = QString::fromUtf16(u" \t\u00A0\n");
     const QString client = "client@example.com", atelier = "atelier@korvel.example";

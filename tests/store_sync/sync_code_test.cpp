@@ -7,12 +7,11 @@ class StoreSyncCodeTest : public StoreSyncTest {
 protected:
     void SetUp() override {
         StoreSyncTest::SetUp();
-        server->setHandler([](const TestHttpRequest &request) {
-            return TestHttpAnswer::json(
-                200,
-                request.method == "PUT"
-                    ? uploadBody(kAnswerTime)
-                    : downloadAnswer(phonePayload("devis", MailComposerData::defaultRecord())));
+        QJsonObject payload = phonePayload("devis", MailComposerData::defaultRecord());
+        payload.insert("activeCustomPresetID", QJsonValue()); // no preset loaded on the phone
+        server->setHandler([payload](const TestHttpRequest &request) {
+            return TestHttpAnswer::json(200, request.method == "PUT" ? uploadBody(kAnswerTime)
+                                                                     : downloadAnswer(payload));
         });
     }
     QString sentCode() const {

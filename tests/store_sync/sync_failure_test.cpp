@@ -14,10 +14,6 @@ namespace {
 const QString kTooLargeText = "Reponse de synchronisation trop volumineuse (plus de 8 Mo).";
 const QString kTimedOutText = "Delai de synchronisation depasse : le serveur ne repond pas.";
 
-QByteArray paddedTo(QByteArray body, qint64 size) {
-    return body + QByteArray(size - body.size(), ' ');
-}
-
 // A modal alert during which the window closes: the store is deleted before it returns.
 class WindowClosingAlerts final : public AlertPresenter {
 public:
@@ -39,13 +35,12 @@ public:
 
 using StoreSyncFailureTest = StoreSyncTest;
 
-// Other refusals are SyncResponse's own test's.
 TEST_F(StoreSyncFailureTest, RefusedUnreadableOrOversizedAnswersFailAndEightMebibytesAreRead) {
     const auto store = makeSettledStore(syncServices());
     const qint64 limit = SyncTransport::kMaxAnswerBytes;
     const QByteArray snapshot =
         downloadAnswer(phonePayload("relance", defaultWith(u"recipientName", "Lea")));
-    const QByteArray over = paddedTo(snapshot, limit + 1);
+    const QByteArray over = snapshot + QByteArray(limit + 1 - snapshot.size(), ' ');
     const std::pair<TestHttpAnswer, QString> cases[] = {
         {TestHttpAnswer::json(404, R"({"error":"Code inconnu"})"), "Code inconnu"},
         {{500, "text/html", "<html><body>Erreur interne</body></html>"},
@@ -59,14 +54,13 @@ TEST_F(StoreSyncFailureTest, RefusedUnreadableOrOversizedAnswersFailAndEightMebi
         for (const auto operation : {push, pull})
             EXPECT_TRUE(shownAs(failureOf(*store, operation, shown.toStdString()), shown));
     }
-    answerWith(TestHttpAnswer{200, "application/json", paddedTo(snapshot, limit), false, false});
+    answerWith(TestHttpAnswer{200, "application/json", over.chopped(1), false, false});
     store->pullFromWeb();
     ASSERT_TRUE(waitForIdle(*store));
     EXPECT_EQ(store->data().recipientName, "Lea");
     EXPECT_EQ(alerts->shown.size(), 2 * std::size(cases));
 }
 
-// Each address fails with its own French sentence.
 TEST_F(StoreSyncFailureTest, UnreachableUntrustedOrUnusableAddressesFail) {
     QString error;
     const std::optional<TestTlsIdentity> stranger = TestTlsIdentity::generate(&error);
@@ -89,9 +83,8 @@ TEST_F(StoreSyncFailureTest, UnreachableUntrustedOrUnusableAddressesFail) {
         services.syncEndpoint = url;
         const auto store = makeSettledStore(services);
         const bool https = url.scheme() == "https"; // the others are pulled only
-        for (const auto operation : https ? QList{push, pull} : QList{pull}) {
+        for (const auto operation : https ? QList{push, pull} : QList{pull})
             EXPECT_TRUE(shownAs(failureOf(*store, operation, url.toString().toStdString()), shown));
-        }
     }
     EXPECT_TRUE(server->requests().isEmpty() && impostor.requests().isEmpty());
 }
