@@ -246,9 +246,9 @@ $('pull').addEventListener('click', () => sync(texts.pulling, async (code) => {
 }));
 
 $('push').addEventListener('click', () => sync(texts.pushing, async (code) => {
-  const sent = JSON.parse(JSON.stringify(state));
-  const answer = await api.push(code, sent);
-  if (JSON.stringify(state) === JSON.stringify(sent)) storage.remove(DRAFT_KEY);
+  const sent = JSON.stringify(state);
+  const answer = await api.push(code, JSON.parse(sent));
+  if (JSON.stringify(state) === sent) storage.remove(DRAFT_KEY);
   return `Brouillon envoye · ${api.timeLabel(String(answer.updatedAt))}`;
 }));
 
