@@ -57,12 +57,6 @@ export function render(state, applyPreset) {
   return request('/api/velino-render', { method: 'POST', headers: jsonHeaders, body: JSON.stringify(body) });
 }
 
-export function renderDefault() {
-  return request('/api/velino-render', {
-    method: 'POST', headers: jsonHeaders, body: JSON.stringify({ activePreset: 'devis' }),
-  });
-}
-
 export function pull(code) {
   return request(`/api/velino-sync?code=${encodeURIComponent(code)}`, {
     method: 'GET', headers: { Accept: 'application/json' },

@@ -105,6 +105,14 @@ function scheduleRender() {
   renderTimer = setTimeout(() => renderNow(), RENDER_DELAY_MS);
 }
 
+// The record the form edits, shown in the fields and the preset tiles.
+function showRecord(activePreset, data) {
+  state.activePreset = activePreset;
+  state.data = data;
+  form.show(state.data);
+  tiles.show(state.activePreset);
+}
+
 function showPreviewError(message) {
   $('preview-error').textContent = message;
 }
@@ -163,10 +171,7 @@ async function renderNow(applyPreset) {
     const answer = await api.render(state, applyPreset);
     if (round !== renderRound) return null;
     if (applyPreset) {
-      state.activePreset = answer.activePreset;
-      state.data = answer.record;
-      form.show(state.data);
-      tiles.show(state.activePreset);
+      showRecord(answer.activePreset, answer.record);
       saveDraft();
     }
     showRendered(answer);
@@ -234,19 +239,16 @@ $('pull').addEventListener('click', () => sync(texts.pulling, async (code) => {
   clearTimeout(renderTimer);
   renderRound++;
   const check = await api.render(pulled);
-  state.activePreset = check.activePreset;
-  state.data = check.record;
-  form.show(state.data);
-  tiles.show(state.activePreset);
+  showRecord(check.activePreset, check.record);
   saveDraft();
   showRendered(check);
   return `Brouillon recupere · ${api.timeLabel(snapshot.updatedAt)}`;
 }));
 
 $('push').addEventListener('click', () => sync(texts.pushing, async (code) => {
-  const sent = JSON.parse(JSON.stringify(state));
-  const answer = await api.push(code, sent);
-  if (JSON.stringify(state) === JSON.stringify(sent)) storage.remove(DRAFT_KEY);
+  const sent = JSON.stringify(state);
+  const answer = await api.push(code, JSON.parse(sent));
+  if (JSON.stringify(state) === sent) storage.remove(DRAFT_KEY);
   return `Brouillon envoye · ${api.timeLabel(String(answer.updatedAt))}`;
 }));
 
@@ -276,20 +278,15 @@ async function start(draft) {
   clearTimeout(renderTimer);
   const round = ++renderRound;
   try {
-    const answer = draft ? await api.render(draft) : await api.renderDefault();
+    // Without a draft, the service answers with its default record.
+    const answer = await api.render(draft ?? { activePreset: 'devis' });
     if (round !== renderRound) return;
-    state.activePreset = answer.activePreset;
-    state.data = answer.record;
-    form.show(state.data);
-    tiles.show(state.activePreset);
+    showRecord(answer.activePreset, answer.record);
     showRendered(answer);
   } catch (error) {
     if (draft) {
       // A draft the service cannot read is kept on screen as typed.
-      state.activePreset = draft.activePreset;
-      state.data = draft.data;
-      form.show(state.data);
-      tiles.show(state.activePreset);
+      showRecord(draft.activePreset, draft.data);
     }
     showPreviewError(`Apercu indisponible : ${error.message}`);
   }

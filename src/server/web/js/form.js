@@ -21,7 +21,6 @@ export function bindForm(root, onInput) {
     inputs.set(input.name, { input, swatch });
   }
   return {
-    names: [...inputs.keys()],
     show(data) {
       for (const [name, { input, swatch }] of inputs) {
         const value = typeof data[name] === 'string' ? data[name] : '';
