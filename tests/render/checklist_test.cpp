@@ -4,23 +4,12 @@
 #include <gtest/gtest.h>
 
 using namespace velino;
+using test::defaultWith;
 
 namespace {
 
 bool check(const MailComposerData &d, int index) {
     return MailTemplateContext(d).checklist().at(index).ok;
-}
-
-// The default record with "field=value" edits separated by "|".
-MailComposerData edited(const QString &edits) {
-    MailComposerData d = MailComposerData::defaultRecord();
-    for (const QString &edit : edits.split(u'|')) {
-        const MailComposerData::Field *field = MailComposerData::field(edit.section(u'=', 0, 0));
-        EXPECT_NE(field, nullptr) << edit.toStdString();
-        if (field)
-            d.*field->member = edit.section(u'=', 1);
-    }
-    return d;
 }
 
 } // namespace
@@ -41,33 +30,38 @@ TEST(Checklist, SubjectLengthBoundsCountUserPerceivedCharacters) {
         {accent.repeated(11), false},
     };
     for (const auto &[subject, fits] : cases)
-        EXPECT_EQ(check(edited("subject=" + subject), 1), fits) << subject.toStdString();
+        EXPECT_EQ(check(defaultWith(u"subject", subject), 1), fits) << subject.toStdString();
 }
 
 TEST(Checklist, RecipientActionDetailsAndSignatureRules) {
-    const QString noDetails2To4 = "detailLabel2=|detailValue2=|detailLabel3=|detailValue3=|";
-    const std::tuple<QString, int, bool> cases[] = {
-        {"recipientEmail=   ", 0, false},
-        {"ctaLabel= ", 6, false},
-        {"ctaURL=|senderEmail=", 6, false}, // no link at all
-        {"ctaURL=|senderEmail=", 7, true},  // name and phone sign
-        {"ctaURL=|senderEmail=s@k.fr", 6, true},
-        {"ctaURL=|senderEmail=|senderName=", 7, false},
-        {noDetails2To4 + "detailLabel4=|detailValue4=", 4, false}, // the details need two rows
-        {noDetails2To4 + "detailLabel4=|detailValue4=x", 4, true},
-    };
-    for (const auto &[edits, index, ok] : cases)
-        EXPECT_EQ(check(edited(edits), index), ok) << edits.toStdString() << " check " << index;
+    EXPECT_FALSE(check(defaultWith(u"recipientEmail", "   "), 0));
+    EXPECT_FALSE(check(defaultWith(u"ctaLabel", " "), 6));
+    MailComposerData d = MailComposerData::defaultRecord();
+    d.ctaURL = d.senderEmail = "";
+    EXPECT_FALSE(check(d, 6)); // no link at all
+    EXPECT_TRUE(check(d, 7));  // name and phone sign
+    d.senderEmail = "s@k.fr";
+    EXPECT_TRUE(check(d, 6));
+    d.senderEmail = d.senderName = "";
+    EXPECT_FALSE(check(d, 7));
+
+    d = MailComposerData::defaultRecord();
+    d.detailLabel2 = d.detailValue2 = d.detailLabel3 = d.detailValue3 = "";
+    d.detailLabel4 = d.detailValue4 = "";
+    EXPECT_FALSE(check(d, 4)); // the details need two rows
+    d.detailValue4 = "x";
+    EXPECT_TRUE(check(d, 4));
 }
 
 TEST(FormatStatus, ThresholdsDifferFromTheChecklist) {
-    const std::pair<QString, QString> cases[] = {
-        {"detailLabel4=|detailValue4=", "Pret a envoyer"}, // three rows
-        {"detailLabel4=|detailValue4=|recipientEmail= ", "En preparation"},
-        {"detailLabel4=|detailValue4=|detailLabel3=|detailValue3=", "En preparation"}, // two rows
-        {"detailLabel4=|detailValue4=|detailLabel3=|detailValue3=|detailLabel2=|detailValue2=",
-         "A completer"},
-    };
-    for (const auto &[edits, status] : cases)
-        EXPECT_EQ(MailTemplateContext(edited(edits)).formatStatus(), status) << edits.toStdString();
+    MailComposerData d = MailComposerData::defaultRecord();
+    d.detailLabel4 = d.detailValue4 = "";
+    EXPECT_EQ(MailTemplateContext(d).formatStatus(), "Pret a envoyer"); // three rows
+    d.recipientEmail = " ";
+    EXPECT_EQ(MailTemplateContext(d).formatStatus(), "En preparation");
+    d.recipientEmail = "c@x.fr";
+    d.detailLabel3 = d.detailValue3 = "";
+    EXPECT_EQ(MailTemplateContext(d).formatStatus(), "En preparation"); // two rows
+    d.detailLabel2 = d.detailValue2 = "";
+    EXPECT_EQ(MailTemplateContext(d).formatStatus(), "A completer");
 }
