@@ -15,8 +15,7 @@ namespace {
 
 struct RenderRun {
     int exitCode = -1;
-    QByteArray out;
-    QByteArray err;
+    QByteArray out, err;
 };
 
 RenderRun runRender(const QStringList &args, const QByteArray &input = {}) {

@@ -82,8 +82,24 @@ TEST(AlphabeticAndNumeric, DecideWhatFileNamesAndFontStacksKeep) {
         {{u"\u24B6 test", u"\u24D0-test.html"},               // circled letter: Alphabetic
          {u"Prix \u00BD \u2167", u"prix-\u00BD-\u2177.html"}, // vulgar fraction, Roman numeral
          {u"\u0E01\u0E33 x", u"\u0E01\u0E33-x.html"},         // Thai letter and vowel sign
-         {u"a\u2122b\u00A9", u"a-b.html"}});                  // trade mark and copyright signs
+         {u"a\u2122b\u00A9", u"a-b.html"},                    // trade mark and copyright signs
+         {u"Votre devis \u2013 iPhone 13 (\u00E9cran)", u"votre-devis-iphone-13-\u00E9cran.html"},
+         {u"RDV : lundi 10h", u"rdv-lundi-10h.html"},
+         {u"\u00C9T\u00C9 \u0416\u0418\u0417\u041D\u042C",
+          u"\u00E9t\u00E9-\u0436\u0438\u0437\u043D\u044C.html"},
+         {u"Pr\u00EAt \U0001F600\U0001F600 !", u"pr\u00EAt.html"},
+         {u"", u"velino.html"},
+         {u" -- ?! ", u"velino.html"}});
     EXPECT_EQ(render::sanitizeFontStack(q(u"\u24B6 Sans; x"), "fallback"), q(u"\u24B6 Sans x"));
+}
+
+// Lower-casing, hyphens and the default name are in the table above.
+TEST(SuggestedFileName, CutsAt48UserPerceivedCharacters) {
+    const QString e = q(u"e\u0301"); // one character
+    EXPECT_EQ(suggestedFileName(QString(60, u'a')), QString(48, u'a') + ".html");
+    // 47 letters, then a blank: the 48th character is the hyphen and stays.
+    EXPECT_EQ(suggestedFileName("--" + QString(47, u'b') + " cdef"), QString(47, u'b') + "-.html");
+    EXPECT_EQ(suggestedFileName(e.repeated(50)), e.repeated(48) + ".html");
 }
 
 TEST(SyncCodeFilter, KeepsAUserPerceivedCharacterOnlyWhenItIsOneAllowedCharacter) {

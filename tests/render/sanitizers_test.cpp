@@ -28,11 +28,6 @@ TEST(HexColor, ReadsLongAndShortFormsOfEitherCaseTrimmed) {
     EXPECT_EQ(normalizeHex(" #2F7CF6 \n", "#fallbk"), "#2f7cf6");
 }
 
-TEST(Rgba, WritesDecimalChannelsAndTwoDecimalsWithFallbacks) {
-    EXPECT_EQ(rgba("#2f7cf6", 0.1), "rgba(47, 124, 246, 0.10)");
-    EXPECT_EQ(rgba("nonsense", 0.72), "rgba(47, 124, 246, 0.72)");
-}
-
 TEST(SanitizeFontStack, KeepsLettersNumbersAndTheEightListedCharacters) {
     const auto q = [](const char16_t *text) { return QString::fromUtf16(text); };
     const std::pair<QString, QString> cases[] = {
@@ -65,21 +60,16 @@ TEST(SanitizeURL, CoversEveryBranch) {
         EXPECT_EQ(sanitizeURL(url, sender), href) << url;
 }
 
-// Web and data addresses are kept by the golden documents.
-TEST(ResolveLogoSource, RefusesOtherAddresses) {
+// What the golden documents do not reach: web and data logo addresses, other phone numbers,
+// detail rows and the trimming of short texts are written by them.
+TEST(Sanitizers, BranchesTheGoldenDocumentsDoNotReach) {
+    EXPECT_EQ(rgba("#2f7cf6", 0.1), "rgba(47, 124, 246, 0.10)");
+    EXPECT_EQ(rgba("nonsense", 0.72), "rgba(47, 124, 246, 0.72)");
     for (const char *refused : {"ftp://a.fr/l.png", "logo.png", ""})
         EXPECT_EQ(resolveLogoSource(refused), MailComposerData::fallbackLogoURL());
-}
-
-// Other numbers are written by the golden documents.
-TEST(TelephoneHref, KeepsDigitsOfAnyScript) {
     EXPECT_EQ(telephoneHref(QString::fromUtf16(u"\u0660\u0661-2")),
               QString::fromUtf16(u"tel:\u0660\u06612"));
-}
-
-// Detail rows, trimming of short texts and the recipient label are checked by the golden
-// documents; here the line separators they do not reach.
-TEST(TextParagraphs, EveryLineSeparatorBreaksTheLine) {
+    // Every line separator breaks the line.
     EXPECT_EQ(textParagraphs(QString::fromUtf16(u"a\u2028b\u2029c\u0085d\vE\fF\rG\n\n")),
               QStringList({"a\nb\nc\nd\nE\nF\nG"}));
 }
