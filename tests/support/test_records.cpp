@@ -5,24 +5,14 @@
 #include <gtest/gtest.h>
 
 namespace velino::test {
-namespace {
 
-MailComposerData with(MailComposerData d, QStringView field, const QString &value) {
+MailComposerData defaultWith(QStringView field, const QString &value) {
+    MailComposerData d = MailComposerData::defaultRecord();
     const MailComposerData::Field *f = MailComposerData::field(field);
     EXPECT_NE(f, nullptr) << field.toString().toStdString();
     if (f)
         d.*f->member = value;
     return d;
-}
-
-} // namespace
-
-MailComposerData defaultWith(QStringView field, const QString &value) {
-    return with(MailComposerData::defaultRecord(), field, value);
-}
-
-MailComposerData blankWith(QStringView field, const QString &value) {
-    return with(MailComposerData::blank(), field, value);
 }
 
 QByteArray readTestData(const QString &name) {

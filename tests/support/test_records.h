@@ -10,9 +10,6 @@ namespace velino::test {
 // The default record with one field replaced.
 MailComposerData defaultWith(QStringView field, const QString &value);
 
-// Thirty-one empty texts with one field set.
-MailComposerData blankWith(QStringView field, const QString &value);
-
 // Bytes of a file under tests/data.
 QByteArray readTestData(const QString &name);
 
