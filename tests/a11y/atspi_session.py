@@ -2,7 +2,9 @@
 AT-SPI event as a screen reader does, so that Qt's bridge really sends them; exits with the
 command's status. Usage: dbus-run-session -- python3 atspi_session.py PROGRAM ARGS..."""
 
-import os, subprocess, sys  # noqa: E401
+import os
+import subprocess
+import sys
 
 
 def accessibility_environment():
@@ -11,13 +13,15 @@ def accessibility_environment():
 
 def listen_forever():
     import pyatspi
-    pyatspi.Registry.registerEventListener(lambda _event: None, "object:", "window:", "focus:", "document:")
+    pyatspi.Registry.registerEventListener(lambda _event: None,
+                                           "object:", "window:", "focus:", "document:")
     print("listening", flush=True)
     pyatspi.Registry.start()
 
 
 def run_listened(command):
-    listener = subprocess.Popen([sys.executable, __file__, "--listen"], stdout=subprocess.PIPE, text=True)
+    listener = subprocess.Popen([sys.executable, __file__, "--listen"],
+                                stdout=subprocess.PIPE, text=True)
     try:
         if listener.stdout.readline() != "listening\n":
             sys.exit("atspi_session.py: no AT-SPI listener (is it run under dbus-run-session?)")

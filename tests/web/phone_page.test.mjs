@@ -5,7 +5,9 @@ import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
 import path from 'node:path';
 import { setTimeout as sleep } from 'node:timers/promises';
-import { SyncServer, button, desktop, field, openPhone, settledRender, setUp } from './support.mjs';
+import {
+  SyncServer, button, desktop, field, openPhone, settledRender, setUp,
+} from './support.mjs';
 
 const axeSource = readFileSync(new URL(import.meta.resolve('axe-core/axe.min.js')), 'utf8');
 const SENT = /^Brouillon envoye · \d\d:\d\d$/;
@@ -16,8 +18,16 @@ const codeShown = (page) => page.getByRole('status', { name: 'Code prive', exact
 const status = (page) => page.locator('#sync-status');
 const shows = (page, text) => page.getByText(text, { exact: true }).first().waitFor();
 const alertWith = (page, text) => // showing exactly this text
-  page.getByRole('alert').filter({ hasText: new RegExp(`^\\s*${text.replace(/[.*+?^${}()|[\]\\]/g, '\\$&')}\\s*$`) }).first();
-const startServer = async (t, options) => { const s = await new SyncServer(phone.workspace, options).start(); t.after(() => s.stop()); return s; };
+  page.getByRole('alert')
+    .filter({
+      hasText: new RegExp(`^\\s*${text.replace(/[.*+?^${}()|[\]\\]/g, '\\$&')}\\s*$`),
+    })
+    .first();
+const startServer = async (t, options) => {
+  const s = await new SyncServer(phone.workspace, options).start();
+  t.after(() => s.stop());
+  return s;
+};
 // The 31 fields as the page shows them, by their names.
 const shownRecord = (page) => page.evaluate(() => Object.fromEntries(
   [...document.querySelectorAll('[id^="field-"]')].map((input) => [input.name, input.value])));
@@ -33,11 +43,15 @@ async function expectText(locator, expected, what) {
 // No serious axe-core violation nor script error in this state. With VELINO_SCREENSHOTS=DIR
 // (screenshots.mjs), each "name#element" of `shots` is saved as DIR/name.png, #element on top.
 async function checkState(page, state, ...shots) {
-  const { violations } = await page.evaluate(`${axeSource}; axe.run(document, { iframes: false, resultTypes: ['violations'] })`);
+  const { violations } = await page.evaluate(
+    `${axeSource}; axe.run(document, { iframes: false, resultTypes: ['violations'] })`);
   assert.deepEqual(violations.filter((v) => ['serious', 'critical'].includes(v.impact))
     .map((v) => `${v.id}: ${v.nodes.map((n) => n.target).join(' ')}`), [], `axe, ${state}`);
   assert.deepEqual(page.problems, [], `script errors or policy violations, ${state}`);
-  for (const [name, at] of process.env.VELINO_SCREENSHOTS ? shots.filter(Boolean).map((s) => s.split('#')) : []) {
+  const named = process.env.VELINO_SCREENSHOTS
+    ? shots.filter(Boolean).map((s) => s.split('#'))
+    : [];
+  for (const [name, at] of named) {
     if (at) await page.locator(`#${at}`).evaluate((e) => e.scrollIntoView({ block: 'start' }));
     await page.waitForTimeout(300); // the preview frame paints its new document
     await page.screenshot({ path: path.join(process.env.VELINO_SCREENSHOTS, `${name}.png`) });
@@ -58,7 +72,8 @@ test('a first visit makes a code, keeps it on the phone and out of the address',
   const page = await openPhone(phone.context, server);
   await checkState(page, 'first visit', 'first-visit');
   await button(page, 'Generer un code').tap();
-  const code = await expectText(codeShown(page), /^[A-Z0-9]{4}(-[A-Z0-9]{4}){5}$/, 'generated code');
+  const code = await expectText(codeShown(page), /^[A-Z0-9]{4}(-[A-Z0-9]{4}){5}$/,
+    'generated code');
   await checkState(page, 'code shown', 'code-shown');
   await page.reload();
   await expectText(codeShown(page), code, 'code after a reload');
@@ -71,19 +86,24 @@ test('a first visit makes a code, keeps it on the phone and out of the address',
   // Typed codes are normalised as the desktop does; short ones refused with its text.
   await useCode(second, 'abc', { change: true, shown: null });
   assert.equal(await field(second, 'Code prive a saisir').inputValue(), 'ABC');
-  await alertWith(second, "Le code prive doit contenir au moins 16 caracteres. Genere-le depuis l'interface iPhone.").waitFor();
+  await alertWith(second, "Le code prive doit contenir au moins 16 caracteres."
+    + " Genere-le depuis l'interface iPhone.").waitFor();
   await useCode(second, 'ab12-cd34 ef56/gh78é', { shown: 'AB12-CD34EF56GH78' });
 
   // Reset: back to the default record, nothing kept on the phone.
   await field(second, 'Nom du client').fill('A effacer');
-  await second.waitForFunction(() => localStorage.getItem('velino-draft-v1')?.includes('A effacer'));
+  await second.waitForFunction(
+    () => localStorage.getItem('velino-draft-v1')?.includes('A effacer'));
   await button(second, 'Reinitialiser').tap();
   await shows(second, 'Contenu reinitialise.');
-  assert.deepEqual([await field(second, 'Nom du client').inputValue(), await second.evaluate(() => localStorage.getItem('velino-draft-v1'))],
-    ['Mme Lambert', null]);
+  assert.deepEqual([
+    await field(second, 'Nom du client').inputValue(),
+    await second.evaluate(() => localStorage.getItem('velino-draft-v1')),
+  ], ['Mme Lambert', null]);
 });
 
-test('the desktop pushes, the phone pulls, edits and pushes, the desktop gets it byte for byte', async (t) => {
+test('the desktop pushes, the phone pulls, edits and pushes, the desktop gets it byte for byte',
+  async (t) => {
   const server = await startServer(t, { name: 'loop' });
   const code = 'LOOP-2M9X-PL4D-8RWA-C3NZ-H6TB';
   await desktop('push', server, code, path.join(phone.workspace.dir, 'desktop-a'));
@@ -100,12 +120,15 @@ test('the desktop pushes, the phone pulls, edits and pushes, the desktop gets it
   assert.equal(await readyTile.getAttribute('aria-pressed'), 'true');
   assert.equal(await field(page, 'Objet du mail').inputValue(), 'Votre appareil est pret');
   const steps = await page.evaluate(() => history.length);
-  const { answer, previewHtml } = await settledRender(page, () => field(page, 'Nom du client').fill('Lea Martin'));
-  assert.equal(await page.evaluate(() => history.length), steps, 'previews add no step to the back button');
-  await page.frameLocator('#preview-box iframe:not([hidden])').getByText('Votre appareil est pret', { exact: true }).first().waitFor();
+  const { answer, previewHtml } = await settledRender(page,
+    () => field(page, 'Nom du client').fill('Lea Martin'));
+  assert.equal(await page.evaluate(() => history.length), steps,
+    'previews add no step to the back button');
+  await page.frameLocator('#preview-box iframe:not([hidden])')
+    .getByText('Votre appareil est pret', { exact: true }).first().waitFor();
   assert.equal(answer.html, previewHtml, 'preview frame shows the rendered e-mail');
-  await checkState(page, 'editing with preview', 'preset-applied#presets-heading', 'editing-preview#preview-heading',
-    'checklist#checklist', 'branding#card-identite');
+  await checkState(page, 'editing with preview', 'preset-applied#presets-heading',
+    'editing-preview#preview-heading', 'checklist#checklist', 'branding#card-identite');
 
   await button(page, "Envoyer vers l'ordinateur").tap();
   await expectText(status(page), SENT, 'push status');
@@ -113,14 +136,20 @@ test('the desktop pushes, the phone pulls, edits and pushes, the desktop gets it
   const shown = await shownRecord(page);
 
   // Sending from the phone: the subject and the text as rendered, and a mailto: link.
-  for (const [name, done, copied] of [["Copier l'objet", 'Objet copie.', answer.subject], ['Copier le texte', 'Texte copie.', answer.text]]) {
+  for (const [name, done, copied] of [
+    ["Copier l'objet", 'Objet copie.', answer.subject],
+    ['Copier le texte', 'Texte copie.', answer.text],
+  ]) {
     await button(page, name).tap();
     await shows(page, done);
     assert.equal(await page.evaluate(() => navigator.clipboard.readText()), copied, name);
   }
-  const mailto = await page.getByRole('link', { name: 'Ouvrir dans Mail', exact: true }).getAttribute('href');
-  const [to, subject, body] = mailto.match(/^mailto:([^?]*)\?subject=([^&]*)&body=([^&]*)$/).slice(1).map(decodeURIComponent);
-  assert.deepEqual({ to, subject, body }, { to: shown.recipientEmail, subject: answer.subject, body: answer.text });
+  const mailto = await page.getByRole('link', { name: 'Ouvrir dans Mail', exact: true })
+    .getAttribute('href');
+  const [to, subject, body] = mailto.match(/^mailto:([^?]*)\?subject=([^&]*)&body=([^&]*)$/)
+    .slice(1).map(decodeURIComponent);
+  assert.deepEqual({ to, subject, body },
+    { to: shown.recipientEmail, subject: answer.subject, body: answer.text });
 
   const pulled = await desktop('pull', server, code, path.join(phone.workspace.dir, 'desktop-b'));
   assert.deepEqual([pulled.activePreset, pulled.record], ['pret', shown]);
@@ -129,7 +158,8 @@ test('the desktop pushes, the phone pulls, edits and pushes, the desktop gets it
   await checkState(page, 'text at 200 %', 'text-200#sync-heading');
 });
 
-test('refusals and failures are shown in French, the fields stay and a later push succeeds', async (t) => {
+test('refusals and failures are shown in French, the fields stay and a later push succeeds',
+  async (t) => {
   const server = await startServer(t, { name: 'failures', extra: ['--max-body', '20000'] });
   const page = await openPhone(phone.context, server, '?delai-ms=1500');
   const push = () => button(page, "Envoyer vers l'ordinateur").tap();
@@ -145,25 +175,40 @@ test('refusals and failures are shown in French, the fields stay and a later pus
   // Ten unknown codes a minute per address, then 429.
   const lookUpTooOften = async () => {
     await useCode(page, 'NONE-0000-1111-2222-3333-4444', { change: true });
-    for (let i = 0; i < 10; i++) await pull().then(() => expectText(status(page), /Rien|Trop/, 'lookup'));
+    for (let i = 0; i < 10; i++)
+      await pull().then(() => expectText(status(page), /Rien|Trop/, 'lookup'));
     await pull();
   };
+  const stopThenPush = async () => {
+    await server.stop();
+    await push();
+  };
+  const pauseThenPush = async () => {
+    server.process.kill('SIGSTOP');
+    await push();
+  };
   const cases = [ // what, edit, failure, its alert, repair, screenshot
-    ['too large', fill('Message principal', 'x'.repeat(25000)), push, 'Brouillon trop volumineux : 20000 octets au plus.',
+    ['too large', fill('Message principal', 'x'.repeat(25000)), push,
+      'Brouillon trop volumineux : 20000 octets au plus.',
       fill('Message principal', 'Texte court apres refus.')],
-    ['too many lookups', fill('Nom du client', 'Client 429'), lookUpTooOften, 'Trop de tentatives : reessaie dans une minute.', failCode],
-    ['server stopped', fill('Nom du client', 'Client hors ligne'), async () => { await server.stop(); await push(); },
-      'Service injoignable : verifie la connexion puis reessaie.', () => server.start(), 'error#sync-heading'],
-    ['slow server', fill('Nom du client', 'Client patient'), async () => { server.process.kill('SIGSTOP'); await push(); },
-      'Le service ne repond pas (delai depasse) : reessaie dans un instant.', () => server.process.kill('SIGCONT')],
+    ['too many lookups', fill('Nom du client', 'Client 429'), lookUpTooOften,
+      'Trop de tentatives : reessaie dans une minute.', failCode],
+    ['server stopped', fill('Nom du client', 'Client hors ligne'), stopThenPush,
+      'Service injoignable : verifie la connexion puis reessaie.', () => server.start(),
+      'error#sync-heading'],
+    ['slow server', fill('Nom du client', 'Client patient'), pauseThenPush,
+      'Le service ne repond pas (delai depasse) : reessaie dans un instant.',
+      () => server.process.kill('SIGCONT')],
   ];
   for (const [what, edit, failure, expected, repair, screenshot] of cases) {
     await edit();
     const typed = await shownRecord(page);
     await failure();
     await alertWith(page, expected).waitFor();
-    const saved = await page.evaluate(() => JSON.parse(localStorage.getItem('velino-draft-v1')).data);
-    assert.deepEqual([await shownRecord(page), saved], [typed, typed], `fields and the phone's draft kept, ${what}`);
+    const saved = await page.evaluate(
+      () => JSON.parse(localStorage.getItem('velino-draft-v1')).data);
+    assert.deepEqual([await shownRecord(page), saved], [typed, typed],
+      `fields and the phone's draft kept, ${what}`);
     await checkState(page, what, screenshot);
     await repair();
     await push();

@@ -3,8 +3,9 @@ import QtTest
 import Velino
 import VelinoTest
 
-// A test of the application's real windows (settings in a temporary folder, wiped before each test); keys go
-// to those windows, not to the test's own. A window is held as { window, main, store, controller }.
+// A test of the application's real windows (settings in a temporary folder, wiped before each
+// test); keys go to those windows, not to the test's own. A window is held as
+// { window, main, store, controller }.
 TestCase {
     when: windowShown
 
@@ -29,17 +30,22 @@ TestCase {
     }
 
     function find(item, test) {
-        return !item || test(item) ? item : Array.from(item.children).reduce((found, child) => found || find(child, test), null)
+        return !item || test(item) ? item
+                                   : Array.from(item.children).reduce(
+                                         (found, child) => found || find(child, test), null)
     }
 
     function named(root, name) {
         const item = find(root, (i) => i.objectName === name)
-        return verify(item, "item " + name), item
+        verify(item, "item " + name)
+        return item
     }
 
     function el(t, name) { return named(t.main, name) }
     function lockItem(w, name) { return named(named(w.contentItem, "lockLoader").item, name) }
-    function control(wrapper) { return wrapper.field !== undefined ? wrapper.field : wrapper.editor }
+    function control(wrapper) {
+        return wrapper.field !== undefined ? wrapper.field : wrapper.editor
+    }
 
     function openWindow() {
         const w = AppShell.openWindow()
@@ -51,11 +57,13 @@ TestCase {
 
     function openUnlocked() {
         const t = openWindow()
-        tryVerify(() => lockItem(t.window, "passwordField").activeFocus, 3000, "password field focused")
+        tryVerify(() => lockItem(t.window, "passwordField").activeFocus, 3000,
+                  "password field focused")
         TestSupport.typeText(t.window, "Falcon77!")
         TestSupport.keyClick(t.window, Qt.Key_Return)
         tryVerify(() => t.window.lockState.isUnlocked)
-        return Object.assign(t, { main: named(t.window.contentItem, "mainLoader").item, controller: t.window.controller,
+        return Object.assign(t, { main: named(t.window.contentItem, "mainLoader").item,
+                                  controller: t.window.controller,
                                   store: t.window.controller.store })
     }
 
@@ -68,21 +76,30 @@ TestCase {
         return c
     }
 
-    function typeInto(t, name, text) { const c = focusControl(t, name); return TestSupport.typeText(t.window, text), c }
+    function typeInto(t, name, text) {
+        const c = focusControl(t, name)
+        TestSupport.typeText(t.window, text)
+        return c
+    }
 
     // Empties a form field; returns the HTML from before.
     function clearField(t, fieldName) {
         const c = focusControl(t, "field." + fieldName), before = t.store.generatedHTML
         c.selectAll()
         TestSupport.keyClick(t.window, Qt.Key_Backspace)
-        return compare(c.text, ""), before
+        compare(c.text, "")
+        return before
     }
 
-    function waitForDebounce(t, before) { tryVerify(() => t.store.generatedHTML !== before, 3000, "regenerated") }
+    function waitForDebounce(t, before) {
+        tryVerify(() => t.store.generatedHTML !== before, 3000, "regenerated")
+    }
 
     function waitForPreview(t) {
         const preview = el(t, "htmlPreview")
-        return tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000, "preview shown"), preview
+        tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000,
+                  "preview shown")
+        return preview
     }
 
     function box(item) {
@@ -92,17 +109,20 @@ TestCase {
 
     function inside(inner, outer) {
         const [a, b] = [box(inner), box(outer)]
-        return a.x >= b.x - 0.5 && a.right <= b.right + 0.5 && a.y >= b.y - 0.5 && a.bottom <= b.bottom + 0.5
+        return a.x >= b.x - 0.5 && a.right <= b.right + 0.5
+               && a.y >= b.y - 0.5 && a.bottom <= b.bottom + 0.5
     }
 
     // On screen, and inside the form's scrolled viewport when in the form.
     function onScreen(t, item) {
         const form = t.main.composerPane
-        return inside(item, t.window.contentItem) && (!find(form, (i) => i === item) || inside(item, form))
+        return inside(item, t.window.contentItem)
+               && (!find(form, (i) => i === item) || inside(item, form))
     }
 
     function reveal(t, item) {
-        const flick = t.main.composerPane.scrollView.contentItem, y = item.mapToItem(flick.contentItem, 0, 0).y
+        const flick = t.main.composerPane.scrollView.contentItem
+        const y = item.mapToItem(flick.contentItem, 0, 0).y
         flick.contentY = Math.max(0, Math.min(y - 120, flick.contentHeight - flick.height))
         waitForRendering(t.main)
         verify(onScreen(t, item), item.objectName + " on screen")
@@ -113,9 +133,11 @@ TestCase {
     function answerAlert(t) {
         const popup = t.window.warningAlert, dialogs = t.controller.dialogs
         tryVerify(() => popup.opened, 5000, "alert shown")
-        const ok = named(popup.contentItem, "alertOkButton"), text = (name) => named(popup.contentItem, name).text
-        const shown = { title: text("alertTitle"), message: text("alertMessage"), buttons: ok.parent.children.length,
-                        button: ok.text, modal: popup.modal && dialogs.isModal }
+        const ok = named(popup.contentItem, "alertOkButton")
+        const text = (name) => named(popup.contentItem, name).text
+        const shown = { title: text("alertTitle"), message: text("alertMessage"),
+                        buttons: ok.parent.children.length, button: ok.text,
+                        modal: popup.modal && dialogs.isModal }
         mouseClick(ok)
         tryVerify(() => !dialogs.alertVisible && !popup.visible, 3000, "alert closed by OK")
         return shown

@@ -20,38 +20,55 @@ Item {
         when: windowShown
 
         function page(title, body) {
-            return "<!DOCTYPE html>\n<html lang=\"fr\">\n<head>\n<meta charset=\"utf-8\"><meta name=\"viewport\" content=\"width=device-width\"><title>" +
+            return "<!DOCTYPE html>\n<html lang=\"fr\">\n<head>\n<meta charset=\"utf-8\">" +
+                "<meta name=\"viewport\" content=\"width=device-width\"><title>" +
                 title + "</title></head><body style=\"margin:0\">" + body + "</body></html>"
         }
 
-        function imagePage(url) { return page("Mode", "<img alt=\"Logo Korvel\" src=\"" + url + "\" width=\"8\" height=\"8\"><p>Bonjour</p>") }
+        function imagePage(url) {
+            return page("Mode", "<img alt=\"Logo Korvel\" src=\"" + url +
+                        "\" width=\"8\" height=\"8\"><p>Bonjour</p>")
+        }
 
-        readonly property string smallHtml: page("Petit", "<p id=\"t\">Votre appareil est pret</p><a id=\"rel\" href=\"velino.html\">lien</a>")
+        readonly property string smallHtml: page("Petit",
+            "<p id=\"t\">Votre appareil est pret</p><a id=\"rel\" href=\"velino.html\">lien</a>")
 
         // A logo inlined as data: weighs more than QtWebEngine's data: URL limit.
-        readonly property string largeHtml: page("Gros", "<img alt=\"\" src=\"data:image/png;base64," + "QUFB+/".repeat(300000) +
-                                                 "\"><p id=\"t\">Fin du mail é</p><a id=\"rel\" href=\"velino.html\">lien</a>")
+        readonly property string largeHtml: page("Gros",
+            "<img alt=\"\" src=\"data:image/png;base64," + "QUFB+/".repeat(300000) +
+            "\"><p id=\"t\">Fin du mail é</p><a id=\"rel\" href=\"velino.html\">lien</a>")
 
-        function tallHtml(paragraphs) { return page("Long " + paragraphs, "<p style=\"height:40px;margin:0\">Ligne</p>".repeat(paragraphs)) }
+        function tallHtml(paragraphs) {
+            return page("Long " + paragraphs,
+                        "<p style=\"height:40px;margin:0\">Ligne</p>".repeat(paragraphs))
+        }
 
         function evaluate(view, script) {
             let done = false, value
-            view.runJavaScript(script, (result) => { value = result; done = true })
+            view.runJavaScript(script, (result) => {
+                value = result
+                done = true
+            })
             tryVerify(() => done, 10000, "script answered: " + script)
             return value
         }
 
         function loadAndWait(view, action) {
-            const spy = createTemporaryObject(signalSpyComponent, testCase, { target: view, signalName: "loadingChanged" })
+            const spy = createTemporaryObject(signalSpyComponent, testCase,
+                                              { target: view, signalName: "loadingChanged" })
             action()
-            const finished = () => spy.signalArguments.map(a => a[0].status).find(s => s !== WebEngineView.LoadStartedStatus)
+            const finished = () => spy.signalArguments.map(a => a[0].status)
+                                      .find(s => s !== WebEngineView.LoadStartedStatus)
             tryVerify(() => finished() !== undefined, 20000, "load finished")
             return finished()
         }
 
         function makePreview(properties, shown = true) {
             const preview = createTemporaryObject(previewComponent, scene, properties)
-            return shown && tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000, "first page shown"), preview
+            if (shown)
+                tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000,
+                          "first page shown")
+            return preview
         }
 
         function test_emptyHtmlShowsTheBackgroundThrough() {
@@ -59,7 +76,8 @@ Item {
             wait(300)
             waitForRendering(preview.webView)
             const pixel = grabImage(scene).pixel(350, 250)
-            verify(pixel.r > 0.95 && pixel.g < 0.05 && pixel.b < 0.05, "backdrop visible, got " + pixel)
+            verify(pixel.r > 0.95 && pixel.g < 0.05 && pixel.b < 0.05,
+                   "backdrop visible, got " + pixel)
         }
 
         // Every assignment reloads; hidden until the first page is loaded, never after (no flash).
@@ -78,29 +96,41 @@ Item {
         // A reload keeps the reading position, in proportion to the page's height; top stays top.
         function test_reloadKeepsTheReadingPosition() {
             const preview = makePreview({ html: tallHtml(100) }), view = preview.webView
-            const position = () => evaluate(view, "window.scrollY / (document.documentElement.scrollHeight - window.innerHeight)")
+            const position = () => evaluate(view,
+                "window.scrollY / (document.documentElement.scrollHeight - window.innerHeight)")
             loadAndWait(view, () => preview.html = tallHtml(101))
             compare(evaluate(view, "window.scrollY"), 0, "top stays top")
-            evaluate(view, "window.scrollTo(0, 0.6 * (document.documentElement.scrollHeight - window.innerHeight)); 0")
-            tryVerify(() => Math.abs(view.scrollPosition.y / (view.contentsSize.height - view.height) - 0.6) < 0.01,
+            evaluate(view, "window.scrollTo(0, 0.6 * (document.documentElement.scrollHeight"
+                           + " - window.innerHeight)); 0")
+            tryVerify(() => Math.abs(view.scrollPosition.y
+                                     / (view.contentsSize.height - view.height) - 0.6) < 0.01,
                       5000, "scroll known to the view")
             for (const paragraphs of [100, 200]) {
                 loadAndWait(view, () => preview.html = tallHtml(paragraphs))
-                tryVerify(() => Math.abs(position() - 0.6) < 0.02, 5000, paragraphs + " paragraphs: " + position())
+                tryVerify(() => Math.abs(position() - 0.6) < 0.02, 5000,
+                          paragraphs + " paragraphs: " + position())
             }
         }
 
-        // Links resolve on the service host, also through a file (one <base>, UTF-8); a new host reloads.
+        // Links resolve on the service host, also through a file (one <base>, UTF-8); a new host
+        // reloads.
         function test_pageHasTheHttpsBaseOfTheServiceHost() {
             const preview = makePreview({ html: smallHtml })
-            const shown = "[document.getElementById('t').textContent, document.baseURI, document.getElementById('rel').href, " +
+            const shown = "[document.getElementById('t').textContent, document.baseURI, " +
+                          "document.getElementById('rel').href, " +
                           "document.querySelectorAll('base').length, document.characterSet]"
-            compare(evaluate(preview.webView, shown), ["Votre appareil est pret", "https://korvel.example/", "https://korvel.example/velino.html", 0, "UTF-8"])
+            compare(evaluate(preview.webView, shown),
+                    ["Votre appareil est pret", "https://korvel.example/",
+                     "https://korvel.example/velino.html", 0, "UTF-8"])
             verify(!preview.loader.lastLoadUsedFile)
             loadAndWait(preview.webView, () => preview.html = largeHtml)
-            verify(preview.loader.dataUrlLengthOf(largeHtml) > preview.loader.maxDataUrlLength && preview.loader.lastLoadUsedFile)
-            compare(evaluate(preview.webView, shown), ["Fin du mail é", "https://korvel.example/", "https://korvel.example/velino.html", 1, "UTF-8"])
-            compare(loadAndWait(preview.webView, () => preview.serviceHost = "atelier.example"), WebEngineView.LoadSucceededStatus)
+            verify(preview.loader.dataUrlLengthOf(largeHtml) > preview.loader.maxDataUrlLength
+                   && preview.loader.lastLoadUsedFile)
+            compare(evaluate(preview.webView, shown),
+                    ["Fin du mail é", "https://korvel.example/",
+                     "https://korvel.example/velino.html", 1, "UTF-8"])
+            compare(loadAndWait(preview.webView, () => preview.serviceHost = "atelier.example"),
+                    WebEngineView.LoadSucceededStatus)
             compare(evaluate(preview.webView, "document.baseURI"), "https://atelier.example/")
         }
 
@@ -108,39 +138,51 @@ Item {
         function test_dataUrlLimitMatchesTheWebEngine() {
             const loader = makePreview({ html: "" }).loader
             const fitting = "a".repeat(loader.maxDataUrlLength - loader.dataUrlLengthOf(""))
-            for (const [html, status] of [[fitting, WebEngineView.LoadSucceededStatus], [fitting + "a", WebEngineView.LoadFailedStatus]]) {
+            for (const [html, status] of [[fitting, WebEngineView.LoadSucceededStatus],
+                                          [fitting + "a", WebEngineView.LoadFailedStatus]]) {
                 const raw = createTemporaryObject(rawViewComponent, scene)
-                compare(loadAndWait(raw, () => raw.loadHtml(html, "https://korvel.example")), status)
+                compare(loadAndWait(raw, () => raw.loadHtml(html, "https://korvel.example")),
+                        status)
             }
         }
 
         // No HTTPS base: the test's image server speaks plain HTTP on loopback.
-        function showIn(mode, html) { return makePreview({ html: html, mode: mode, serviceHost: "" }) }
+        function showIn(mode, html) {
+            return makePreview({ html: html, mode: mode, serviceHost: "" })
+        }
 
         function test_phoneIsNarrowAndDarkInvertsAllButPictures() {
             const phone = showIn(PreviewMode.Phone, imagePage("data:,"))
-            compare([evaluate(phone.webView, "window.innerWidth"), phone.webView.x], [375, (scene.width - 375) / 2], "narrow, centred")
-            compare(evaluate(showIn(PreviewMode.Desktop, imagePage("data:,")).webView, "window.innerWidth"), scene.width)
+            compare([evaluate(phone.webView, "window.innerWidth"), phone.webView.x],
+                    [375, (scene.width - 375) / 2], "narrow, centred")
+            compare(evaluate(showIn(PreviewMode.Desktop, imagePage("data:,")).webView,
+                             "window.innerWidth"), scene.width)
             const dark = showIn(PreviewMode.Dark, imagePage("data:,"))
             for (const element of ["document.documentElement", "document.images[0]"])
-                verify(String(evaluate(dark.webView, "getComputedStyle(" + element + ").filter")).indexOf("invert(1)") >= 0, element)
+                verify(String(evaluate(dark.webView, "getComputedStyle(" + element + ").filter"))
+                       .indexOf("invert(1)") >= 0, element)
         }
 
         function test_imagesAreRequestedExceptWithoutImages() {
             const port = TestSupport.startImageServer(), before = TestSupport.imageRequests()
             verify(port > 0)
-            const blocked = showIn(PreviewMode.NoImages, imagePage("http://127.0.0.1:" + port + "/logo.png?a"))
+            const blocked = showIn(PreviewMode.NoImages,
+                                   imagePage("http://127.0.0.1:" + port + "/logo.png?a"))
             wait(500)
             compare(TestSupport.imageRequests(), before, "no request without images")
             compare(evaluate(blocked.webView, "document.images[0].naturalWidth"), 0)
             // Out of "Sans images", the shown page reloads with its image.
             blocked.mode = PreviewMode.Desktop
-            tryVerify(() => TestSupport.imageRequests() === before + 1, 5000, "requested once allowed")
+            tryVerify(() => TestSupport.imageRequests() === before + 1, 5000,
+                      "requested once allowed")
         }
 
         function test_sizeLine() {
-            for (const [bytes, text, clipped] of [[12165, "12", false], [102 * 1024, "102", false], [102 * 1024 + 1, "102", true]])
-                compare([UiHelpers.mailSizeText(bytes), UiHelpers.isClippedByGmail(bytes)], ["Taille du mail : " + text + " Ko", clipped])
+            for (const [bytes, text, clipped] of [[12165, "12", false],
+                                                  [102 * 1024, "102", false],
+                                                  [102 * 1024 + 1, "102", true]])
+                compare([UiHelpers.mailSizeText(bytes), UiHelpers.isClippedByGmail(bytes)],
+                        ["Taille du mail : " + text + " Ko", clipped])
         }
     }
 }

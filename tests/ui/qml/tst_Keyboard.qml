@@ -10,12 +10,14 @@ WindowTestCase {
     function init() {
         verify(TestSupport.resetSettings(), "settings wiped")
         t = openUnlocked()
-        tryVerify(() => focusedName() === "field.recipientName", 3000, "the client's name has the focus after unlocking")
+        tryVerify(() => focusedName() === "field.recipientName", 3000,
+                  "the client's name has the focus after unlocking")
         tryVerify(() => onScreen(t, t.window.activeFocusItem), 2000, "and is on screen")
         waitForPreview(t)
     }
 
-    // The focused control's objectName, or its nearest named ancestor's ("field.subject" for its input).
+    // The focused control's objectName, or its nearest named ancestor's ("field.subject" for its
+    // input).
     function focusedName() {
         let item = t.window.activeFocusItem
         while (item && !item.objectName)
@@ -28,7 +30,9 @@ WindowTestCase {
         wait(0)
     }
 
-    function focusOn(name, reason) { el(t, name).forceActiveFocus(reason === undefined ? Qt.TabFocusReason : reason) }
+    function focusOn(name, reason) {
+        el(t, name).forceActiveFocus(reason === undefined ? Qt.TabFocusReason : reason)
+    }
 
     function test_tabVisitsEveryControlInReadingOrder() {
         focusOn("newButton")
@@ -42,36 +46,47 @@ WindowTestCase {
             if (!seen.includes(name))
                 seen.push(name)
         }
-        compare(focusedName(), "newButton", "Tab goes round the whole window; seen: " + seen.join(", "))
-        const expected = ("newButton standalonePreviewButton exportButton openInMailButton presetTile.devis presetTile.pret "
-                          + "presetTile.rdv presetTile.relance presetNameField field.recipientName field.recipientEmail "
-                          + "field.subject field.preheader syncCodeField pullButton pushButton webInterfaceLink field.mailTitle "
-                          + "field.mailIntro field.mailBody field.highlight field.detailLabel1 field.detailValue4 field.ctaLabel "
-                          + "field.ctaURL field.closingNote openDraftButton field.logoURL field.accentPrimary field.senderEmail "
-                          + "field.footerNote copySubjectButton copyTextButton copyMailButton").split(" ")
-        compare(seen.filter(name => expected.includes(name)), expected, "reached with Tab, in reading order")
+        compare(focusedName(), "newButton",
+                "Tab goes round the whole window; seen: " + seen.join(", "))
+        const expected = ("newButton standalonePreviewButton exportButton openInMailButton "
+                          + "presetTile.devis presetTile.pret presetTile.rdv presetTile.relance "
+                          + "presetNameField field.recipientName field.recipientEmail "
+                          + "field.subject field.preheader syncCodeField pullButton pushButton "
+                          + "webInterfaceLink field.mailTitle field.mailIntro field.mailBody "
+                          + "field.highlight field.detailLabel1 field.detailValue4 field.ctaLabel "
+                          + "field.ctaURL field.closingNote openDraftButton field.logoURL "
+                          + "field.accentPrimary field.senderEmail field.footerNote "
+                          + "copySubjectButton copyTextButton copyMailButton").split(" ")
+        compare(seen.filter(name => expected.includes(name)), expected,
+                "reached with Tab, in reading order")
         // The disabled buttons are skipped, not lost: they join once enabled.
         verify(!seen.includes("saveAsNewButton") && !seen.includes("updateLoadedButton"))
     }
 
     function test_spaceReturnAndArrowsAct() {
         focusOn("presetTile.devis")
-        for (const [key, focused, active] of [[Qt.Key_Right, "pret", "devis"], [Qt.Key_Return, "pret", "pret"],
-                                              [Qt.Key_Left, "devis", "pret"], [Qt.Key_Space, "devis", "devis"]]) {
+        for (const [key, focused, active] of [[Qt.Key_Right, "pret", "devis"],
+                                              [Qt.Key_Return, "pret", "pret"],
+                                              [Qt.Key_Left, "devis", "pret"],
+                                              [Qt.Key_Space, "devis", "devis"]]) {
             press(key)
             compare([focusedName(), t.store.activePreset], ["presetTile." + focused, active])
         }
         const ring = (name) => find(el(t, name), (i) => i.shown === true && i.border !== undefined)
-        for (const [button, reason, key, action] of [["copySubjectButton", Qt.TabFocusReason, Qt.Key_Space, "Objet copie."],
-                                                     ["copyTextButton", Qt.MouseFocusReason, Qt.Key_Return, "Version texte copiee."]]) {
+        for (const [button, reason, key, action] of [
+                 ["copySubjectButton", Qt.TabFocusReason, Qt.Key_Space, "Objet copie."],
+                 ["copyTextButton", Qt.MouseFocusReason, Qt.Key_Return, "Version texte copiee."]]) {
             focusOn(button, reason)
-            compare(!!ring(button), reason === Qt.TabFocusReason, "focus ring only when reached from the keyboard")
+            compare(!!ring(button), reason === Qt.TabFocusReason,
+                    "focus ring only when reached from the keyboard")
             press(key)
             tryCompare(t.store, "lastAction", action)
         }
     }
 
-    function test_tabLeavesEditors_data() { return ["mailIntro", "mailBody", "closingNote", "footerNote"].map(tag => ({ tag })) }
+    function test_tabLeavesEditors_data() {
+        return ["mailIntro", "mailBody", "closingNote", "footerNote"].map(tag => ({ tag }))
+    }
 
     // Tab and Shift+Tab leave a text editor and type nothing into it.
     function test_tabLeavesEditors(data) {
@@ -82,7 +97,8 @@ WindowTestCase {
             press(key, modifiers)
             verify(!editor.activeFocus, "leaves with " + key)
         }
-        compare([editor.text, t.store.data[data.tag]], [before, before], "unchanged on screen and in the record")
+        compare([editor.text, t.store.data[data.tag]], [before, before],
+                "unchanged on screen and in the record")
     }
 
     function test_pageKeysScrollTheForm() {
@@ -90,27 +106,35 @@ WindowTestCase {
         focusOn("openDraftButton")
         verify(onScreen(t, el(t, "openDraftButton")), "focused button revealed")
         const end = flick.contentHeight - flick.height
-        for (const [key, modifiers, near, within] of [[Qt.Key_Home, Qt.ControlModifier, 0, 1], [Qt.Key_PageDown, 0, flick.height, flick.height / 2],
-                                                      [Qt.Key_End, Qt.ControlModifier, end, 1], [Qt.Key_PageUp, 0, end - flick.height, flick.height / 2]]) {
+        for (const [key, modifiers, near, within] of [
+                 [Qt.Key_Home, Qt.ControlModifier, 0, 1],
+                 [Qt.Key_PageDown, 0, flick.height, flick.height / 2],
+                 [Qt.Key_End, Qt.ControlModifier, end, 1],
+                 [Qt.Key_PageUp, 0, end - flick.height, flick.height / 2]]) {
             press(key, modifiers)
             verify(Math.abs(flick.contentY - near) <= within, key + ": " + flick.contentY)
         }
     }
 
-    // "Nouveau" asks first: Escape or "Annuler" keep the content, "Reinitialiser" brings back the base template.
+    // "Nouveau" asks first: Escape or "Annuler" keep the content, "Reinitialiser" brings back the
+    // base template.
     function test_resetAsksFirst() {
-        const alert = t.window.resetAlert, opener = el(t, "newButton"), edited = defaultSubject + " modifie"
+        const alert = t.window.resetAlert, opener = el(t, "newButton")
+        const edited = defaultSubject + " modifie"
         typeInto(t, "field.subject", " modifie")
         const ask = () => {
             opener.forceActiveFocus(Qt.TabFocusReason)
             press(Qt.Key_Return)
             tryVerify(() => alert.opened && t.controller.showResetAlert, 3000)
             compare(["alertTitle", "alertMessage"].map(name => named(alert.contentItem, name).text),
-                    ["Revenir au template Korvel de base ?", "Le contenu actuel sera remplace par le modele natif par defaut."])
-            tryVerify(() => named(alert.contentItem, "resetCancelButton").activeFocus, 2000, "Annuler has the focus")
+                    ["Revenir au template Korvel de base ?",
+                     "Le contenu actuel sera remplace par le modele natif par defaut."])
+            tryVerify(() => named(alert.contentItem, "resetCancelButton").activeFocus, 2000,
+                      "Annuler has the focus")
         }
-        const answered = () => tryVerify(() => !alert.visible && !t.controller.showResetAlert && opener.activeFocus, 2000,
-                                         "closed, focus back on Nouveau")
+        const answered = () => tryVerify(
+            () => !alert.visible && !t.controller.showResetAlert && opener.activeFocus, 2000,
+            "closed, focus back on Nouveau")
         for (const key of [Qt.Key_Escape, Qt.Key_Space]) {
             ask()
             press(key)
@@ -125,14 +149,17 @@ WindowTestCase {
         compare([confirm.activeFocus, confirm.text], [true, "Reinitialiser"])
         press(Qt.Key_Return)
         answered()
-        compare([el(t, "field.subject").field.text, el(t, "field.mailTitle").field.text, el(t, "presetTile.devis").isActive],
+        compare([el(t, "field.subject").field.text, el(t, "field.mailTitle").field.text,
+                 el(t, "presetTile.devis").isActive],
                 [defaultSubject, "Votre devis est pret", true])
     }
 
     // Deleting from the keyboard leaves the focus on the next row, then on the name field.
     function test_focusAfterDeletingPresets() {
-        for (const name of ["Premier", "Deuxieme", "Troisieme"])
-            t.store.customPresetDraftName = name, t.store.saveAsNewCustomPreset()
+        for (const name of ["Premier", "Deuxieme", "Troisieme"]) {
+            t.store.customPresetDraftName = name
+            t.store.saveAsNewCustomPreset()
+        }
         const list = el(t, "customPresetList")
         tryVerify(() => list.count === 3 && list.itemAtIndex(2), 3000)
         for (let left = 3; left > 0; --left) {
@@ -151,7 +178,8 @@ WindowTestCase {
         for (const [key, modifiers, index] of [[Qt.Key_F10, 0, 0], [Qt.Key_F, Qt.AltModifier, 1]]) {
             const menu = t.window.menuBar.menuAt(index)
             press(key, modifiers)
-            tryVerify(() => menu.opened, 2000, (index ? "Alt+F opens Fenetre" : "F10 opens Edition"))
+            tryVerify(() => menu.opened, 2000,
+                      (index ? "Alt+F opens Fenetre" : "F10 opens Edition"))
             press(Qt.Key_Escape)
             tryVerify(() => !menu.visible)
         }

@@ -17,30 +17,41 @@ WindowTestCase {
     function verifyWhole(names, within) {
         for (const item of names.map(name => typeof name === "string" ? el(t, name) : name))
             verify(item.width >= item.implicitWidth - 0.5 && (!within || inside(item, within)),
-                   item.objectName + " whole " + JSON.stringify(box(item)) + " in " + within?.objectName)
+                   item.objectName + " whole " + JSON.stringify(box(item)) + " in "
+                   + within?.objectName)
     }
 
-    function test_widths_data() { return [1320, 1700, 1900, 2200].map(width => ({ tag: String(width), width: width })) }
+    function test_widths_data() {
+        return [1320, 1700, 1900, 2200].map(width => ({ tag: String(width), width: width }))
+    }
 
-    // At each width: editors as high as their text, cards as high as their content, a whole sync code.
+    // At each width: editors as high as their text, cards as high as their content,
+    // a whole sync code.
     function test_widths(data) {
         setWidth(data.width)
         const check = (when) => {
             waitForRendering(t.main)
-            for (const [field, minimum] of [["mailIntro", 90], ["mailBody", 150], ["closingNote", 96], ["footerNote", 84]]) {
+            for (const [field, minimum] of [["mailIntro", 90],
+                                            ["mailBody", 150],
+                                            ["closingNote", 96],
+                                            ["footerNote", 84]]) {
                 const wrapper = el(t, "field." + field), editor = wrapper.editor
                 const content = editor.contentHeight + editor.topPadding + editor.bottomPadding
                 verify(editor.height >= minimum, field + " at least its minimum (" + when + ")")
                 verify(editor.height <= Math.max(minimum, content + editor.font.pixelSize * 1.6),
-                       field + " " + editor.height + " high for " + content + " of text (" + when + ")")
-                verify(wrapper.height <= editor.y + editor.height + 0.5, field + " takes no height beyond its editor")
+                       field + " " + editor.height + " high for " + content + " of text ("
+                       + when + ")")
+                verify(wrapper.height <= editor.y + editor.height + 0.5,
+                       field + " takes no height beyond its editor")
             }
             for (const card of ["messageCard", "actionCard", "identityCard"])
-                verify(el(t, card).height <= el(t, card).implicitHeight + 0.5, card + " (" + when + ")")
+                verify(el(t, card).height <= el(t, card).implicitHeight + 0.5,
+                       card + " (" + when + ")")
         }
         check("default texts")
-        for (const [text, high, when] of [["Ligne de fin\n".repeat(14), (h) => h > 200, "fourteen lines"],
-                                          ["Une seule ligne.", (h) => h < 120, "back to one line"]]) {
+        for (const [text, high, when] of [
+                 ["Ligne de fin\n".repeat(14), (h) => h > 200, "fourteen lines"],
+                 ["Une seule ligne.", (h) => h < 120, "back to one line"]]) {
             t.store.setDataField("closingNote", text)
             tryVerify(() => high(el(t, "field.closingNote").editor.height), 3000, when)
             check(when)
@@ -49,30 +60,38 @@ WindowTestCase {
         t.store.syncCode = "K7QF-2M9X-PL4D-8RWA-C3NZ-H6TB"
         tryCompare(field.field, "text", t.store.syncCode)
         waitForRendering(t.main)
-        verify(field.field.contentWidth <= field.field.width && field.width >= field.labelWidth, "code and label whole")
-        compare([el(t, "pullButton").height, el(t, "pushButton").height], Array(2).fill(el(t, "exportButton").height), "on one line")
+        verify(field.field.contentWidth <= field.field.width && field.width >= field.labelWidth,
+               "code and label whole")
+        compare([el(t, "pullButton").height, el(t, "pushButton").height],
+                Array(2).fill(el(t, "exportButton").height), "on one line")
         verify(inside(el(t, "pushButton"), el(t, "syncCard")), "push button inside its card")
         const [form, preview] = [t.main.composerPane, t.main.previewPane]
-        verify(form.width >= 540 && preview.width >= 620 && form.x + form.width <= preview.x, form.width + ", " + preview.width)
+        verify(form.width >= 540 && preview.width >= 620 && form.x + form.width <= preview.x,
+               form.width + ", " + preview.width)
     }
 
     // A long preset name, also in the status chip, leaves the row's and the header's buttons whole.
     function test_longPresetNameLeavesTheButtonsWhole() {
         setWidth(1320)
-        const name = "Devis iPhone ecran casse et batterie gonflee pour Mme Lambert 0" // 63 characters
+        const name = // 63 characters
+            "Devis iPhone ecran casse et batterie gonflee pour Mme Lambert 0"
         t.store.customPresetDraftName = name
         t.store.saveAsNewCustomPreset()
         const rowOf = () => find(t.main, (i) => String(i.objectName).startsWith("customPresetRow."))
         tryVerify(() => rowOf() !== null && rowOf().isActive, 3000, "row of the saved preset")
         const row = rowOf(), chip = named(row, "activeChip"), label = named(row, "presetName")
         waitForRendering(t.main)
-        verify(chip.visible && label.truncated && label.ToolTip.text === name, "chip shown, long name shortened, whole in its tooltip")
+        verify(chip.visible && label.truncated && label.ToolTip.text === name,
+               "chip shown, long name shortened, whole in its tooltip")
         verify(named(row, "removeButton").destructive)
-        verifyWhole(["loadButton", "overwriteButton", "removeButton", "activeChip"].map(part => named(row, part)), row)
+        verifyWhole(["loadButton", "overwriteButton", "removeButton", "activeChip"]
+                    .map(part => named(row, part)), row)
         verify(box(label).right <= box(chip).x, "name ends before the chip")
         verify(t.store.lastAction.length > 60, t.store.lastAction)
-        verifyWhole(["newButton", "standalonePreviewButton", "exportButton", "openInMailButton"], el(t, "headerBand"))
+        verifyWhole(["newButton", "standalonePreviewButton", "exportButton", "openInMailButton"],
+                    el(t, "headerBand"))
         verifyWhole(["formatChip", "saveChip"])
-        verify(box(el(t, "actionChip")).right <= box(el(t, "newButton")).x, "chips end before the buttons")
+        verify(box(el(t, "actionChip")).right <= box(el(t, "newButton")).x,
+               "chips end before the buttons")
     }
 }

@@ -46,7 +46,8 @@ WindowTestCase {
     }
 
     function test_2_cards() {
-        t.store.customPresetDraftName = "Devis iPhone ecran casse et batterie gonflee pour Mme Lambert 0"
+        t.store.customPresetDraftName =
+            "Devis iPhone ecran casse et batterie gonflee pour Mme Lambert 0"
         t.store.saveAsNewCustomPreset()
         scrollFormTo("customPresetCard")
         shot("preset-long-name")
@@ -62,7 +63,8 @@ WindowTestCase {
 
     function test_3_previewScrolledAfterAnEdit() {
         let done = false
-        el(t, "htmlPreview").webView.runJavaScript("window.scrollTo(0, document.documentElement.scrollHeight); 0", () => done = true)
+        el(t, "htmlPreview").webView.runJavaScript(
+            "window.scrollTo(0, document.documentElement.scrollHeight); 0", () => done = true)
         tryVerify(() => done, 5000)
         wait(300)
         t.store.setDataField("closingNote", t.store.data.closingNote + " Merci !")
