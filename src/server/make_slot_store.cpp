@@ -7,7 +7,8 @@ namespace velino::server {
 std::unique_ptr<SlotStore> makeSlotStore(const QString &databaseUrl, QString *error) {
     error->clear();
     const QString sqlitePrefix = QStringLiteral("sqlite:");
-    if (databaseUrl.startsWith(sqlitePrefix)) {
+    // Schemes are case-insensitive, as in every URL.
+    if (databaseUrl.startsWith(sqlitePrefix, Qt::CaseInsensitive)) {
         const QString path = databaseUrl.mid(sqlitePrefix.size());
         if (path.isEmpty()) {
             *error = QStringLiteral("Base de donnees invalide : il manque le chemin du fichier "
@@ -16,8 +17,8 @@ std::unique_ptr<SlotStore> makeSlotStore(const QString &databaseUrl, QString *er
         }
         return std::make_unique<SqliteSlotStore>(path);
     }
-    if (databaseUrl.startsWith(QStringLiteral("postgresql://")) ||
-        databaseUrl.startsWith(QStringLiteral("postgres://"))) {
+    if (databaseUrl.startsWith(QStringLiteral("postgresql://"), Qt::CaseInsensitive) ||
+        databaseUrl.startsWith(QStringLiteral("postgres://"), Qt::CaseInsensitive)) {
         return makePostgresSlotStore(databaseUrl, error);
     }
     *error = QStringLiteral("Base de donnees invalide : attendu \"sqlite:CHEMIN\" ou "
