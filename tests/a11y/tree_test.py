@@ -15,24 +15,7 @@ from gi.repository import GLib
 from atspi_session import accessibility_environment
 
 PASSWORD, WRONG_PASSWORD = "Falcon77!", "Zq7xWk"
-# The record field each form field shows, and the label above it that names it.
-FIELD_LABELS = {
-    **{"detailLabel%d" % i: "Libelle %d" % i for i in range(1, 5)},
-    **{"detailValue%d" % i: "Valeur %d" % i for i in range(1, 5)},
-    "recipientName": "Nom du client", "recipientEmail": "Email du client",
-    "subject": "Objet du mail", "preheader": "Preheader", "mailTitle": "Titre principal",
-    "mailIntro": "Phrase d'ouverture", "mailBody": "Message principal",
-    "highlight": "Ligne de mise en avant", "ctaLabel": "Texte du bouton",
-    "ctaURL": "Lien du bouton", "closingNote": "Phrase de fin", "logoURL": "URL du logo email",
-    "accentPrimary": "Couleur principale", "accentSecondary": "Couleur secondaire",
-    "titleFont": "Police titres", "bodyFont": "Police texte",
-    "businessName": "Nom de l'atelier", "businessTagline": "Sous-titre / activite",
-    "senderName": "Nom expediteur", "senderRole": "Role", "senderPhone": "Telephone",
-    "senderEmail": "Email pro", "footerNote": "Note de pied de mail"}
-# A new status reaches a screen reader as a new name, text, announcement or child.
-ANNOUNCING = ("object:property-change:accessible-name", "object:text-changed",
-              "object:announcement", "object:children-changed:add", "object:state-changed:showing")
-failures, events = [], []  # events: (type, source role, source name, data), since the last clear()
+failures, events = [], []  # events: (type, source role, data), since the last clear()
 
 
 def fail(check, message): failures.append("%s: %s" % (check, message))
@@ -48,17 +31,14 @@ def wait_for(condition, timeout_s, step_s=0.1):  # runs the D-Bus loop, which br
 
 
 def record_event(event):
-    role = source = ""
+    role = ""
     with contextlib.suppress(Exception):  # the source may be gone already
-        role, source = event.source.getRoleName(), event.source.name or ""
-    events.append((event.type, role, source, str(event.any_data)))
+        role = event.source.getRoleName()
+    events.append((event.type, role, str(event.any_data)))
 
 
 def events_of(types, role=None):
     return [e for e in events if e[0].startswith(types) and role in (None, e[1])]
-
-
-def normalized(text): return text.replace("\u2029", "\n").replace("\u2028", "\n").strip()
 
 
 class Node:  # what a screen reader reads of one accessible object, with its path in the tree
@@ -72,7 +52,6 @@ class Node:  # what a screen reader reads of one accessible object, with its pat
             self.actions = [actions.getName(i) for i in range(actions.nActions)]
         with contextlib.suppress(NotImplementedError):  # no text interface
             self.text = accessible.queryText().getText(0, -1)
-        self.value = normalized(self.text or "")
         self.label = "%s (%s %r)" % (path, self.role, self.name)
 
 
@@ -95,7 +74,6 @@ class Velino:
         xdg = ("XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR")
         self.env = dict(accessibility_environment(),
                         **{n: tempfile.mkdtemp(dir=scratch) for n in xdg})
-        self.closed = False  # asked to close by the test
         self.log_file = os.path.join(scratch, "velino.log")
         with open(self.log_file, "w") as log:
             self.process = subprocess.Popen([program], env=self.env, stdout=log, stderr=log)
@@ -104,32 +82,14 @@ class Velino:
         return subprocess.run(["xdotool", *args], env=self.env, capture_output=True,
                               text=True).stdout
 
-    def close_window(self):  # as a window manager's close button does
-        from Xlib import X, display, protocol
-        screen = display.Display(self.env["DISPLAY"])
-        windows = self.xdotool("search", "--onlyvisible", "--pid", str(self.process.pid)).split()
-        data = (32, [screen.intern_atom("WM_DELETE_WINDOW"), X.CurrentTime, 0, 0, 0])
-        for window in (screen.create_resource_object("window", int(w)) for w in windows):
-            window.send_event(protocol.event.ClientMessage(
-                window=window, client_type=screen.intern_atom("WM_PROTOCOLS"), data=data))
-        screen.sync()  # Xorg drops a closed connection's requests it has not read yet
-        screen.close()
-        return len(windows)
-
     def log_tail(self): return "".join(open(self.log_file, errors="replace").readlines()[-15:])
-
-
-def check_announced(text, what):
-    if not wait_for(lambda: any(text in e[2] or text in e[3] for e in events_of(ANNOUNCING)), 3):
-        fail("status", "%s: no event carries %r" % (what, text))
 
 
 def check_password(app, frame):  # only mask characters, in the field and in the events
     field = wait_for(lambda: find(walk(frame), lambda n: n.role == "password text"), 10)
     if field is None:
         return fail("password", "no password field in the lock screen's tree")
-    if not field.name.strip():
-        fail("fields", "%s: the password field has no name" % field.label)
+    check_names(walk(frame))  # the lock screen, the password field with it
     events.clear()
     app.xdotool("type", "--delay", "20", WRONG_PASSWORD)
     wait_for(lambda: len(Node(field.accessible).text or "") == len(WRONG_PASSWORD), 5)
@@ -144,37 +104,22 @@ def check_password(app, frame):  # only mask characters, in the field and in the
              "%s: clearing it after a wrong attempt raised no text-changed event" % field.label)
     exposed = [("it", t)
                for t in (shown.text or "", shown.name, field.accessible.description or "")]
-    for what, text in exposed + [(e[0], e[3]) for e in text_events]:
+    for what, text in exposed + [(e[0], e[2]) for e in text_events]:
         if set(text) & set(WRONG_PASSWORD):  # the mask characters are none of these
             fail("password", "%s: %s exposes typed characters: %r" % (field.label, what, text))
-    check_announced("Mot de passe incorrect.", "the wrong password")
     app.xdotool("type", "--delay", "20", PASSWORD)
     app.xdotool("key", "Return")
 
 
-# Fields scrolled out of view are in the tree too, only not "showing".
-def check_names(nodes, record):
+# Every control, scrolled out of view or not, has a name and a role. Controls: what acts, what
+# is edited, and scroll bars (once left unnamed).
+def check_names(nodes):
     for node in nodes:
-        if [a for a in node.actions if a != "SetFocus"] and not node.name.strip():
-            fail("actions", "%s: actions %s, no name" % (node.label, node.actions))
-    fields = [n for n in nodes if n.editable and n.role in ("text", "entry", "password text")]
-    expected = [(label, normalized(record[field])) for field, label in FIELD_LABELS.items()]
-    for label, value in expected + [("Nom du preset", ""), ("Code prive de synchronisation", "")]:
-        if (node := find(fields, lambda n: n.name == label and n.value == value)) is None:
-            fail("fields", "no field named %r showing %r" % (label, value[:30]))
-        else:
-            fields.remove(node)
-    for node in fields:
-        fail("fields", "%s: a field showing %r, not a named field of the form"
-             % (node.label, node.value[:40]))
-
-
-def check_copy_subject(nodes):  # what it copies is the store's copy tests'
-    if (button := find(nodes, lambda n: n.name == "Copier objet" and "Press" in n.actions)) is None:
-        return fail("status", "no node named 'Copier objet' with a Press action")
-    events.clear()
-    button.accessible.queryAction().doAction(button.actions.index("Press"))
-    check_announced("Objet copie.", "'Copier objet' pressed")
+        control = [a for a in node.actions if a != "SetFocus"] or node.editable \
+            or node.role == "scroll bar"
+        if control and (not node.name.strip() or node.role in ("unknown", "invalid")):
+            fail("names", "%s: actions %s, a control without a name or a role"
+                 % (node.label, node.actions))
 
 
 def check_preview(frame, record):
@@ -183,22 +128,9 @@ def check_preview(frame, record):
 
     if (doc := wait_for(lambda: find(walk(frame), is_document), 15, 0.5)) is None:
         return fail("preview", "no e-mail document with content in the tree")
-    for role, name in [("heading", record["mailTitle"]),
-                       ("paragraph", None),
-                       ("link", record["ctaLabel"]),
-                       ("image", record["businessName"])]:
-        if not find(walk(doc.accessible, doc.path),
-                    lambda n: n.role == role and name in (None, n.name)):
+    for role, name in [("heading", record["mailTitle"]), ("link", record["ctaLabel"])]:
+        if not find(walk(doc.accessible, doc.path), lambda n: n.role == role and n.name == name):
             fail("preview", "%s: no %s named %r" % (doc.path, role, name))
-
-
-def check_close(app):
-    app.closed, asked = True, app.close_window()
-    try:
-        if (status := app.process.wait(10)) != 0:
-            fail("close", "velino ended with status %d once closed:\n%s" % (status, app.log_tail()))
-    except subprocess.TimeoutExpired:
-        fail("close", "velino still runs 10 s after its %d window(s) were asked to close" % asked)
 
 
 def run_checks(app, record):
@@ -211,9 +143,7 @@ def run_checks(app, record):
     if not wait_for(lambda: find(walk(frame), lambda n: n.name == "Copier objet"), 15, 0.3):
         return fail("unlock", "the main window did not appear after the password")
     check_preview(frame, record)
-    check_names(nodes := walk(frame), record)
-    check_copy_subject(nodes)
-    check_close(app)
+    check_names(walk(frame))
 
 
 def main(program, record_file):
@@ -226,7 +156,7 @@ def main(program, record_file):
         except GLib.Error as error:
             fail("program", "the bus failed: %s" % error.message)
         finally:
-            if app.process.poll() is not None and not app.closed:
+            if app.process.poll() is not None:
                 fail("program", "velino ended with status %d:\n%s"
                      % (app.process.returncode, app.log_tail()))
             app.process.kill()

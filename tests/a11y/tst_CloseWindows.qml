@@ -44,28 +44,24 @@ Item {
             wait(100) // the destruction runs
         }
 
-        function test_closes_data() {
-            return [[1, false], [1, true], [2, false], [2, true]].map(([windows, unlock]) => ({
-                tag: (windows === 2 ? "second window" : "only window") + (unlock ? ", edited" : ", locked"),
-                windows: windows, unlock: unlock }))
-        }
-
-        // 5 rounds of each case: 20 closes of the window under test.
-        function test_closes(data) {
-            for (const round of ["un", "deux", "trois", "quatre", "cinq"]) {
-                const first = data.windows === 2 ? openWindow() : null
-                const w = openWindow()
-                const subject = "Objet tape avant fermeture " + round
-                if (data.unlock)
-                    typeSubject(w, subject)
-                closeWindow(w)
-                if (first)
-                    closeWindow(first)
-                if (data.unlock) {
-                    const reader = openWindow()
-                    const saved = reader.controller.store.data.subject
-                    closeWindow(reader)
-                    compare(saved, subject, "round " + round)
+        // Each case 5 times: 20 closes of the window under test.
+        function test_closes() {
+            for (const [windows, unlock] of [[1, false], [1, true], [2, false], [2, true]]) {
+                for (const round of ["un", "deux", "trois", "quatre", "cinq"]) {
+                    const first = windows === 2 ? openWindow() : null
+                    const w = openWindow()
+                    const subject = "Objet tape avant fermeture " + round
+                    if (unlock)
+                        typeSubject(w, subject)
+                    closeWindow(w)
+                    if (first)
+                        closeWindow(first)
+                    if (unlock) {
+                        const reader = openWindow()
+                        const saved = reader.controller.store.data.subject
+                        closeWindow(reader)
+                        compare(saved, subject, windows + " window(s), round " + round)
+                    }
                 }
             }
         }

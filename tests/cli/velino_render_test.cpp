@@ -56,8 +56,6 @@ TEST(VelinoRender, JsonOutputOfTheDefaultRecord) {
 TEST(VelinoRender, RawFormatsPrintTheOutputAloneFromStdinOrFile) {
     const QByteArray input = json(MailComposerData::defaultRecord());
     EXPECT_EQ(runRender({"--format", "html"}, input).out, test::readTestData("default_email.html"));
-    EXPECT_EQ(runRender({"--format", "text", "-"}, input).out,
-              test::readTestData("default_email.txt"));
     QTemporaryDir dir;
     QFile file(dir.filePath("record.json"));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(input) == input.size());
@@ -67,7 +65,7 @@ TEST(VelinoRender, RawFormatsPrintTheOutputAloneFromStdinOrFile) {
     EXPECT_EQ(subject.out, "Votre devis Korvel est pret");
 }
 
-TEST(VelinoRender, RepairThenPresetThenRecord) {
+TEST(VelinoRender, RepairsLegacyTextsOnlyWhenAsked) {
     MailComposerData legacy = MailComposerData::defaultRecord();
     legacy.footerNote = "Merci+beaucoup";
     legacy.subject = "Ancien%20objet";
@@ -79,8 +77,6 @@ TEST(VelinoRender, RepairThenPresetThenRecord) {
     };
     EXPECT_EQ(record({"--repair"}), "Merci beaucoup|Ancien objet");
     EXPECT_EQ(record({}), "Merci+beaucoup|Ancien%20objet");
-    EXPECT_EQ(runRender({"--repair", "--preset", "pret", "--format", "subject"}, json(legacy)).out,
-              "Votre appareil est pret");
 }
 
 // Each kind of bad input once: the record and JSON syntax tests check every form.
@@ -96,9 +92,7 @@ TEST(VelinoRender, BadInputGivesOneFrenchLineAndStatus2) {
         {{"/nonexistent/record.json"}, {}, "impossible de lire"},
         {{"--format", "subject"}, valid + " {}", "contenu en trop apres le document"},
         {{"--format", "pdf", "--default"}, {}, "usage : velino-render"},
-        {{"--bogus"}, {}, "usage : velino-render"},
         {{"--preset"}, {}, "usage : velino-render"},
-        {{"a.json", "b.json"}, {}, "usage : velino-render"},
     };
     for (const auto &[args, input, mentions] : cases) {
         SCOPED_TRACE(mentions);

@@ -55,28 +55,18 @@ public:
     }
 };
 
-class FakeIds final : public IdGenerator {
-public:
+// A bridge for one platform over the fakes above; it gives the ids and records opened URLs.
+struct FakePlatform : IdGenerator, UrlOpener {
+    explicit FakePlatform(MailPlatform platform)
+        : bridge(makeMailAppExecutor(platform, launcher, files, *this), *this) {}
     QUuid newId() override { return QUuid::fromString(u"6f1c2b3a-1d2e-4f50-8192-a3b4c5d6e7f8"); }
-};
-
-class FakeOpener final : public UrlOpener {
-public:
-    QList<QUrl> opened;
     bool openUrl(const QUrl &url) override {
         opened.append(url);
         return true;
     }
-};
-
-// A bridge for one platform over the fakes above.
-struct FakePlatform {
-    explicit FakePlatform(MailPlatform platform)
-        : bridge(makeMailAppExecutor(platform, launcher, files, ids), opener) {}
     FakeLauncher launcher;
     FakeFiles files;
-    FakeIds ids;
-    FakeOpener opener;
+    QList<QUrl> opened;
     MailBridge bridge;
 };
 

@@ -48,5 +48,5 @@ TEST(MailBridge, FallbackLinkEncodesTheSubjectButNotTheAddress) {
     // platform never sees it. The store's mail draft tests open the valid links.
     FakePlatform linux(MailPlatform::Linux);
     EXPECT_FALSE(linux.bridge.openFallbackMailURL("//[x", ""));
-    EXPECT_TRUE(linux.opener.opened.isEmpty());
+    EXPECT_TRUE(linux.opened.isEmpty());
 }

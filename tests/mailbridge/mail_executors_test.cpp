@@ -1,4 +1,3 @@
-#include "apple_mail_executor.h"
 #include "fakes.h"
 #include "identifiers.h"
 #include "mail_draft_script.h"
@@ -67,7 +66,7 @@ TEST_F(Thunderbird, HostileValuesArriveIntactWhereverThunderbirdIsInstalled) {
     ASSERT_EQ(launcher.calls.size(), 1); // started once, no separate launch
     EXPECT_EQ(launcher.calls[0].program, "/usr/bin/thunderbird");
     EXPECT_FALSE(launcher.calls[0].arguments.last().contains(QRegularExpression("['\" ]")));
-    const QString path = files.folder + "/velino-brouillon-" + uuidText(ids.newId()) + ".html";
+    const QString path = files.folder + "/velino-brouillon-" + uuidText(newId()) + ".html";
     EXPECT_EQ(composed(), (QMap<QString, QString>{{"to", data.recipientEmail},
                                                   {"from", data.senderEmail},
                                                   {"subject", data.subject},
@@ -94,16 +93,10 @@ TEST_F(Thunderbird, HostileValuesArriveIntactWhereverThunderbirdIsInstalled) {
 
 TEST_F(Thunderbird, FailuresUseTheBridgeCodes) {
     EXPECT_EQ(compose(), 3);
-    launcher.onPath["flatpak"] = "/usr/bin/flatpak";
-    launcher.onRun = [](const Call &) { return exited(1); }; // Flatpak not installed
-    EXPECT_EQ(compose(), 3);
     launcher.onPath["thunderbird"] = "/usr/bin/thunderbird";
     files.writes = false;
     EXPECT_EQ(compose(), 4);
     files.writes = true;
-    const QString folder = std::exchange(files.folder, {}); // no private folder could be made
-    EXPECT_EQ(compose(), 4);
-    files.folder = folder;
     launcher.starts = false;
     EXPECT_EQ(compose(), 5);
     files.written.clear();
@@ -115,31 +108,16 @@ TEST_F(Thunderbird, FailuresUseTheBridgeCodes) {
     EXPECT_TRUE(files.written.isEmpty() && launcher.calls.isEmpty());
 }
 
-// The usual form is read in the Apple Mail test below.
-TEST(OsascriptError, GivesMessageAndNumber) {
-    const std::tuple<QByteArray, QString, int> cases[] = {
-        {"execution error: Erreur \xC3\xA9trange (42)", QString::fromUtf16(u"Erreur \u00E9trange"),
-         42},
-        {"osascript: no such file\n", "osascript: no such file", 0},
-        {"<stdin>:1:2: execution error:  (-2700)", "<none>", -2700},
-        {" \n", "<none>", 0},
-    };
-    for (const auto &[err, message, number] : cases) {
-        const OsascriptError e = parseOsascriptError(err);
-        EXPECT_EQ(std::pair(e.message.value_or("<none>"), e.number.value_or(0)),
-                  std::pair(message, number));
-    }
-}
-
 TEST_F(AppleMail, FindsLaunchesAndRunsThroughSystemTools) {
     const MailTemplateContext context(MailComposerData::defaultRecord());
     launcher.onRun = [](const Call &call) {
         if (call.arguments.startsWith("-l"))
             return exited(0, "/System/Applications/Mail.app\n");
-        return exited(1, {}, "<stdin>:1:5: execution error: Refus. (-1743)\n");
+        return exited(1, {}, "<stdin>:1:5: execution error: Refus\xC3\xA9. (-1743)\n");
     };
     const VelinoError error = bridge.compose(context).value_or(VelinoError{});
-    EXPECT_EQ(error.description + " " + QString::number(error.code), "Refus. -1743");
+    EXPECT_EQ(error.description + " " + QString::number(error.code),
+              QString::fromUtf16(u"Refus\u00E9. -1743"));
     QStringList calls;
     for (const Call &call : launcher.calls)
         calls << (call.detached ? "detached " : "") + call.program + " " +
@@ -147,7 +125,6 @@ TEST_F(AppleMail, FindsLaunchesAndRunsThroughSystemTools) {
     ASSERT_EQ(calls,
               (QStringList{"/usr/bin/osascript -l JavaScript -e",
                            "detached /usr/bin/open -b com.apple.mail", "/usr/bin/osascript -"}));
-    EXPECT_TRUE(launcher.calls[0].arguments.value(3).contains("'com.apple.mail'"));
     EXPECT_EQ(launcher.calls[2].input,
               mailDraftScript(context.subject, "client@example.com", "contact@korvel.example",
                               context.htmlDocument())

@@ -17,7 +17,6 @@ using Cases = std::initializer_list<std::pair<const char16_t *, const char16_t *
 
 const auto q = [](const char16_t *text) { return QString::fromUtf16(text); };
 
-// Every input of the table through one text function.
 void expectMapped(const std::function<QString(const QString &)> &map, Cases cases) {
     for (const auto &[input, expected] : cases)
         EXPECT_EQ(map(q(input)), q(expected)) << q(input).toStdString();
@@ -93,7 +92,6 @@ TEST(AlphabeticAndNumeric, DecideWhatFileNamesAndFontStacksKeep) {
     EXPECT_EQ(render::sanitizeFontStack(q(u"\u24B6 Sans; x"), "fallback"), q(u"\u24B6 Sans x"));
 }
 
-// Lower-casing, hyphens and the default name are in the table above.
 TEST(SuggestedFileName, CutsAt48UserPerceivedCharacters) {
     const QString e = q(u"e\u0301"); // one character
     EXPECT_EQ(suggestedFileName(QString(60, u'a')), QString(48, u'a') + ".html");
@@ -113,10 +111,4 @@ TEST(SyncCodeFilter, KeepsAUserPerceivedCharacterOnlyWhenItIsOneAllowedCharacter
     EXPECT_EQ(normalizedSyncCode(QString(100, u' ') + QString(64, u'z') + "END"),
               QString(64, u'Z'));
     EXPECT_EQ(normalizedSyncCode(QString(63, u'k') + q(u"\u00df")), QString(63, u'K') + "S");
-}
-
-TEST(CanonicalEquality, PrecomposedEqualsDecomposed) {
-    EXPECT_TRUE(text::canonicallyEqual(q(u"\u00E9t\u00E9"), q(u"e\u0301te\u0301")));
-    EXPECT_FALSE(text::canonicallyEqual("ete", q(u"\u00E9t\u00E9")));
-    EXPECT_FALSE(text::canonicallyEqual("a", "A"));
 }

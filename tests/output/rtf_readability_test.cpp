@@ -3,9 +3,11 @@
 #include "mail_template_context.h"
 #include "rich_text_converter.h"
 #include "rtf_font_choice.h"
+#include "rtf_writer.h"
 
 #include <QFontDatabase>
 #include <QRegularExpression>
+#include <QTextDocument>
 
 #include <gtest/gtest.h>
 
@@ -78,18 +80,26 @@ QList<ShownCharacter> readRtf(const QByteArray &bytes) {
 
 } // namespace
 
-TEST(RtfReadability, EveryVisibleWordOfTheCopiedMailIsReadable) {
+// The copied e-mail as a word processor shows it: the text of the rendered document, every
+// character readable on its background, the button's link followed.
+TEST(RtfReadability, TheCopiedMailShowsItsTextReadablyAndItsLink) {
     MailComposerData pale = MailComposerData::defaultRecord();
     pale.accentPrimary = "#fff3a0";
     pale.accentSecondary = "#e8ffe8";
-    // Name, record and button text colour: black when white does not read on the brand colours.
-    QList<std::tuple<QString, MailComposerData, QColor>> samples{
-        {"default", MailComposerData::defaultRecord(), Qt::white}, {"pale", pale, Qt::black}};
+    pale.mailBody =
+        QString::fromUtf16(u"R\u00E9paration \\ {x} \u00AB\u00A0ok\u00A0\u00BB \U0001F600");
+    pale.ctaURL = "https://x.example/?q=\"1\"&r={2}";
+    const QString mailto = "mailto:contact@korvel.example";
+    // Name, record, button text colour (black when white does not read on the brand colours)
+    // and the button's link as the field writes it.
+    QList<std::tuple<QString, MailComposerData, QColor, QString>> samples{
+        {"default", MailComposerData::defaultRecord(), Qt::white, mailto},
+        {"pale", pale, Qt::black, "https://x.example/?q=%221%22&r=\\{2\\}"}};
     for (const PresetKind kind : kAllPresetKinds) {
-        samples.append({presetId(kind), MailComposerData::defaultRecord(), Qt::white});
+        samples.append({presetId(kind), MailComposerData::defaultRecord(), Qt::white, mailto});
         std::get<1>(samples.last()).applyPreset(kind);
     }
-    for (const auto &[name, r, buttonText] : samples) {
+    for (const auto &[name, r, buttonText, link] : samples) {
         SCOPED_TRACE(name.toStdString());
         const MailTemplateContext context(r);
         const std::optional<RichTextConversion> conversion =
@@ -105,6 +115,12 @@ TEST(RtfReadability, EveryVisibleWordOfTheCopiedMailIsReadable) {
                 << "'" << QString(c.character).toStdString() << "' in "
                 << c.text.name().toStdString() << " on " << c.background.name().toStdString();
         }
+        // The plain characters have their no-break spaces as spaces.
+        EXPECT_EQ(QString(text).replace(QChar::Nbsp, u' ').toStdString(),
+                  conversion->plainText.toStdString());
+        EXPECT_FALSE(text.contains(context.preheader.trimmed())); // hidden, left out
+        EXPECT_TRUE(conversion->rtf->contains("{\\field{\\*\\fldinst HYPERLINK \"" + link.toUtf8()))
+            << conversion->rtf->toStdString();
         // The header band and the button keep their backgrounds, so their words keep their colour.
         const std::pair<QString, QColor> onColour[] = {{r.businessName, Qt::white},
                                                        {r.ctaLabel, buttonText}};
@@ -114,7 +130,6 @@ TEST(RtfReadability, EveryVisibleWordOfTheCopiedMailIsReadable) {
             EXPECT_EQ(shown[at].text.name(), color.name()) << words.toStdString();
             EXPECT_NE(shown[at].background, QColor(Qt::white)) << words.toStdString();
         }
-        EXPECT_FALSE(text.contains(context.preheader.trimmed())); // hidden, left out
     }
 }
 
@@ -127,11 +142,9 @@ TEST(RtfFontChooser, SkipsKeywordsAndMissingFamiliesAndFallsBackToTheGeneric) {
           "sans-serif"},
          installed,
          "\\fswiss"},
-        {{"-apple-system", "BlinkMacSystemFont", missing, "sans-serif", installed}, {}, "\\fswiss"},
         {{missing, "Serif"}, {}, "\\froman"},
         {{"ui-monospace", "monospace"}, {}, "\\fmodern"},
         {{"BlinkMacSystemFont"}, {}, "\\fswiss"},
-        {{}, {}, "\\fswiss"},
     };
     RtfFontChooser chooser;
     for (const auto &[stack, family, familyClass] : cases) {
@@ -140,4 +153,23 @@ TEST(RtfFontChooser, SkipsKeywordsAndMissingFamiliesAndFallsBackToTheGeneric) {
         EXPECT_EQ(font.family, family.isEmpty() ? font.family : family);
         EXPECT_TRUE(QFontDatabase::hasFamily(font.family)) << font.family.toStdString();
     }
+}
+
+// Every non-ASCII unit as a signed 16-bit \uN; plain text right after one starts a word of its
+// own.
+TEST(RtfWriter, WritesEveryNonAsciiUnitAsSigned16Bit) {
+    QTextDocument document;
+    document.setHtml(QString::fromUtf16(u"<p>\u00E9t\u00E9 \u4E2D\uFF01 d\u2019\U0001F600x</p>"));
+    const QByteArray rtf = toRtf(document);
+    EXPECT_TRUE(rtf.contains("\\u233?{}t\\u233? \\u20013?\\u-255? d\\u8217?\\u-10179?\\u-8704?{}x"))
+        << rtf.toStdString();
+    EXPECT_TRUE(std::all_of(rtf.begin(), rtf.end(), [](char c) { return c > 0; }));
+}
+
+TEST(QtRichTextConverter, RefusesWhatItCannotRead) {
+    QtRichTextConverter converter;
+    for (const char *unreadable : {"", " \n\t", "<p>caf\xE9</p>"}) // the last is Latin-1
+        EXPECT_FALSE(converter.convert(unreadable).has_value()) << unreadable;
+    EXPECT_EQ(converter.convert("<p>caf\xC3\xA9</p>").value_or(RichTextConversion{}).plainText,
+              QString::fromUtf16(u"caf\u00E9"));
 }
