@@ -160,7 +160,7 @@ test('the desktop pushes, the phone pulls, edits and pushes, the desktop gets it
 test('refusals and failures are shown in French, the fields stay and a later push succeeds',
   async (t) => {
   const server = await startServer(t, { name: 'failures', extra: ['--max-body', '20000'] });
-  const page = await openPhone(phone.context, server);
+  const page = await openPhone(phone.context, server, '?delai-ms=1500');
   const push = () => button(page, "Envoyer vers l'ordinateur").tap();
   const fill = (label, text) => () => field(page, label).fill(text);
   await useCode(page, 'FAIL-0000-1111-2222-3333-4444');
@@ -174,8 +174,12 @@ test('refusals and failures are shown in French, the fields stay and a later pus
     await server.stop();
     await push();
   };
-  // One refusal by the service, one failure to reach it: what, edit, failure, its alert,
-  // repair, screenshot.
+  const pauseThenPush = async () => {
+    server.process.kill('SIGSTOP');
+    await push();
+  };
+  // One refusal by the service, one failure to reach it, one service that never answers:
+  // what, edit, failure, its alert, repair, screenshot.
   const cases = [
     ['too large', fill('Message principal', 'x'.repeat(25000)), push,
       'Brouillon trop volumineux : 20000 octets au plus.',
@@ -183,6 +187,9 @@ test('refusals and failures are shown in French, the fields stay and a later pus
     ['server stopped', fill('Nom du client', 'Client hors ligne'), stopThenPush,
       'Service injoignable : verifie la connexion puis reessaie.', () => server.start(),
       'error#sync-heading'],
+    ['slow server', fill('Nom du client', 'Client patient'), pauseThenPush,
+      'Le service ne repond pas (delai depasse) : reessaie dans un instant.',
+      () => server.process.kill('SIGCONT')],
   ];
   for (const [what, edit, failure, expected, repair, screenshot] of cases) {
     await edit();

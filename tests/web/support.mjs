@@ -70,6 +70,7 @@ export class SyncServer {
 
   async stop() {
     if (this.process?.exitCode !== null) return;
+    this.process.kill('SIGCONT'); // if paused
     this.process.kill('SIGTERM');
     await this.exited;
   }
@@ -89,14 +90,14 @@ const response = (page, api) => page.waitForResponse((r) => r.url().endsWith(`/a
 
 // A page of its own, once rendered; page.problems collects script errors and content policy
 // violations.
-export async function openPhone(context, server) {
+export async function openPhone(context, server, query = '') {
   const page = Object.assign(await context.newPage(), { problems: [] });
   page.on('pageerror', (error) => page.problems.push(error.message));
   page.on('console', (message) => /Content Security Policy/.test(message.text())
     && message.location().url?.startsWith(server.baseUrl) && page.problems.push(message.text()));
   await Promise.all([
     response(page, 'velino-render'),
-    page.goto(`${server.baseUrl}/velino.html`),
+    page.goto(`${server.baseUrl}/velino.html${query}`),
   ]);
   return page;
 }
