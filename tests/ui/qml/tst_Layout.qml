@@ -25,36 +25,16 @@ WindowTestCase {
         return [1320, 1700, 1900, 2200].map(width => ({ tag: String(width), width: width }))
     }
 
-    // At each width: editors as high as their text, cards as high as their content,
-    // a whole sync code.
+    // At each width: an editor follows its text's height, the sync code and its buttons are
+    // whole, the form and the preview side by side.
     function test_widths(data) {
         setWidth(data.width)
-        const check = (when) => {
-            waitForRendering(t.main)
-            for (const [field, minimum] of [["mailIntro", 90],
-                                            ["mailBody", 150],
-                                            ["closingNote", 96],
-                                            ["footerNote", 84]]) {
-                const wrapper = el(t, "field." + field), editor = wrapper.editor
-                const content = editor.contentHeight + editor.topPadding + editor.bottomPadding
-                verify(editor.height >= minimum, field + " at least its minimum (" + when + ")")
-                verify(editor.height <= Math.max(minimum, content + editor.font.pixelSize * 1.6),
-                       field + " " + editor.height + " high for " + content + " of text ("
-                       + when + ")")
-                verify(wrapper.height <= editor.y + editor.height + 0.5,
-                       field + " takes no height beyond its editor")
-            }
-            for (const card of ["messageCard", "actionCard", "identityCard"])
-                verify(el(t, card).height <= el(t, card).implicitHeight + 0.5,
-                       card + " (" + when + ")")
-        }
-        check("default texts")
+        const editor = el(t, "field.closingNote").editor
         for (const [text, high, when] of [
                  ["Ligne de fin\n".repeat(14), (h) => h > 200, "fourteen lines"],
                  ["Une seule ligne.", (h) => h < 120, "back to one line"]]) {
             t.store.setDataField("closingNote", text)
-            tryVerify(() => high(el(t, "field.closingNote").editor.height), 3000, when)
-            check(when)
+            tryVerify(() => high(editor.height), 3000, when)
         }
         const field = el(t, "syncCodeField")
         t.store.syncCode = "K7QF-2M9X-PL4D-8RWA-C3NZ-H6TB"
@@ -83,11 +63,9 @@ WindowTestCase {
         waitForRendering(t.main)
         verify(chip.visible && label.truncated && label.ToolTip.text === name,
                "chip shown, long name shortened, whole in its tooltip")
-        verify(named(row, "removeButton").destructive)
         verifyWhole(["loadButton", "overwriteButton", "removeButton", "activeChip"]
                     .map(part => named(row, part)), row)
         verify(box(label).right <= box(chip).x, "name ends before the chip")
-        verify(t.store.lastAction.length > 60, t.store.lastAction)
         verifyWhole(["newButton", "standalonePreviewButton", "exportButton", "openInMailButton"],
                     el(t, "headerBand"))
         verifyWhole(["formatChip", "saveChip"])

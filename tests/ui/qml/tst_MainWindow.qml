@@ -20,22 +20,13 @@ WindowTestCase {
 
     function test_lockScreenRefusesThenUnlocks(data) {
         const w = openWindow().window
-        compare([w.minimumWidth, w.minimumHeight], [1320, 900 + w.menuBarHeight])
-        verify(w.menuBarHeight > 0 && w.width >= 1320 && w.contentItem.height >= 900,
-               "content " + w.contentItem.height)
         const [field, error, button] = ["passwordField", "lockError", "unlockButton"]
             .map(name => lockItem(w, name))
-        const card = named(w.contentItem, "lockLoader").item, loaders = ["lockLoader", "mainLoader"]
+        const loaders = ["lockLoader", "mainLoader"]
         const locked = (yes) => compare(
             [w.lockState.isUnlocked, ...loaders.map(name => named(w.contentItem, name).active)],
             [!yes, yes, !yes])
         tryVerify(() => field.activeFocus, 3000, "password field focused at start")
-        const centre = card.mapToItem(w.contentItem, card.width / 2, card.height / 2)
-        verify(Math.abs(centre.x - w.contentItem.width / 2) <= 1
-               && Math.abs(centre.y - w.contentItem.height / 2) <= 1, "centred")
-        compare([field.placeholderText, button.text, error.text],
-                ["Mot de passe", "Entrer dans Velino", ""])
-        const [cardHeight, errorY] = [card.height, error.y]
         const submit = (text) => {
             TestSupport.typeText(w, text)
             verify(field.text === text && field.displayText !== text, "masked")
@@ -45,23 +36,14 @@ WindowTestCase {
         locked(true)
         compare([field.text, error.text], ["", "Mot de passe incorrect."])
         verify(error.visible && field.activeFocus, "shown; the user may retype at once")
-        waitForRendering(card)
-        compare([card.height, error.y], [cardHeight, errorY],
-                "the card does not move when the error appears")
         submit("Falcon77!")
         locked(false)
     }
 
     function test_editMenuActsOnTheFocusedField() {
         const t = openUnlocked(), edit = t.window.menuBar.menuAt(0)
-        const actions = [0, 1, 2, 3].map(i => edit.itemAt(i).action)
-        compare([edit.count, ...actions.map(a => [a.objectName, a.text, a.shortcut])],
-                [4,
-                 ["cutAction", "Couper", StandardKey.Cut],
-                 ["copyAction", "Copier", StandardKey.Copy],
-                 ["pasteAction", "Coller", StandardKey.Paste],
-                 ["selectAllAction", "Tout selectionner", StandardKey.SelectAll]])
-        const [cut, copy, paste, selectAll] = actions, subject = focusControl(t, "field.subject")
+        const [cut, copy, paste, selectAll] = [0, 1, 2, 3].map(i => edit.itemAt(i).action)
+        const subject = focusControl(t, "field.subject")
         selectAll.trigger()
         copy.trigger()
         const preheader = focusControl(t, "field.preheader")
@@ -76,9 +58,7 @@ WindowTestCase {
 
     function test_newWindowIsIndependentStartsLockedAndIsReleased() {
         const first = openUnlocked().window, count = AppShell.windowCount
-        const action = first.menuBar.menuAt(1).itemAt(0).action
-        compare([action.objectName, action.text], ["newWindowAction", "Nouvelle fenetre"])
-        action.trigger()
+        first.menuBar.menuAt(1).itemAt(0).action.trigger()
         compare(AppShell.windowCount, count + 1)
         const second = AppShell.windowAt(count)
         opened.push(second)
@@ -91,64 +71,16 @@ WindowTestCase {
         tryCompare(AppShell, "windowCount", count)
     }
 
-    function test_headerAndCards() {
-        const t = openUnlocked(), m = t.main
-        compare(["formatChip", "saveChip", "actionChip"].map(name => el(t, name).text),
-                ["Pret a envoyer", t.store.saveStatus, "Application prete."])
-        compare(["newButton", "standalonePreviewButton", "exportButton", "openInMailButton",
-                 "copySubjectButton", "copyTextButton", "copyMailButton", "openDraftButton"]
-                .filter(name => !el(t, name).enabled), [], "disabled")
-        const inOrder = (names, axis) => compare(
-            names.slice().sort((a, b) => el(t, a).mapToItem(m, 0, 0)[axis]
-                                         - el(t, b).mapToItem(m, 0, 0)[axis]),
-            names)
-        inOrder(["presetCard", "customPresetCard", "recipientCard", "syncCard", "messageCard",
-                 "detailsCard", "actionCard", "appleMailCard", "identityCard"], "y")
-        const subtitle = (card) => named(el(t, card), "sectionSubtitle").text
-        compare([subtitle("syncCard"), String(el(t, "webInterfaceLink").url),
-                 el(t, "syncStatusLine").text, subtitle("appleMailCard"),
-                 el(t, "appleStatusChip").text],
+    // The texts the window computes: the service's address, the count of detail lines shown.
+    function test_cardsComputedTexts() {
+        const t = openUnlocked(), details = named(el(t, "summary.details"), "summaryValue")
+        compare([named(el(t, "syncCard"), "sectionSubtitle").text,
+                 String(el(t, "webInterfaceLink").url), details.text],
                 ["Relie cette app a l'interface privee " + serviceHost + "/velino.html.",
-                 "https://127.0.0.1:9/velino.html",
-                 t.store.syncStatus,
-                 "Connexion native au Thunderbird configure sur cet ordinateur.",
-                 "Thunderbird actif"])
-        const summaries = [
-            ["summary.state", "ETAT", t.store.currentFormatStatus, "Version actuelle"],
-            ["summary.recipient", "DESTINATAIRE", "Mme Lambert", "client@example.com"],
-            ["summary.details", "BLOC INFOS", "4", "ligne(s) affichee(s)"],
-            ["summary.apple", "MOZILLA", "Thunderbird",
-             "Ouvre un brouillon HTML natif dans Thunderbird avec le compte configure "
-             + "sur cet ordinateur."]]
-        for (const [name, ...texts] of summaries)
-            compare(["summaryTitle", "summaryValue", "summaryCaption"]
-                    .map(part => named(el(t, name), part).text), texts, name)
-        inOrder(summaries.map(s => s[0]), "x")
+                 "https://127.0.0.1:9/velino.html", "4"])
         for (let i = 1; i <= 4; ++i)
             ["detailLabel", "detailValue"].forEach(field => clearField(t, field + i))
-        tryCompare(named(el(t, "summary.details"), "summaryValue"), "text", "0", 3000)
-    }
-
-    function test_fieldsFlowTwoPerRow() {
-        const t = openUnlocked()
-        const at = (name) => el(t, "field." + name).mapToItem(t.main, 0, 0)
-        const width = (name) => el(t, "field." + name).width
-        for (const [left, right] of [["recipientName", "recipientEmail"],
-                                     ["subject", "preheader"],
-                                     ["detailLabel1", "detailValue1"],
-                                     ["detailLabel4", "detailValue4"],
-                                     ["ctaLabel", "ctaURL"],
-                                     ["logoURL", "accentPrimary"],
-                                     ["accentSecondary", "titleFont"],
-                                     ["senderRole", "senderPhone"]]) {
-            compare(at(left).y, at(right).y, left + " and " + right + " on one row")
-            fuzzyCompare(at(right).x - (at(left).x + width(left)), 14, 1)
-            fuzzyCompare(width(left), width(right), 1)
-        }
-        // Eleven identity fields: the last one sits alone in the left column.
-        compare(at("senderEmail").x, at("logoURL").x)
-        verify(at("senderEmail").y > at("senderRole").y)
-        fuzzyCompare(width("senderEmail"), width("logoURL"), 1)
+        tryCompare(details, "text", "0", 3000)
     }
 
     function test_everyFieldUpdatesTheRecordAndThePreview() {
@@ -190,11 +122,6 @@ WindowTestCase {
         tryVerify(() => TestSupport.clipboardText().indexOf("Votre devis est pret") >= 0, 5000)
         compare(preview.serviceHost, serviceHost)
         tryCompare(preview.webView, "title", t.store.generatedSubject, 10000)
-        // Any change the store publishes reloads the page, the same HTML included.
-        const html = t.store.generatedHTML, loads = preview.loader.loadCount
-        t.store.customPresetDraftName = "Essai"
-        tryVerify(() => preview.loader.loadCount === loads + 1, 2000)
-        compare(t.store.generatedHTML, html)
     }
 
     // The row of a saved preset; the list creates it at its next layout.
@@ -216,12 +143,7 @@ WindowTestCase {
             [update.enabled, line.text, empty.visible, list.visible],
             [false, "Aucun preset perso charge pour l'instant.", true, false])
         nothingLoaded()
-        compare([tiles.map(tile => tile.text), active(), update.text, save.text, save.enabled,
-                 named(empty, "emptyText").text],
-                [["Devis", "Appareil pret", "Rendez-vous", "Relance"], ["devis"],
-                 "Mettre a jour le charge", "Enregistrer comme nouveau", false,
-                 "Enregistre un preset perso pour rappeler un mail entier, ses champs et sa "
-                 + "signature en un clic."])
+        compare([active(), save.enabled], [["devis"], false])
         const nameField = typeInto(t, "presetNameField", "   ")
         compare([t.store.customPresetDraftName, save.enabled], ["   ", false], "blank name")
         nameField.selectAll()
@@ -231,14 +153,14 @@ WindowTestCase {
         // is "devis".
         const row = () => presetRow(t, t.store.customPresets[0].id)
         compare([t.store.activePreset, active(), row().isActive, row().name,
-                 named(row(), "activeChip").text, named(row(), "presetSource").text,
+                 named(row(), "activeChip").visible, named(row(), "presetSource").text,
                  update.enabled, line.text, empty.visible, list.visible],
-                ["devis", [], true, "Ecran iPhone",
-                 "Charge", "Devis · " + defaultSubject,
+                ["devis", [], true, "Ecran iPhone", true, "Devis · " + defaultSubject,
                  true, "Preset charge : Ecran iPhone", false, true])
         // Choosing a tile clears the saved preset's highlight; loading the preset brings it back.
         mouseClick(el(t, "presetTile.pret"))
-        compare([active(), row().isActive], [["pret"], false])
+        compare([active(), row().isActive, named(row(), "activeChip").visible],
+                [["pret"], false, false])
         mouseClick(named(row(), "loadButton"))
         compare([active(), row().isActive, el(t, "field.subject").field.text],
                 [[], true, defaultSubject])
@@ -252,31 +174,15 @@ WindowTestCase {
         nothingLoaded()
     }
 
-    // A short code is refused in an alert that hides what is under it; with a whole code, a refused
-    // connection is reported in the status line and in an alert, the buttons disabled meanwhile.
+    // A short code is refused in an alert; with a whole code, a refused connection is reported in
+    // the status line and in an alert, the buttons disabled meanwhile.
     function test_syncRefusalsAndButtons() {
-        const t = openUnlocked(), alert = t.window.warningAlert, content = t.window.contentItem
-        const push = el(t, "pushButton"), pull = el(t, "pullButton")
-        compare([push.text, pull.text, push.primary, pull.primary],
-                ["Envoyer vers l'iPhone", "Recuperer depuis l'iPhone", true, false])
+        const t = openUnlocked(), push = el(t, "pushButton"), pull = el(t, "pullButton")
         typeInto(t, "syncCodeField", "abc")
         mouseClick(reveal(t, push))
-        tryVerify(() => alert.opened, 3000)
-        const at = alert.background.mapToItem(content, alert.background.width - 12,
-                                              alert.background.height / 2)
-        const pixel = () => {
-            waitForRendering(content)
-            return String(grabImage(content).pixel(at.x, at.y))
-        }
-        const before = pixel()
-        t.main.visible = false
-        const after = pixel()
-        t.main.visible = true
-        compare(after, before, "the alert's surface at " + at.x + "," + at.y)
         const message = "Le code prive doit contenir au moins 16 caracteres."
                         + " Genere-le depuis l'interface iPhone."
-        compare(answerAlert(t),
-                { title: "Velino", message: message, buttons: 1, button: "OK", modal: true })
+        compare(answerAlert(t), message)
         const code = focusControl(t, "syncCodeField")
         compare(code.text, "ABC")
         code.selectAll()
@@ -287,7 +193,7 @@ WindowTestCase {
             compare([t.store.isSyncing, push.enabled, pull.enabled], [true, false, false],
                     button.text)
             tryCompare(t.store, "isSyncing", false, 15000)
-            compare(answerAlert(t).message, el(t, "syncStatusLine").text)
+            compare(answerAlert(t), el(t, "syncStatusLine").text)
             verify(push.enabled && pull.enabled, "enabled again after " + button.text)
         }
     }
@@ -306,10 +212,7 @@ WindowTestCase {
         }
         try {
             openDialog()
-            compare([w.exportDialog.title, w.exportDialog.currentFolder],
-                    ["Exporter le mail HTML", "file://" + home])
-            const isName = (i) => i.objectName === "fileNameTextField"
-            tryCompare(find(w.contentItem.parent, isName) || find(w.overlay, isName), "text", file)
+            compare(w.exportDialog.currentFolder, "file://" + home)
             w.exportDialog.reject()
             tryVerify(() => !dialogs.isModal)
             compare(t.store.lastAction, before, "Annuler changes nothing")
@@ -376,15 +279,15 @@ WindowTestCase {
     function test_veryLongTextIsSummarisedAndKeptWhole(data) {
         verify(TestSupport.saveStateWithLongField(data.field, data.length, data.lineLength))
         const expected = TestSupport.longText(data.length, data.lineLength)
-        const t = openUnlocked(), wrapper = el(t, "field." + data.field), editor = control(wrapper)
+        const t = openUnlocked(), wrapper = el(t, "field." + data.field)
+        const editor = wrapper.field ?? wrapper.editor
         const summary = named(wrapper, "longTextSummary")
         const button = named(wrapper, "editAnywayButton")
         verify(summary.visible
                && /^Texte tres long \(.* [MK]o\) : ecran batterie/.test(summary.text),
                summary.text)
         compare([editor.text, editor.visible], ["", false], "nothing of the long text is laid out")
-        compare([button.text, button.Accessible.name],
-                ["Modifier quand meme", "Modifier quand meme : " + wrapper.title])
+        compare(button.Accessible.name, "Modifier quand meme : " + wrapper.title)
         // Typing elsewhere regenerates and saves with the long text whole; the preview shows it
         // cut, and says so.
         const before = t.store.generatedHTML
