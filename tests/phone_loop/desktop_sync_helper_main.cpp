@@ -17,11 +17,6 @@ using namespace velino;
 
 namespace {
 
-class SilentAlerts final : public AlertPresenter {
-public:
-    void showWarning(const QString &) override {}
-};
-
 int fail(const QString &message) {
     std::fprintf(stderr, "%s\n", message.toUtf8().constData());
     return 1;
@@ -29,25 +24,15 @@ int fail(const QString &message) {
 
 int sync(const QStringList &args) {
     const bool push = args[0] == u"push";
-    const QList<QSslCertificate> authorities = QSslCertificate::fromPath(args[2]);
-    if (authorities.isEmpty())
-        return fail("Certificat d'autorite illisible : " + args[2] + ".");
     StoreServices services = StoreServices::qtDefaults();
     services.storage = std::make_shared<QtStateStorage>(
         StateFiles::inFolders(args[4] + "/config", args[4] + "/data"));
-    services.alerts = std::make_shared<SilentAlerts>();
     services.files = std::make_shared<QtFileSystem>(args[4] + "/apercus");
     services.syncEndpoint = QUrl(args[1]);
-    services.extraSyncCaCertificates = authorities;
+    services.extraSyncCaCertificates = QSslCertificate::fromPath(args[2]);
     ComposerStore store(services);
     store.setSyncCode(args[3]);
-    if (push) {
-        store.setActivePreset(PresetKind::Devis);
-        store.setData(MailComposerData::defaultRecord());
-        store.pushToWeb();
-    } else {
-        store.pullFromWeb();
-    }
+    push ? store.pushToWeb() : store.pullFromWeb(); // a new state folder holds the default record
     if (!test::waitUntil([&] { return !store.isSyncing(); }, std::chrono::seconds(30)))
         return fail("Synchronisation toujours en cours apres 30 s.");
     if (!store.syncStatus().startsWith(push ? "Brouillon envoye vers l'iPhone"

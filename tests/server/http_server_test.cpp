@@ -1,6 +1,9 @@
+#include "http_server.h"
 #include "raw_http_client.h"
 #include "server_fixtures.h"
 #include "sync_texts.h"
+
+#include <thread>
 
 using namespace velino;
 using namespace velino::server;
@@ -28,8 +31,19 @@ protected:
         config.maxBodyBytes = kCap;
         config.log = [](const std::string &) {};
         remake();
-        ASSERT_NO_FATAL_FAILURE(serve({"127.0.0.1", 0, {}, {}, true, 1s, 8, 1s}));
+        server = std::make_unique<HttpServer>(
+            *service, HttpServerOptions{"127.0.0.1", 0, {}, {}, true, 1s, 8, 1s});
+        QString error;
+        ASSERT_TRUE(server->bind(&error)) << error.toStdString();
+        runner = std::jthread([this] { server->run(); });
     }
+    void TearDown() override {
+        if (server)
+            server->stop(); // then the runner ends, joined as the test goes
+    }
+
+    std::unique_ptr<HttpServer> server;
+    std::jthread runner;
 };
 
 // Refused with their French sentence (if any), nothing stored; `closes`: 1 the connection is
@@ -50,6 +64,8 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
     };
     const char *render = "/api/velino-render", *preview = "/api/velino-preview";
     const char *form = "x-www-form-urlencoded", *page = "default-src 'none'";
+    const std::string rdvPreview =
+        post(preview, form, "state=%7B%22activePreset%22%3A%22rdv%22%7D");
     const std::string chunked = putHead("Transfer-Encoding: chunked\r\n") + chunks;
     const std::string bigExpect = putHead("Expect: 100-continue\r\n" + withLength(kCap + 1));
     const std::string shortBody = putHead(withLength(body.size() + 100)) + body;
@@ -70,17 +86,10 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
         {"slowloris headers", "GET /healthz HTTP/1.1\r\nHost: 127.0.0.1\r\nX-Slow: ", 400,
          malformed, 2},
         {"no request line", "GARBAGE\r\n\r\n", 400, malformed},
-        {"HTTP/9.9", "PUT /api/velino-sync HTTP/9.9\r\nHost: x\r\n\r\n", 400, malformed},
         {"length not a number", "PUT /api/velino-sync HTTP/1.1\r\nContent-Length: abc\r\n\r\n", 400,
          malformed},
-        {"preview",
-         post(preview, form, "state=%7B%22activePreset%22%3A%22rdv%22%7D"),
-         200,
-         {},
-         0,
-         "sandbox;"},
+        {"preview", rdvPreview, 200, {}, 0, "sandbox;"},
         {"render over the cap", post(render, "json", large), 413, tooLarge, 0, page},
-        {"preview over the cap", post(preview, form, "state=" + large), 413, tooLarge, 0, page},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);
