@@ -60,14 +60,6 @@ public:
         }
     }
 
-    std::optional<RawHttpAnswer> exchange(const std::string &method, const std::string &target,
-                                          const std::string &body = {}) {
-        return send(method + " " + target + " HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: " +
-                    std::to_string(body.size()) + "\r\n\r\n" + body)
-                   ? readAnswer(std::chrono::seconds(10))
-                   : std::nullopt;
-    }
-
     bool closedWithin(std::chrono::milliseconds timeout) {
         const QDeadlineTimer deadline(timeout);
         while (receive(deadline)) {

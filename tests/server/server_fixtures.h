@@ -113,10 +113,8 @@ inline server::HttpRequest putRequest(const std::string &body) {
 inline server::HttpRequest getRequest(const std::string &code,
                                       const std::string &peer = "192.0.2.10",
                                       const std::string &forwardedFor = {}) {
-    server::HttpRequest r{"GET", "/api/velino-sync", {{"code", code}}, {}, {}, peer};
-    if (!forwardedFor.empty())
-        r.headers["x-forwarded-for"] = forwardedFor;
-    return r;
+    return {"GET", "/api/velino-sync", {{"code", code}}, {{"x-forwarded-for", forwardedFor}}, {},
+            peer};
 }
 
 inline QString errorText(const std::string &body) {

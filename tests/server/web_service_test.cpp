@@ -1,5 +1,4 @@
 #include "mail_template_context.h"
-#include "render_service.h"
 #include "rendered_mail_json.h"
 #include "server_fixtures.h"
 #include "test_records.h"
@@ -66,7 +65,6 @@ TEST_F(WebServiceTest, EveryAnswerKeepsCodesAndDraftsOutOfCachesAndReferrers) {
         {request("GET", "/velino.html"), "200 text/html; charset=utf-8"},
         {request("GET", "/velino.css"), "200 text/css; charset=utf-8"},
         {request("GET", "/js/app.js"), "200 " + script},
-        {request("GET", "/velino-logo.svg"), "200 image/svg+xml"},
         {renderRequest(R"({"activePreset":"pret"})"), "200 " + json},
         {getRequest(kCode), "404 " + json},
         {putRequest(uploadBody()), "200 " + json},
