@@ -1,6 +1,5 @@
-// The desktop's side of the phone page's browser tests: the real ComposerStore and
-// velino-sync-server. "push|pull ENDPOINT CA_FILE CODE STATE_DIR" sends the default record or
-// fetches and prints {"activePreset", "record", "html"}. Failures exit 1 with the text.
+// The desktop's store for the phone page's browser tests: "push|pull ENDPOINT CA CODE STATE_DIR"
+// sends the default record or prints what it pulls; failures exit 1 with the text.
 
 #include "composer_store.h"
 #include "https_test_server.h"

@@ -44,9 +44,8 @@ protected:
     std::jthread runner;
 };
 
-// Refused with their French sentence (if any), nothing stored; `closes`: 1 the connection is
-// closed, 2 only after the second without progress; rows with a `policy` have the page's
-// headers, also when the socket layer refuses before the service is asked.
+// Refused in French, nothing stored; `closes`: 1 the connection is closed, 2 only after the
+// second without progress; `policy`: the page's headers, also on the socket layer's refusals.
 TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
     const std::string body = uploadBody();
     const QString tooLarge = QString::fromUtf8(texts::kBodyTooLarge).arg(kCap);

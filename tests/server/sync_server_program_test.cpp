@@ -19,8 +19,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// The program on a free port unless told another --listen (the last one counts); its log goes
-// to a file, not a stalling pipe.
+// The program on a free port (a later --listen wins), its log in a file, not a stalling pipe.
 struct SyncServerProcess : QProcess {
     ~SyncServerProcess() override {
         kill();
@@ -66,9 +65,8 @@ protected:
             << error.toStdString();
     }
 
-    // A desktop of its own that has just pushed (or pulled) kCode, with no alert shown.
-    std::unique_ptr<ComposerStore> sync(const QString &name, bool push,
-                                        const std::function<void(ComposerStore &)> &edit = {}) {
+    // A desktop with a state of its own, on kCode.
+    std::unique_ptr<ComposerStore> desktop(const QString &name) {
         StoreServices s = services();
         s.storage = std::make_shared<QtStateStorage>(
             StateFiles::inFolders(dir.filePath(name + "/config"), dir.filePath(name + "/data")));
@@ -76,11 +74,6 @@ protected:
         s.extraSyncCaCertificates = {identity_->caCertificate};
         auto store = std::make_unique<ComposerStore>(s);
         store->setSyncCode(QString::fromLatin1(kCode));
-        if (edit)
-            edit(*store);
-        push ? store->pushToWeb() : store->pullFromWeb();
-        EXPECT_TRUE(waitUntil([&] { return !store->isSyncing(); }, std::chrono::seconds(20)));
-        EXPECT_TRUE(alerts->shown.isEmpty()) << alerts->shown.join(u'|').toStdString();
         return store;
     }
 
@@ -88,12 +81,14 @@ protected:
 };
 
 TEST_F(HttpsProgramTest, PushedRecordIsPulledByAnotherDesktop) {
-    auto sender = sync("sender", true, [](ComposerStore &store) {
-        store.setActivePreset(PresetKind::Pret);
-        store.setDataField("recipientName", QStringLiteral("Lea Martin"));
-        store.setDataField("mainMessage", "Votre iPhone 13 est pret.\nA bientot !");
-    });
-    auto receiver = sync("receiver", false);
+    const auto sender = desktop("sender"), receiver = desktop("receiver");
+    sender->setActivePreset(PresetKind::Pret);
+    sender->setDataField("recipientName", QStringLiteral("Lea Martin"));
+    sender->pushToWeb();
+    EXPECT_TRUE(waitUntil([&] { return !sender->isSyncing(); }, std::chrono::seconds(20)));
+    receiver->pullFromWeb();
+    EXPECT_TRUE(waitUntil([&] { return !receiver->isSyncing(); }, std::chrono::seconds(20)));
+    EXPECT_TRUE(alerts->shown.isEmpty()) << alerts->shown.join(u'|').toStdString();
     EXPECT_TRUE(receiver->data() == sender->data() && receiver->activePreset() == PresetKind::Pret);
 
     const QByteArray log = server.errorOutput();

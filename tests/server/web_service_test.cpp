@@ -63,7 +63,6 @@ TEST_F(WebServiceTest, EveryAnswerKeepsCodesAndDraftsOutOfCachesAndReferrers) {
     const std::string json = "application/json", script = "text/javascript; charset=utf-8";
     const std::pair<HttpRequest, std::string> cases[] = {
         {request("GET", "/velino.html"), "200 text/html; charset=utf-8"},
-        {request("GET", "/velino.css"), "200 text/css; charset=utf-8"},
         {request("GET", "/js/app.js"), "200 " + script},
         {renderRequest(R"({"activePreset":"pret"})"), "200 " + json},
         {getRequest(kCode), "404 " + json},
