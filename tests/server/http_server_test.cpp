@@ -37,7 +37,7 @@ protected:
     }
     void TearDown() override {
         if (server)
-            server->stop(); // then the runner ends, joined as the test goes
+            server->stop(); // the runner then ends; it is joined with the fixture
     }
 
     std::unique_ptr<HttpServer> server;
