@@ -111,7 +111,6 @@ protected:
             .value(ComposerStore::kSyncCodeKey)
             .toString();
     }
-    void writeSaved(const QByteArray &bytes) { putFile(documentPath(), bytes); }
     // Long enough for every debounced regeneration and save to run.
     static void settle() { QTest::qWait(ComposerStore::kDebounceMilliseconds + 100); }
 

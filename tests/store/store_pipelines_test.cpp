@@ -1,14 +1,12 @@
 #include "https_test_server.h"
 #include "store_fixture.h"
 
-#include <QSignalSpy>
-
 using namespace velino;
 using velino::test::StoreTest;
 using velino::test::waitUntil;
 
 // Timed by the test's own clock, so that a stalled machine cannot make it fail.
-TEST_F(StoreTest, QuickEditsGiveOneRegenerationAndOneSaveAfterTheLast) {
+TEST_F(StoreTest, QuickEditsGiveOneRegenerationAfterTheLastAndAreSaved) {
     const auto store = makeStore();
     const qint64 delay = ComposerStore::kDebounceMilliseconds;
     QElapsedTimer clock;
@@ -16,7 +14,6 @@ TEST_F(StoreTest, QuickEditsGiveOneRegenerationAndOneSaveAfterTheLast) {
     QList<qint64> edits, regenerations;
     QObject::connect(store.get(), &ComposerStore::generatedHTMLChanged,
                      [&] { regenerations.append(clock.elapsed()); });
-    QSignalSpy saves(store.get(), &ComposerStore::saveStatusChanged);
     for (int i = 1; i <= 10; ++i) {
         edits.append(clock.elapsed());
         store->setDataField("subject", QStringLiteral("Objet numero %1").arg(i));
@@ -34,7 +31,6 @@ TEST_F(StoreTest, QuickEditsGiveOneRegenerationAndOneSaveAfterTheLast) {
     EXPECT_EQ(std::count_if(regenerations.begin(), regenerations.end(),
                             [&](qint64 at) { return at > edits.last(); }),
               1);
-    EXPECT_EQ(saves.count(), regenerations.size());
     EXPECT_EQ(store->generatedSubject() + "|" + savedSubject(), "Objet numero 10|Objet numero 10");
 }
 
@@ -51,7 +47,6 @@ TEST_F(StoreTest, PendingChangesAreDroppedWithTheStoreOrSavedAtOnceOrAfterTheDeb
         if (how == Asked)
             store->savePendingChanges();
         if (how == Waited) {
-            EXPECT_EQ(saved(u"customPresetDraftName") + savedSyncCode(), "");
             settle();
             EXPECT_EQ(store->syncCode(), "ab-12 cd");
         }
@@ -76,14 +71,4 @@ TEST_F(StoreTest, ApplyingAPresetOrResettingKeepsLibraryAndCode) {
     EXPECT_EQ(store->generatedHTML().toUtf8(), test::readTestData("default_email.html"));
     EXPECT_EQ(QString::number(store->customPresets().size()) + " " + store->syncCode(),
               "2 CODE-PRIVE-1234567");
-}
-
-TEST_F(StoreTest, PreviewTextsFallBackWhenBlank) {
-    const auto store = makeStore();
-    store->setDataField("recipientName", " \t ");
-    store->setDataField("recipientEmail", "");
-    EXPECT_EQ(store->previewRecipientName() + "|" + store->previewRecipientEmail(),
-              "Client|email non renseigne");
-    store->setDataField("recipientName", " Mme Roy ");
-    EXPECT_EQ(store->previewRecipientName(), "Mme Roy");
 }

@@ -4,7 +4,6 @@
 
 #include "mail_app_executor.h"
 #include "mail_app_texts.h"
-#include "rich_text_converter.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -20,8 +19,7 @@ namespace velino::test {
 class FakeDesktop final : public Clipboard,
                           public SaveDialog,
                           public AlertPresenter,
-                          public UrlOpener,
-                          public RichTextConverter {
+                          public UrlOpener {
 public:
     void setItem(const ClipboardItem &item) override {
         log.append(QStringLiteral("clipboard"));
@@ -44,20 +42,13 @@ public:
         opened.append(url);
         return accepts;
     }
-    // The real conversion unless `scripted` (nothing: the HTML cannot be imported).
-    std::optional<RichTextConversion> convert(const QByteArray &htmlUtf8) override {
-        converted.append(htmlUtf8);
-        return scripted ? conversion : QtRichTextConverter().convert(htmlUtf8);
-    }
 
     QStringList log;
     QtClipboard realClipboard;
     std::optional<QString> answer;
     Answer pending;
     QList<QUrl> opened;
-    std::optional<RichTextConversion> conversion;
-    QList<QByteArray> converted;
-    bool deferred = false, accepts = true, scripted = false;
+    bool deferred = false, accepts = true;
     // The mail application: installed or not, how a draft ends (nothing: created), drafts.
     bool mailAppInstalled = true;
     std::optional<DraftFailure> draftFailure;
@@ -90,8 +81,7 @@ protected:
         s.clipboard = desktop;
         s.saveDialog = desktop;
         s.alerts = desktop;
-        s.richText = desktop;
-        s.urls = urls ? urls : std::shared_ptr<UrlOpener>(desktop);
+        s.urls = desktop;
         s.files = files;
         s.makeMailExecutor = [desktop = desktop](ProgramLauncher &, FileSystem &, IdGenerator &) {
             return std::make_unique<FakeMailApp>(desktop);
@@ -105,8 +95,6 @@ protected:
         return store;
     }
 
-    // Something else on the clipboard, so that a test sees whether an action replaced it.
-    static void putOtherTextOnClipboard() { QGuiApplication::clipboard()->setText("autre"); }
     static const QMimeData &clipboardContent() {
         static const QMimeData empty;
         const QMimeData *mime = QGuiApplication::clipboard()->mimeData();
@@ -114,7 +102,6 @@ protected:
     }
 
     std::shared_ptr<FakeDesktop> desktop = std::make_shared<FakeDesktop>();
-    std::shared_ptr<UrlOpener> urls; // the fake desktop unless set
     std::shared_ptr<FileSystem> files = std::make_shared<QtFileSystem>(tempFolder());
 };
 

@@ -2,8 +2,6 @@
 
 #include "tls_store_fixture.h"
 
-#include <QSignalSpy>
-
 #include <chrono>
 #include <memory>
 #include <tuple>
@@ -27,7 +25,6 @@ protected:
         StoreServices s = services();
         s.syncEndpoint = server->url(QStringLiteral("/api/velino-sync"));
         s.extraSyncCaCertificates = {identity_->caCertificate};
-        s.syncTransferTimeout = transferTimeout;
         return s;
     }
     std::unique_ptr<ComposerStore> makeSyncStore(const StoreServices &services) {
@@ -35,7 +32,6 @@ protected:
         store->setSyncCode(QString::fromLatin1(kSyncCode));
         return store;
     }
-    std::unique_ptr<ComposerStore> makeSyncStore() { return makeSyncStore(syncServices()); }
 
     // A store with content of its own, saved: its next save writes the same bytes.
     std::unique_ptr<ComposerStore> makeSettledStore(const StoreServices &services) {
@@ -80,10 +76,7 @@ protected:
     void answerWith(const TestHttpAnswer &answer) {
         server->setHandler([answer](const TestHttpRequest &) { return answer; });
     }
-    void answerJson(const QByteArray &body) { answerWith(TestHttpAnswer::json(200, body)); }
-    static QJsonObject bodyObject(const TestHttpRequest &request) {
-        return QJsonDocument::fromJson(request.body).object();
-    }
+    void answerJson(const QByteArray &body) { answerWith({200, body}); }
     static QByteArray compact(const QJsonObject &object) {
         return QJsonDocument(object).toJson(QJsonDocument::Compact);
     }
@@ -100,14 +93,13 @@ protected:
         payload.insert("data", data.toJson());
         return payload;
     }
-    static QByteArray downloadAnswer(const QJsonObject &payload, const QString &at = kAnswerTime,
-                                     bool ok = true) {
+    static QByteArray downloadAnswer(const QJsonObject &payload, bool ok = true) {
         return compact(
-            {{"ok", ok}, {"snapshot", QJsonObject{{"updatedAt", at}, {"payload", payload}}}});
+            {{"ok", ok},
+             {"snapshot", QJsonObject{{"updatedAt", kAnswerTime}, {"payload", payload}}}});
     }
 
     std::unique_ptr<HttpsTestServer> server;
-    std::chrono::milliseconds transferTimeout{15000};
 };
 
 } // namespace velino::test

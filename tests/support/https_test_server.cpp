@@ -113,12 +113,11 @@ void HttpsTestServer::readFrom(QSslSocket *socket) {
 }
 
 void HttpsTestServer::answer(QSslSocket *socket, const TestHttpRequest &request) {
-    const TestHttpAnswer reply = handler_ ? handler_(request) : TestHttpAnswer::json(404, {});
+    const TestHttpAnswer reply = handler_ ? handler_(request) : TestHttpAnswer{404, {}};
     if (reply.silent)
         return;
-    QByteArray head = "HTTP/1.1 " + QByteArray::number(reply.status) + " Status\r\n";
-    if (!reply.contentType.isEmpty())
-        head += "Content-Type: " + reply.contentType + "\r\n";
+    QByteArray head = "HTTP/1.1 " + QByteArray::number(reply.status) +
+                      " Status\r\nContent-Type: application/json\r\n";
     if (reply.declareLength)
         head += "Content-Length: " + QByteArray::number(reply.body.size()) + "\r\n";
     socket->write(head + "Connection: close\r\n\r\n" + reply.body);

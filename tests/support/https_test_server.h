@@ -38,15 +38,9 @@ struct TestHttpRequest {
 
 struct TestHttpAnswer {
     int status = 200;
-    QByteArray contentType = "application/json";
     QByteArray body;
     bool declareLength = true; // or else delimited by closing the connection
     bool silent = false;       // never answers
-
-    static TestHttpAnswer json(int status, const QByteArray &body) {
-        return {status, "application/json", body};
-    }
-    static TestHttpAnswer never() { return {200, {}, {}, true, true}; }
 };
 
 // HTTPS/1.1 on 127.0.0.1, on the calling thread's event loop: one request per connection,

@@ -22,9 +22,7 @@ TEST(TransportFailureText, OneFrenchSentencePerFailureThenThePlatformText) {
         {E::SslHandshakeFailedError, {}, "Connexion securisee impossible"},
         {E::RemoteHostClosedError, {}, "Le serveur de synchronisation a ferme la connexion."},
         {E::UnknownNetworkError, {}, "Reseau indisponible ou serveur injoignable"},
-        {E::TemporaryNetworkFailureError, {}, "Reseau indisponible ou serveur injoignable"},
         {E::ProxyAuthenticationRequiredError, {}, "Le proxy de cet ordinateur"},
-        {E::ProxyNotFoundError, {}, "Le proxy de cet ordinateur"},
         {E::ProtocolFailure, {}, "Connexion au serveur de synchronisation impossible."},
     };
     for (const auto &[error, ssl, starts] : cases) {
