@@ -1,0 +1,41 @@
+#include "qt_services.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QUrl>
+
+#include <gtest/gtest.h>
+
+using namespace velino;
+
+// xdg-open's exit status says whether a handler took the address; one still running when the
+// wait ends is a handler starting, not a failure.
+TEST(DesktopUrlOpener, ReadsXdgOpensOutcome) {
+    QTemporaryDir dir;
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", QFile::encodeName(dir.path()) + ":" + path);
+    const struct {
+        const char *script;
+        bool opened;
+    } cases[] = {
+        {"exit 0", true},
+        {"exit 3", false},
+        {"sleep 5; touch \"$0.ended\"", true},
+    };
+    const QUrl url(QStringLiteral("mailto:a b@example.com?subject=Devis pret"));
+    for (const auto &[script, opened] : cases) {
+        SCOPED_TRACE(script);
+        const QString program = dir.filePath("xdg-open");
+        QFile file(program);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(QByteArray("#!/bin/sh\nprintf %s \"$1\" > \"$0.argument\"\n") + script + "\n");
+        file.close();
+        ASSERT_TRUE(file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        EXPECT_EQ(DesktopUrlOpener().openUrl(url), opened);
+        QFile argument(program + ".argument");
+        ASSERT_TRUE(argument.open(QIODevice::ReadOnly));
+        EXPECT_EQ(argument.readAll(), url.toEncoded());
+        EXPECT_FALSE(QFile::exists(program + ".ended")) << "returned before the handler ended";
+    }
+    qputenv("PATH", path);
+}
