@@ -139,6 +139,7 @@ TEST_F(HttpsProgramTest, RefusesToStartWithoutAWayToProtectConnectionsOrAPort) {
         {{}, 2, "Refus de demarrer sans TLS"},
         {{"--plain-http", "--retention-days", "0"}, 2, "Valeur invalide pour --retention-days"},
         {{"--plain-http", "--database", "mysql://x"}, 2, "Base de donnees invalide"},
+        {{"--plain-http", "--database", "SQLite:"}, 2, "il manque le chemin du fichier"},
         {unreadableTls, 1, "Fichier TLS illisible : " + missing},
         {portTaken, 1, "Impossible d'ecouter sur 127.0.0.1:"},
     };

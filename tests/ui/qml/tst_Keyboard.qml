@@ -72,6 +72,12 @@ WindowTestCase {
             press(key)
             compare([focusedName(), t.store.activePreset], ["presetTile." + focused, active])
         }
+        // The preview modes: the arrows move the choice and the focus with it, up to the ends.
+        focusOn("segment.0")
+        for (const index of [1, 0, 0]) {
+            press(index ? Qt.Key_Right : Qt.Key_Left)
+            compare([focusedName(), el(t, "previewModes").currentIndex], ["segment." + index, index])
+        }
         focusOn("copySubjectButton")
         verify(find(el(t, "copySubjectButton"), (i) => i.shown === true && i.border !== undefined),
                "focus ring")
