@@ -111,11 +111,16 @@ QString WindowDialogs::withHtmlExtension(const QString &path) {
 void WindowDialogs::chooseSaveFile(const QUrl &file) {
     if (!m_saveAnswer || !m_replacePath.isEmpty())
         return;
-    if (!file.isLocalFile()) {
+    // Qt Quick's own dialog answers a typed name as a bare path read as an address, so that
+    // "#" or "?" in the name start its fragment or query: the whole text is the path.
+    const QString chosen = file.isLocalFile()        ? file.toLocalFile()
+                           : file.scheme().isEmpty() ? file.toString()
+                                                     : QString();
+    if (!QDir::isAbsolutePath(chosen)) {
         finishSave(std::nullopt);
         return;
     }
-    const QString path = withHtmlExtension(QDir::cleanPath(file.toLocalFile()));
+    const QString path = withHtmlExtension(QDir::cleanPath(chosen));
     if (QFileInfo::exists(path)) {
         m_replacePath = path;
         Q_EMIT saveChanged();

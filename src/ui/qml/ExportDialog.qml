@@ -3,8 +3,9 @@ import QtQuick.Dialogs
 import Velino
 
 // The export's save dialog: the platform's own where the desktop offers one, else Qt
-// Quick's. It opens as soon as it is created and answers `dialogs`. It does not ask
-// before replacing a file: the window asks, once, in its own alert.
+// Quick's. It opens as soon as it is created and answers `dialogs`, which adds the
+// extension. It does not ask before replacing a file: the window asks, once, in its own
+// alert.
 FileDialog {
     required property WindowDialogs dialogs
 
@@ -12,7 +13,6 @@ FileDialog {
     title: dialogs.saveTitle
     fileMode: FileDialog.SaveFile
     nameFilters: ["Pages HTML (*.html *.htm)"]
-    defaultSuffix: "html"
     options: FileDialog.DontConfirmOverwrite
     currentFolder: dialogs.saveFolder
     selectedFile: dialogs.suggestedFile

@@ -216,6 +216,20 @@ WindowTestCase {
             w.exportDialog.reject()
             tryVerify(() => !dialogs.isModal)
             compare(t.store.lastAction, before, "Annuler changes nothing")
+            // A name typed in the dialog, here Qt Quick's own, with its extension added.
+            openDialog()
+            const names = []
+            find(w.contentItem.parent, (i) => {
+                if (i.objectName === "fileNameTextField" && !names.includes(i))
+                    names.push(i)
+                return false
+            })
+            const name = names[names.length - 1] // the one before may still be going
+            name.forceActiveFocus()
+            name.text = "Devis \u00E9t\u00E9 #2" // the test's keys are ASCII only
+            w.exportDialog.accept()
+            tryCompare(t.store, "lastAction", "HTML exporte vers Devis \u00E9t\u00E9 #2.html.", 3000)
+            verify(TestSupport.fileExists(home + "/Devis \u00E9t\u00E9 #2.html"))
             openDialog()
             w.exportDialog.accept()
             tryVerify(() => TestSupport.fileExists(home + "/" + file), 3000, file)
