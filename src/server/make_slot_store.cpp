@@ -1,4 +1,5 @@
 #include "postgres_slot_store.h"
+#include "postgres_url.h"
 #include "slot_store.h"
 #include "sqlite_slot_store.h"
 
@@ -17,10 +18,8 @@ std::unique_ptr<SlotStore> makeSlotStore(const QString &databaseUrl, QString *er
         }
         return std::make_unique<SqliteSlotStore>(path);
     }
-    if (databaseUrl.startsWith(QStringLiteral("postgresql://"), Qt::CaseInsensitive) ||
-        databaseUrl.startsWith(QStringLiteral("postgres://"), Qt::CaseInsensitive)) {
+    if (postgresSchemeLength(databaseUrl) > 0)
         return makePostgresSlotStore(databaseUrl, error);
-    }
     *error = QStringLiteral("Base de donnees invalide : attendu \"sqlite:CHEMIN\" ou "
                             "\"postgresql://UTILISATEUR@HOTE:PORT/BASE\".");
     return nullptr;

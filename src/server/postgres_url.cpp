@@ -61,6 +61,14 @@ std::optional<QString> splitHostPort(QStringView authority, QByteArray &host, QB
 
 } // namespace
 
+qsizetype postgresSchemeLength(QStringView url) {
+    for (const auto scheme : {QStringView(u"postgresql://"), QStringView(u"postgres://")}) {
+        if (url.startsWith(scheme, Qt::CaseInsensitive))
+            return scheme.size();
+    }
+    return 0;
+}
+
 std::optional<PostgresConnectionParameters> parsePostgresUrl(const QString &url, QString *error) {
     const auto fail = [error](const QString &message) {
         if (error) {
@@ -69,18 +77,11 @@ std::optional<PostgresConnectionParameters> parsePostgresUrl(const QString &url,
         return std::nullopt;
     };
 
-    QStringView rest(url);
-    bool schemeFound = false;
-    for (const auto scheme : {QStringView(u"postgresql://"), QStringView(u"postgres://")}) {
-        if (rest.startsWith(scheme, Qt::CaseInsensitive)) {
-            rest = rest.mid(scheme.size());
-            schemeFound = true;
-            break;
-        }
-    }
-    if (!schemeFound) {
+    const qsizetype schemeLength = postgresSchemeLength(url);
+    if (schemeLength == 0) {
         return fail(invalidAddress(QStringLiteral("schema inconnu")));
     }
+    QStringView rest = QStringView(url).mid(schemeLength);
 
     const qsizetype queryStart = rest.indexOf(u'?');
     const QStringView query = queryStart < 0 ? QStringView() : rest.mid(queryStart + 1);

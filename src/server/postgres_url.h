@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <QStringView>
 
 #include <optional>
 #include <utility>
@@ -12,6 +13,10 @@ namespace velino::server {
 // libpq connection keywords and their values, in the order they are given to
 // PQconnectdbParams.
 using PostgresConnectionParameters = QList<std::pair<QByteArray, QByteArray>>;
+
+// The length of the "postgresql://" or "postgres://" the address starts with, in any case as
+// every URL scheme; 0 when it starts with neither.
+qsizetype postgresSchemeLength(QStringView url);
 
 // Reads "postgresql://USER@HOST:PORT/DB" (also "postgresql://USER@/DB?host=/socket/folder",
 // with the query keys host, port, sslmode, sslrootcert, sslcert, sslkey, connect_timeout and
