@@ -44,25 +44,27 @@ Item {
             elide: Text.ElideRight
         }
         Text {
+            id: valueText
             objectName: "summaryValue"
+            // A word too wide for the card ("Thunderbird") makes the value smaller, not broken.
+            readonly property int fullSize: 22
             Layout.fillWidth: true
             text: root.value
             font.family: AppTheme.fontFamily
-            // A word too wide for the card ("Thunderbird") makes the value smaller, not broken.
-            font.pixelSize: Math.max(14, Math.min(22, Math.floor(22 * width / Math.max(1, longestWord.advanceWidth))))
+            font.pixelSize: Math.max(14, Math.min(fullSize, Math.floor(fullSize * width / Math.max(1, longestWord.advanceWidth))))
             font.weight: Font.Bold
             color: AppTheme.text
             wrapMode: Text.Wrap
             maximumLineCount: 2
+            elide: Text.ElideRight
 
             TextMetrics {
                 id: longestWord
                 font.family: AppTheme.fontFamily
-                font.pixelSize: 22
+                font.pixelSize: valueText.fullSize
                 font.weight: Font.Bold
                 text: root.value.split(/\s+/).reduce((longest, word) => word.length > longest.length ? word : longest, "")
             }
-            elide: Text.ElideRight
         }
         Text {
             objectName: "summaryCaption"
