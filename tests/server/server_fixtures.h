@@ -1,5 +1,6 @@
 #pragma once
 
+#include "postgres_query.h"
 #include "slot_store.h"
 #include "sqlite_slot_store.h"
 #include "sync_records.h"
@@ -44,14 +45,12 @@ inline server::StoredSlot slotOf(int n) {
 inline std::optional<QByteArray> runSql(const QString &url, const QByteArray &sql,
                                         QString *error = nullptr) {
     pg_conn *connection = PQconnectdb(url.toUtf8().constData());
-    PGresult *result = PQexec(connection, sql.constData());
-    const ExecStatusType status = PQresultStatus(result);
+    const server::PostgresResult result = server::runPostgresQuery(connection, sql.constData());
     std::optional<QByteArray> value;
-    if (status == PGRES_TUPLES_OK || status == PGRES_COMMAND_OK || status == PGRES_EMPTY_QUERY)
-        value = PQntuples(result) > 0 ? QByteArray(PQgetvalue(result, 0, 0)) : QByteArray();
+    if (server::postgresQuerySucceeded(result))
+        value = QByteArray(PQntuples(result.get()) > 0 ? PQgetvalue(result.get(), 0, 0) : "");
     else if (error)
-        *error = QString::fromUtf8(PQerrorMessage(connection));
-    PQclear(result);
+        *error = QString::fromUtf8(server::postgresFailure(connection, result));
     PQfinish(connection);
     return value;
 }
@@ -78,10 +77,7 @@ struct ScratchStorage {
         if (!databaseName.isEmpty())
             runSql(testPostgresUrl(), "DROP DATABASE " + databaseName + " WITH (FORCE)");
     }
-    std::unique_ptr<server::SlotStore> makeStore() const {
-        QString ignored;
-        return server::makeSlotStore(url, &ignored);
-    }
+    std::unique_ptr<server::SlotStore> makeStore() { return server::makeSlotStore(url, &error); }
 
     QTemporaryDir folder;
     QByteArray databaseName;
@@ -128,7 +124,6 @@ inline QString errorText(const std::string &body) {
 class ServiceFixture : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(folder.isValid());
         store = std::make_unique<server::SqliteSlotStore>(folder.filePath("sync.db"));
         ASSERT_TRUE(store->open());
         config.now = [this] { return now; };
