@@ -14,16 +14,11 @@
 
 using namespace velino;
 
-namespace {
-
-int fail(const QString &message) {
-    std::fprintf(stderr, "%s\n", message.toUtf8().constData());
-    return 1;
-}
-
-} // namespace
-
 int main(int argc, char **argv) {
+    const auto fail = [](const QString &message) {
+        std::fprintf(stderr, "%s\n", message.toUtf8().constData());
+        return 1;
+    };
     QCoreApplication app(argc, argv);
     const QStringList args = app.arguments().mid(1);
     if (args.size() != 5 || (args[0] != u"push" && args[0] != u"pull"))

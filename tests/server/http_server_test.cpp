@@ -29,7 +29,6 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
     ASSERT_TRUE(server.bind(&error)) << error.toStdString();
     const std::jthread runner([&] { server.run(); });
     const auto stopped = qScopeGuard([&] { server.stop(); }); // before the runner is joined
-    const std::string body = uploadBody();
     const QString tooLarge = QString::fromUtf8(texts::kBodyTooLarge).arg(kCap);
     const QString malformed = QString::fromUtf8(texts::kMalformedRequest);
     const std::string chunk = "8000\r\n" + std::string(0x8000, ' ') + "\r\n";
@@ -39,7 +38,7 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
                                 contentLength(form.size()) + "\r\n" + form;
     const std::string chunked = putHead("Transfer-Encoding: chunked\r\n") + chunk + chunk + chunk;
     const std::string bigExpect = putHead("Expect: 100-continue\r\n" + contentLength(kCap + 1));
-    const std::string shortBody = putHead(contentLength(body.size() + 100)) + body;
+    const std::string shortBody = putHead(contentLength(uploadBody().size() + 100)) + uploadBody();
     const QString incomplete = QString::fromUtf8(texts::kIncompleteBody);
     const char *page = "default-src 'none'";
     const struct {

@@ -50,9 +50,9 @@ TEST(PostgresSlotStoreTest, ReconnectsAfterAnImmediateStopAndLosesNoAcknowledged
                                  {action, "-w", "-m", "immediate"}) == 0;
     };
     ASSERT_TRUE(
-        runSql(testPostgresUrl(), "ALTER DATABASE velino_test SET synchronous_commit = off"));
+        runSql(kTestPostgresUrl, "ALTER DATABASE velino_test SET synchronous_commit = off"));
     QString error;
-    auto store = makeSlotStore(testPostgresUrl(), &error);
+    auto store = makeSlotStore(kTestPostgresUrl, &error);
     ASSERT_TRUE(store && store->open()) << error.toStdString();
 
     constexpr int kWrites = 300;
@@ -104,17 +104,16 @@ TEST(PostgresUrlTest, ReadsTheAcceptedFormsAndRefusesTheRestInFrench) {
     };
     for (const auto &[url, expected] : cases) {
         QString error;
+        SCOPED_TRACE(url);
         const auto parameters = parsePostgresUrl(QString::fromUtf8(url), &error);
         const auto pairs = parameters.value_or(PostgresConnectionParameters());
         std::map<QByteArray, QByteArray> map(pairs.begin(), pairs.end());
         EXPECT_EQ(parameters ? QString::fromUtf8(map["user"] + '|' + map["host"] + '|' +
                                                  map["port"] + '|' + map["dbname"])
                              : error,
-                  expected)
-            << url;
+                  expected);
         // Durable commits and bounded waits, whatever the address says.
         EXPECT_TRUE(!parameters || (map["options"].contains("synchronous_commit=on") &&
-                                    map["connect_timeout"] == "5" && !map.contains("password")))
-            << url;
+                                    map["connect_timeout"] == "5" && !map.contains("password")));
     }
 }

@@ -21,13 +21,11 @@
 
 namespace velino::test {
 
-inline QString testPostgresUrl() {
-    return qEnvironmentVariable("VELINO_TEST_POSTGRES_URL");
-}
+inline const QString kTestPostgresUrl = qEnvironmentVariable("VELINO_TEST_POSTGRES_URL");
 
 #define SKIP_WITHOUT_TEST_CLUSTER(engine)                                                          \
     do {                                                                                           \
-        if (std::string(engine) == "postgresql" && velino::test::testPostgresUrl().isEmpty())      \
+        if (std::string(engine) == "postgresql" && velino::test::kTestPostgresUrl.isEmpty())       \
             GTEST_SKIP() << "VELINO_TEST_POSTGRES_URL not set (scripts/with-test-postgres)";       \
     } while (false)
 
@@ -62,7 +60,7 @@ struct ScratchStorage {
             url = QStringLiteral("sqlite:") + folder.filePath(QStringLiteral("slots/sync.db"));
             return;
         }
-        const QString cluster = testPostgresUrl();
+        const QString cluster = kTestPostgresUrl;
         const QByteArray name = "velino_scratch_" + QUuid::createUuid().toByteArray(QUuid::Id128);
         if (!cluster.isEmpty() && runSql(cluster, "CREATE DATABASE " + name, &error) &&
             runSql(cluster, "ALTER DATABASE " + name + " SET timezone = 'Pacific/Kiritimati'",
@@ -75,7 +73,7 @@ struct ScratchStorage {
     }
     ~ScratchStorage() {
         if (!databaseName.isEmpty())
-            runSql(testPostgresUrl(), "DROP DATABASE " + databaseName + " WITH (FORCE)");
+            runSql(kTestPostgresUrl, "DROP DATABASE " + databaseName + " WITH (FORCE)");
     }
     std::unique_ptr<server::SlotStore> makeStore() { return server::makeSlotStore(url, &error); }
 

@@ -3,7 +3,6 @@
 #include "server_fixtures.h"
 #include "sync_code.h"
 
-#include <QFile>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QSslSocket>

@@ -40,7 +40,6 @@ TEST_F(SyncServiceTest, PutAnswersTheServerTimeAndKeepsThePayloadUnderTheCodesHa
 TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
     const QString badCode = QString::fromUtf8(texts::kInvalidCode);
     const QString notAllowed = QString::fromUtf8(texts::kMethodNotAllowed);
-    const auto put = [](const QString &code) { return putRequest(uploadBody(code)); };
     const auto render = [](auto body) { return request("POST", "/api/velino-render", body); };
     const auto badRender = [](const char *reason) {
         return "Requete de rendu invalide : " + QString::fromUtf8(reason);
@@ -48,9 +47,9 @@ TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
     QString undecodable; // the desktop's own decoder's sentence, word for word
     decodeSyncRecord<VelinoSyncUpload>(R"({"payload":{}})", &undecodable);
     const std::tuple<HttpRequest, int, QString> cases[] = {
-        {put("AB12CD34EF56GH7"), 400, badCode},
-        {put("ab12-cd34ef56gh78"), 400, badCode},
-        {put("ÉCOLE-CD34EF56GH78"), 400, badCode},
+        {putRequest(uploadBody("AB12CD34EF56GH7")), 400, badCode},
+        {putRequest(uploadBody("ab12-cd34ef56gh78")), 400, badCode},
+        {putRequest(uploadBody("ÉCOLE-CD34EF56GH78")), 400, badCode},
         {putRequest(R"({"payload":{}})"), 400, undecodable},
         {request("GET", "/api/velino-sync"), 400, badCode},
         {getRequest(kCode), 404, QString::fromUtf8(texts::kUnknownCode)},
