@@ -3,10 +3,10 @@
 #include "postgres_query.h"
 #include "slot_store.h"
 #include "sqlite_slot_store.h"
+#include "sync_code.h"
 #include "sync_records.h"
 #include "sync_service.h"
 
-#include <QCryptographicHash>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
@@ -30,7 +30,7 @@ inline const QString kTestPostgresUrl = qEnvironmentVariable("VELINO_TEST_POSTGR
     } while (false)
 
 inline QByteArray keyOf(int n) {
-    return QCryptographicHash::hash(QByteArray::number(n), QCryptographicHash::Sha256);
+    return server::slotKeyOf(QString::number(n));
 }
 inline QDateTime at(qint64 secondsSinceEpoch) {
     return QDateTime::fromSecsSinceEpoch(secondsSinceEpoch, QTimeZone::utc());

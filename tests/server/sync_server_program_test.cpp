@@ -1,7 +1,6 @@
 #include "../store_sync/tls_store_fixture.h"
 #include "raw_http_client.h"
 #include "server_fixtures.h"
-#include "sync_code.h"
 
 #include <QProcess>
 #include <QRandomGenerator>

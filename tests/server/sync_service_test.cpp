@@ -1,5 +1,4 @@
 #include "server_fixtures.h"
-#include "sync_code.h"
 #include "sync_texts.h"
 
 #include <QFile>
