@@ -14,14 +14,15 @@
 
 using namespace velino;
 
-namespace {
-
-int fail(const QString &message) {
-    std::fprintf(stderr, "%s\n", message.toUtf8().constData());
-    return 1;
-}
-
-int sync(const QStringList &args) {
+int main(int argc, char **argv) {
+    const auto fail = [](const QString &message) {
+        std::fprintf(stderr, "%s\n", message.toUtf8().constData());
+        return 1;
+    };
+    QCoreApplication app(argc, argv);
+    const QStringList args = app.arguments().mid(1);
+    if (args.size() != 5 || (args[0] != u"push" && args[0] != u"pull"))
+        return fail("usage : velino_desktop_sync_helper push|pull ADRESSE CA CODE DOSSIER");
     const bool push = args[0] == u"push";
     StoreServices services = StoreServices::qtDefaults();
     services.storage = std::make_shared<QtStateStorage>(
@@ -43,14 +44,4 @@ int sync(const QStringList &args) {
                       .toJson(QJsonDocument::Compact)
                       .constData());
     return 0;
-}
-
-} // namespace
-
-int main(int argc, char **argv) {
-    QCoreApplication app(argc, argv);
-    const QStringList args = app.arguments().mid(1);
-    if (args.size() == 5 && (args[0] == u"push" || args[0] == u"pull"))
-        return sync(args);
-    return fail("usage : velino_desktop_sync_helper push|pull ADRESSE CA CODE DOSSIER");
 }

@@ -3,6 +3,8 @@
 #include "server_fixtures.h"
 #include "sync_texts.h"
 
+#include <QScopeGuard>
+
 #include <thread>
 
 using namespace velino;
@@ -14,54 +16,29 @@ namespace {
 
 constexpr qint64 kCap = 64 * 1024;
 
-std::string putHead(const std::string &extra) {
-    return "PUT /api/velino-sync HTTP/1.1\r\nHost: 127.0.0.1\r\n" + extra + "\r\n";
-}
-
-std::string withLength(qint64 length) {
-    return "Content-Length: " + std::to_string(length) + "\r\n";
-}
-
-class HttpServerTest : public ServiceFixture {
-protected:
-    void SetUp() override {
-        ASSERT_NO_FATAL_FAILURE(ServiceFixture::SetUp());
-        config.maxBodyBytes = kCap;
-        config.log = [](const std::string &) {};
-        remake();
-        server = std::make_unique<HttpServer>(
-            *service, HttpServerOptions{"127.0.0.1", 0, {}, {}, true, 1s, 8, 1s});
-        QString error;
-        ASSERT_TRUE(server->bind(&error)) << error.toStdString();
-        runner = std::jthread([this] { server->run(); });
-    }
-    void TearDown() override {
-        if (server)
-            server->stop(); // the runner then ends; it is joined with the fixture
-    }
-
-    std::unique_ptr<HttpServer> server;
-    std::jthread runner;
-};
+using HttpServerTest = ServiceFixture;
 
 // Refused in French, nothing stored; `closes`: 1 the connection is closed, 2 only after the
 // second without progress; `policy`: the page's headers, also on the socket layer's refusals.
 TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
-    const std::string body = uploadBody();
+    config.maxBodyBytes = kCap;
+    config.log = [](const std::string &) {}; // the fixture's log is not for several threads
+    remake();
+    HttpServer server(*service, HttpServerOptions{"127.0.0.1", 0, {}, {}, true, 1s, 8, 1s});
+    QString error;
+    ASSERT_TRUE(server.bind(&error)) << error.toStdString();
+    const std::jthread runner([&] { server.run(); });
+    const auto stopped = qScopeGuard([&] { server.stop(); }); // before the runner is joined
     const QString tooLarge = QString::fromUtf8(texts::kBodyTooLarge).arg(kCap);
     const QString malformed = QString::fromUtf8(texts::kMalformedRequest);
-    std::string chunks;
-    for (int n = 0; n < 3; ++n) // the server must not wait for the last chunk
-        chunks += "8000\r\n" + std::string(0x8000, ' ') + "\r\n";
-    const auto post = [](const std::string &path, const char *type, const std::string &content) {
-        return "POST " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: application/" +
-               type + "\r\n" + withLength(content.size()) + "\r\n" + content;
-    };
-    const std::string preview = post("/api/velino-preview", "x-www-form-urlencoded",
-                                     "state=%7B%22activePreset%22%3A%22rdv%22%7D");
-    const std::string chunked = putHead("Transfer-Encoding: chunked\r\n") + chunks;
-    const std::string bigExpect = putHead("Expect: 100-continue\r\n" + withLength(kCap + 1));
-    const std::string shortBody = putHead(withLength(body.size() + 100)) + body;
+    const std::string chunk = "8000\r\n" + std::string(0x8000, ' ') + "\r\n";
+    const std::string form = "state=%7B%22activePreset%22%3A%22rdv%22%7D";
+    const std::string preview = "POST /api/velino-preview HTTP/1.1\r\nHost: 127.0.0.1\r\n"
+                                "Content-Type: application/x-www-form-urlencoded\r\n" +
+                                contentLength(form.size()) + "\r\n" + form;
+    const std::string chunked = putHead("Transfer-Encoding: chunked\r\n") + chunk + chunk + chunk;
+    const std::string bigExpect = putHead("Expect: 100-continue\r\n" + contentLength(kCap + 1));
+    const std::string shortBody = putHead(contentLength(uploadBody().size() + 100)) + uploadBody();
     const QString incomplete = QString::fromUtf8(texts::kIncompleteBody);
     const char *page = "default-src 'none'";
     const struct {
@@ -72,8 +49,8 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
         int closes = 0;
         const char *policy = nullptr;
     } cases[] = {
-        {"declared length over the cap", putHead(withLength(kCap + 1)), 413, tooLarge, 1, page},
-        {"chunks past the cap, no end", chunked, 413, tooLarge, 1},
+        {"declared length over the cap", putHead(contentLength(kCap + 1)), 413, tooLarge, 1, page},
+        {"chunks past the cap, no last one", chunked, 413, tooLarge, 1},
         {"over the cap with 100-continue", bigExpect, 413, tooLarge, 1},
         {"body shorter than its length", shortBody, 400, incomplete, 2},
         {"slowloris headers", "GET /healthz HTTP/1.1\r\nHost: 127.0.0.1\r\nX-Slow: ", 400,
@@ -84,7 +61,7 @@ TEST_F(HttpServerTest, HostileRequestsAreRefusedAndStoreNothing) {
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);
-        RawHttpConnection connection(server->port());
+        RawHttpConnection connection(server.port());
         const auto start = std::chrono::steady_clock::now();
         ASSERT_TRUE(connection.send(c.bytes));
         auto answer = connection.readAnswer(5s);

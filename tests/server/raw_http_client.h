@@ -20,6 +20,14 @@ struct RawHttpAnswer {
     std::string body;
 };
 
+// The head of a PUT to the sync address, with more header lines (each ending in CRLF).
+inline std::string putHead(const std::string &moreHeaders) {
+    return "PUT /api/velino-sync HTTP/1.1\r\nHost: 127.0.0.1\r\n" + moreHeaders + "\r\n";
+}
+inline std::string contentLength(qint64 length) {
+    return "Content-Length: " + std::to_string(length) + "\r\n";
+}
+
 // Sends exactly the bytes it is given to 127.0.0.1: requests no HTTP library would send.
 class RawHttpConnection {
 public:

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "postgres_query.h"
 #include "slot_store.h"
 #include "sqlite_slot_store.h"
+#include "sync_code.h"
 #include "sync_records.h"
 #include "sync_service.h"
 
-#include <QCryptographicHash>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
@@ -20,18 +21,16 @@
 
 namespace velino::test {
 
-inline QString testPostgresUrl() {
-    return qEnvironmentVariable("VELINO_TEST_POSTGRES_URL");
-}
+inline const QString kTestPostgresUrl = qEnvironmentVariable("VELINO_TEST_POSTGRES_URL");
 
 #define SKIP_WITHOUT_TEST_CLUSTER(engine)                                                          \
     do {                                                                                           \
-        if (std::string(engine) == "postgresql" && velino::test::testPostgresUrl().isEmpty())      \
+        if (std::string(engine) == "postgresql" && velino::test::kTestPostgresUrl.isEmpty())       \
             GTEST_SKIP() << "VELINO_TEST_POSTGRES_URL not set (scripts/with-test-postgres)";       \
     } while (false)
 
 inline QByteArray keyOf(int n) {
-    return QCryptographicHash::hash(QByteArray::number(n), QCryptographicHash::Sha256);
+    return server::slotKeyOf(QString::number(n));
 }
 inline QDateTime at(qint64 secondsSinceEpoch) {
     return QDateTime::fromSecsSinceEpoch(secondsSinceEpoch, QTimeZone::utc());
@@ -44,14 +43,12 @@ inline server::StoredSlot slotOf(int n) {
 inline std::optional<QByteArray> runSql(const QString &url, const QByteArray &sql,
                                         QString *error = nullptr) {
     pg_conn *connection = PQconnectdb(url.toUtf8().constData());
-    PGresult *result = PQexec(connection, sql.constData());
-    const ExecStatusType status = PQresultStatus(result);
+    const server::PostgresResult result = server::runPostgresQuery(connection, sql.constData());
     std::optional<QByteArray> value;
-    if (status == PGRES_TUPLES_OK || status == PGRES_COMMAND_OK || status == PGRES_EMPTY_QUERY)
-        value = PQntuples(result) > 0 ? QByteArray(PQgetvalue(result, 0, 0)) : QByteArray();
+    if (server::postgresQuerySucceeded(result))
+        value = QByteArray(PQntuples(result.get()) > 0 ? PQgetvalue(result.get(), 0, 0) : "");
     else if (error)
-        *error = QString::fromUtf8(PQerrorMessage(connection));
-    PQclear(result);
+        *error = QString::fromUtf8(server::postgresFailure(connection, result));
     PQfinish(connection);
     return value;
 }
@@ -63,7 +60,7 @@ struct ScratchStorage {
             url = QStringLiteral("sqlite:") + folder.filePath(QStringLiteral("slots/sync.db"));
             return;
         }
-        const QString cluster = testPostgresUrl();
+        const QString cluster = kTestPostgresUrl;
         const QByteArray name = "velino_scratch_" + QUuid::createUuid().toByteArray(QUuid::Id128);
         if (!cluster.isEmpty() && runSql(cluster, "CREATE DATABASE " + name, &error) &&
             runSql(cluster, "ALTER DATABASE " + name + " SET timezone = 'Pacific/Kiritimati'",
@@ -76,12 +73,9 @@ struct ScratchStorage {
     }
     ~ScratchStorage() {
         if (!databaseName.isEmpty())
-            runSql(testPostgresUrl(), "DROP DATABASE " + databaseName + " WITH (FORCE)");
+            runSql(kTestPostgresUrl, "DROP DATABASE " + databaseName + " WITH (FORCE)");
     }
-    std::unique_ptr<server::SlotStore> makeStore() const {
-        QString ignored;
-        return server::makeSlotStore(url, &ignored);
-    }
+    std::unique_ptr<server::SlotStore> makeStore() { return server::makeSlotStore(url, &error); }
 
     QTemporaryDir folder;
     QByteArray databaseName;
@@ -128,7 +122,6 @@ inline QString errorText(const std::string &body) {
 class ServiceFixture : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(folder.isValid());
         store = std::make_unique<server::SqliteSlotStore>(folder.filePath("sync.db"));
         ASSERT_TRUE(store->open());
         config.now = [this] { return now; };

@@ -56,13 +56,10 @@ TEST_P(SlotStoreContract, PutGetReplaceAndSweep) {
 
     if (GetParam() == "sqlite") { // the folder and every file are the owner's only
         // Owner, group and other digits of Qt's flags; nothing for a missing file.
-        const auto mode = [](const QString &path) {
-            return QFile::permissions(path).toInt() & 0x7077;
-        };
-        const QString path = storage.url.mid(7);
-        EXPECT_EQ(mode(path.left(path.lastIndexOf(u'/'))), 0x7000);
-        for (const char *suffix : {"", "-wal", "-shm"})
-            EXPECT_EQ(mode(path + suffix), 0x6000) << suffix;
+        const QString folder = storage.folder.filePath("slots");
+        EXPECT_EQ(QFile::permissions(folder).toInt() & 0x7077, 0x7000);
+        for (const char *file : {"/sync.db", "/sync.db-wal", "/sync.db-shm"})
+            EXPECT_EQ(QFile::permissions(folder + file).toInt() & 0x7077, 0x6000) << file;
     }
 }
 
@@ -104,12 +101,10 @@ TEST_P(SlotStoreContract, StoresOnOneStorageActAsOneService) {
     }
     EXPECT_EQ(failures, 0);
     if (GetParam() == "postgresql") { // the two writing stores kept within 16 connections each
-        const int backends = runSql(empty.url, "SELECT count(*) FROM pg_stat_activity "
-                                               "WHERE datname = current_database()")
-                                 .value_or("0")
-                                 .toInt();
-        EXPECT_GT(backends, 2);
-        EXPECT_LE(backends, 2 * 16 + 2) << "two stores, one more opened, this session";
+        const auto backends = runSql(empty.url, "SELECT count(*) FROM pg_stat_activity "
+                                                "WHERE datname = current_database()");
+        EXPECT_GT(backends.value_or("0").toInt(), 2);
+        EXPECT_LE(backends.value_or("99").toInt(), 2 * 16 + 2) << "two stores, a third, this one";
     }
     EXPECT_EQ(stores[2]->count(), kWriters + 1);
     QByteArray lastWrites, expected;

@@ -1,5 +1,4 @@
 #include "server_fixtures.h"
-#include "sync_code.h"
 #include "sync_texts.h"
 
 #include <QFile>
@@ -12,7 +11,17 @@ namespace {
 
 using SyncServiceTest = ServiceFixture;
 
-TEST_F(SyncServiceTest, PutAnswersTheServerTimeAndStoresThePayloadUnderTheCodesHash) {
+// The log's lines and the database's files never hold a code.
+TEST_F(SyncServiceTest, PutAnswersTheServerTimeAndKeepsThePayloadUnderTheCodesHashOnly) {
+    HttpRequest forged = getRequest(kCode);
+    forged.path = "/x\nPUT /api/velino-sync 200";
+    service->recordExchange(putRequest(uploadBody()), 200, std::chrono::microseconds(1500));
+    service->recordExchange(forged, 404, std::chrono::milliseconds(70));
+    service->recordExchange(getRequest(kCode), 404, std::chrono::seconds(20));
+    EXPECT_EQ(logLines,
+              (std::vector<std::string>{"PUT /api/velino-sync 200 1.5ms 192.0.2.10",
+                                        "GET /x?PUT?/api/velino-sync?200 404 70.0ms 192.0.2.10",
+                                        "GET /api/velino-sync 404 20000.0ms 192.0.2.10"}));
     // Whole seconds, UTC, "Z": the fraction of the server's clock is dropped.
     EXPECT_EQ(service->handle(putRequest(uploadBody())).body,
               R"({"ok":true,"updatedAt":"2026-06-05T08:15:00Z"})");
@@ -30,18 +39,16 @@ TEST_F(SyncServiceTest, PutAnswersTheServerTimeAndStoresThePayloadUnderTheCodesH
 TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
     const QString badCode = QString::fromUtf8(texts::kInvalidCode);
     const QString notAllowed = QString::fromUtf8(texts::kMethodNotAllowed);
-    const auto put = [](const QString &code) { return putRequest(uploadBody(code)); };
     const auto render = [](auto body) { return request("POST", "/api/velino-render", body); };
-    const auto preview = [](auto body) { return request("POST", "/api/velino-preview", body); };
     const auto badRender = [](const char *reason) {
         return "Requete de rendu invalide : " + QString::fromUtf8(reason);
     };
     QString undecodable; // the desktop's own decoder's sentence, word for word
     decodeSyncRecord<VelinoSyncUpload>(R"({"payload":{}})", &undecodable);
     const std::tuple<HttpRequest, int, QString> cases[] = {
-        {put("AB12CD34EF56GH7"), 400, badCode},
-        {put("ab12-cd34ef56gh78"), 400, badCode},
-        {put("ÉCOLE-CD34EF56GH78"), 400, badCode},
+        {putRequest(uploadBody("AB12CD34EF56GH7")), 400, badCode},
+        {putRequest(uploadBody("ab12-cd34ef56gh78")), 400, badCode},
+        {putRequest(uploadBody("ÉCOLE-CD34EF56GH78")), 400, badCode},
         {putRequest(R"({"payload":{}})"), 400, undecodable},
         {request("GET", "/api/velino-sync"), 400, badCode},
         {getRequest(kCode), 404, QString::fromUtf8(texts::kUnknownCode)},
@@ -54,7 +61,8 @@ TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
          badRender(R"(preset inconnu pour la cle activePreset : "Devis".)")},
         {render("{\"activePreset\":\"\xff\"}"), 400,
          badRender("le corps n'est pas du texte UTF-8 valide.")},
-        {preview("other=1"), 400, badRender(R"(champ "state" manquant.)")},
+        {request("POST", "/api/velino-preview", "other=1"), 400,
+         badRender(R"(champ "state" manquant.)")},
         {request("GET", "/velino.php"), 404, QString::fromUtf8(texts::kUnknownAddress)},
     };
     for (const auto &[r, status, sentence] : cases) {
@@ -64,6 +72,14 @@ TEST_F(SyncServiceTest, RefusalsAreInFrenchAndStoreNothing) {
                   std::tuple(status, std::string("application/json"), sentence));
     }
     EXPECT_EQ(store->count(), 0);
+
+    store = std::make_unique<SqliteSlotStore>(QStringLiteral("/dev/null/sync.db"));
+    EXPECT_FALSE(store->open());
+    remake();
+    const HttpResponse down = service->handle(putRequest(uploadBody()));
+    EXPECT_EQ(std::pair(down.status, errorText(down.body)),
+              std::pair(503, QString::fromUtf8(texts::kStorageUnavailable)));
+    EXPECT_EQ(service->handle(request("GET", "/healthz")).status, 503);
 }
 
 // Rows: requests a minute, behind a proxy, times sent, request, status (a new service on change).
@@ -94,34 +110,10 @@ TEST_F(SyncServiceTest, CeilingsCountPerClientAddress) {
         for (int n = 0; n < times; ++n) {
             const HttpResponse answer = service->handle(request);
             EXPECT_EQ(answer.status, status) << n;
-            EXPECT_TRUE(answer.status != 429 ||
-                        errorText(answer.body) ==
-                            (perMinute > 10 ? "Trop de tentatives : reessaie dans une minute."
-                                            : "Trop de requetes : reessaie dans une minute."));
+            const char *tooMany = perMinute > 10 ? texts::kTooManyLookups : texts::kTooManyRequests;
+            EXPECT_TRUE(answer.status != 429 || errorText(answer.body) == tooMany);
         }
     }
-}
-
-TEST_F(SyncServiceTest, UnreachableStorageAnswers503InFrench) {
-    SqliteSlotStore unreachable(QStringLiteral("/dev/null/sync.db"));
-    EXPECT_FALSE(unreachable.open());
-    SyncService down(unreachable, config);
-    const HttpResponse put = down.handle(putRequest(uploadBody()));
-    EXPECT_EQ(std::pair(put.status, errorText(put.body)),
-              std::pair(503, QString::fromUtf8(texts::kStorageUnavailable)));
-    EXPECT_EQ(down.handle(request("GET", "/healthz")).status, 503);
-}
-
-TEST_F(SyncServiceTest, LogLinesNameNoCode) {
-    HttpRequest forged = getRequest(kCode);
-    forged.path = "/x\nPUT /api/velino-sync 200";
-    service->recordExchange(putRequest(uploadBody()), 200, std::chrono::microseconds(1500));
-    service->recordExchange(forged, 404, std::chrono::milliseconds(70));
-    service->recordExchange(getRequest(kCode), 404, std::chrono::seconds(20));
-    EXPECT_EQ(logLines,
-              (std::vector<std::string>{"PUT /api/velino-sync 200 1.5ms 192.0.2.10",
-                                        "GET /x?PUT?/api/velino-sync?200 404 70.0ms 192.0.2.10",
-                                        "GET /api/velino-sync 404 20000.0ms 192.0.2.10"}));
 }
 
 } // namespace

@@ -11,10 +11,6 @@ namespace {
 
 using WebServiceTest = ServiceFixture;
 
-HttpRequest renderRequest(const std::string &body) {
-    return request("POST", "/api/velino-render", body);
-}
-
 QJsonObject jsonOf(const HttpResponse &response) {
     return QJsonDocument::fromJson(QByteArray::fromStdString(response.body)).object();
 }
@@ -38,7 +34,7 @@ TEST_F(WebServiceTest, RenderAndPreviewAnswerTheDesktopsFilesByteForByte) {
     const auto record = MailComposerData::fromJson(data, QString(), &error);
     ASSERT_TRUE(record) << error.toStdString();
     const std::string body = compactJson({{"activePreset", "rdv"}, {"data", data}});
-    const QJsonObject answer = jsonOf(service->handle(renderRequest(body)));
+    const QJsonObject answer = jsonOf(service->handle(request("POST", "/api/velino-render", body)));
     EXPECT_EQ(answer[u"html"].toString().toUtf8() + answer[u"text"].toString().toUtf8(),
               readTestData("hostile_email.html") + readTestData("hostile_email.txt"));
     EXPECT_EQ(answer, expectedAnswer(*record, PresetKind::Rdv));
@@ -47,7 +43,7 @@ TEST_F(WebServiceTest, RenderAndPreviewAnswerTheDesktopsFilesByteForByte) {
     applied.applyPreset(PresetKind::Pret);
     const std::string applying =
         compactJson({{"activePreset", "relance"}, {"applyPreset", "pret"}, {"data", data}});
-    EXPECT_EQ(jsonOf(service->handle(renderRequest(applying))),
+    EXPECT_EQ(jsonOf(service->handle(request("POST", "/api/velino-render", applying))),
               expectedAnswer(applied, PresetKind::Pret));
 
     // As a browser writes the form: blanks as "+", the rest percent-encoded.
@@ -64,7 +60,7 @@ TEST_F(WebServiceTest, EveryAnswerKeepsCodesAndDraftsOutOfCachesAndReferrers) {
     const std::pair<HttpRequest, std::string> cases[] = {
         {request("GET", "/velino.html"), "200 text/html; charset=utf-8"},
         {request("GET", "/js/app.js"), "200 " + script},
-        {renderRequest(R"({"activePreset":"pret"})"), "200 " + json},
+        {request("POST", "/api/velino-render", R"({"activePreset":"pret"})"), "200 " + json},
         {getRequest(kCode), "404 " + json},
         {putRequest(uploadBody()), "200 " + json},
         {request("GET", "/js/../velino.html"), "404 " + json},
