@@ -18,10 +18,9 @@ bool check(const MailComposerData &d, int index) {
 TEST(Checklist, SubjectLengthBoundsCountUserPerceivedCharacters) {
     const QString accent = QString::fromUtf16(u"e\u0301");
     const std::pair<QString, bool> cases[] = {
-        {QString(12, u'a'), true},    {QString(90, u'a'), true},  {"  " + QString(12, u'a'), true},
-        {accent.repeated(90), true},  {QString(11, u'a'), false}, {QString(91, u'a'), false},
-        {accent.repeated(11), false},
-    };
+        {QString(12, u'a'), true},   {QString(90, u'a'), true},  {"  " + QString(12, u'a'), true},
+        {accent.repeated(90), true}, {QString(11, u'a'), false}, {QString(91, u'a'), false},
+        {accent.repeated(11), false}};
     for (const auto &[subject, fits] : cases)
         EXPECT_EQ(check(defaultWith(u"subject", subject), 1), fits) << subject.toStdString();
 }
