@@ -14,15 +14,14 @@ TEST(PrivateFiles, FilesOlderThanADayAreRemoved) {
     const QString folder = dir.filePath("Velino-apercus");
     ASSERT_TRUE(QDir().mkpath(folder + "/sous-dossier"));
     const QDateTime now = QDateTime::currentDateTimeUtc();
-    for (const auto &[name, hoursOld] : {std::pair{"ancien.html", 25},
-                                         {".cache-ancien", 48},
-                                         {"recent.html", 23},
-                                         {"sous-dossier/ancien.html", 48}}) {
+    for (const auto &[name, age] : {std::pair{"ancien.html", 25 * 3600},
+                                    {".cache-ancien", 48 * 3600},
+                                    {"recent.html", 23 * 3600},
+                                    {"sous-dossier/ancien.html", 48 * 3600}}) {
         QFile file(folder + "/" + name);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("<html></html>") > 0);
         ASSERT_TRUE(file.flush()); // the time is set after the last write
-        ASSERT_TRUE(
-            file.setFileTime(now.addSecs(-hoursOld * 3600), QFileDevice::FileModificationTime));
+        ASSERT_TRUE(file.setFileTime(now.addSecs(-age), QFileDevice::FileModificationTime));
     }
 
     QtFileSystem(folder).removeOldPrivateFiles(now);
