@@ -102,8 +102,7 @@ TEST(RtfReadability, TheCopiedMailShowsItsTextReadablyAndItsLink) {
     for (const auto &[name, r, buttonText, link] : samples) {
         SCOPED_TRACE(name.toStdString());
         const MailTemplateContext context(r);
-        const std::optional<RichTextConversion> conversion =
-            QtRichTextConverter().convert(context.htmlDocument().toUtf8());
+        const auto conversion = QtRichTextConverter().convert(context.htmlDocument().toUtf8());
         ASSERT_TRUE(conversion && conversion->rtf);
         const QList<ShownCharacter> shown = readRtf(*conversion->rtf);
         QString text;
