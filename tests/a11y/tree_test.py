@@ -55,10 +55,10 @@ class Node:  # what a screen reader reads of one accessible object, with its pat
         self.label = "%s (%s %r)" % (path, self.role, self.name)
 
 
-def walk(accessible, path=None):  # every node under `accessible`, itself included, depth first
-    def step(a):
-        return "%s[%s]" % (a.getRoleName(), a.name) if a.name else a.getRoleName()
+def step(a): return "%s[%s]" % (a.getRoleName(), a.name) if a.name else a.getRoleName()
 
+
+def walk(accessible, path=None):  # every node under `accessible`, itself included, depth first
     nodes = [Node(accessible, path or step(accessible))]
     for index, child in enumerate(accessible):
         if child is not None:
@@ -78,9 +78,7 @@ class Velino:
         with open(self.log_file, "w") as log:
             self.process = subprocess.Popen([program], env=self.env, stdout=log, stderr=log)
 
-    def xdotool(self, *args):
-        return subprocess.run(["xdotool", *args], env=self.env, capture_output=True,
-                              text=True).stdout
+    def xdotool(self, *args): subprocess.run(["xdotool", *args], env=self.env, capture_output=True)
 
     def log_tail(self): return "".join(open(self.log_file, errors="replace").readlines()[-15:])
 
@@ -123,8 +121,7 @@ def check_names(nodes):
 
 
 def check_preview(frame, record):
-    def is_document(n):
-        return n.role.startswith("document") and n.accessible.childCount > 0
+    def is_document(n): return n.role.startswith("document") and n.accessible.childCount > 0
 
     if (doc := wait_for(lambda: find(walk(frame), is_document), 15, 0.5)) is None:
         return fail("preview", "no e-mail document with content in the tree")

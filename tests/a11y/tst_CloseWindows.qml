@@ -14,10 +14,6 @@ Item {
         name: "CloseWindows"
         when: windowShown
 
-        function init() {
-            verify(TestSupport.resetSettings(), "settings wiped")
-        }
-
         function openWindow() {
             const w = AppShell.openWindow()
             w.requestActivate()
@@ -46,6 +42,7 @@ Item {
 
         // Each case 5 times: 20 closes of the window under test.
         function test_closes() {
+            verify(TestSupport.resetSettings(), "settings wiped")
             for (const [windows, unlock] of [[1, false], [1, true], [2, false], [2, true]]) {
                 for (const round of ["un", "deux", "trois", "quatre", "cinq"]) {
                     const first = windows === 2 ? openWindow() : null

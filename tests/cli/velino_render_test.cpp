@@ -1,10 +1,10 @@
 #include "mail_composer_data.h"
+#include "qt_services.h"
 #include "test_records.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -13,21 +13,8 @@ using namespace velino;
 
 namespace {
 
-struct RenderRun {
-    int exitCode = -1;
-    QByteArray out, err;
-};
-
-RenderRun runRender(const QStringList &args, const QByteArray &input = {}) {
-    QProcess process;
-    process.start(QStringLiteral(VELINO_RENDER_BINARY), args);
-    EXPECT_TRUE(process.waitForStarted());
-    process.write(input);
-    process.closeWriteChannel();
-    EXPECT_TRUE(process.waitForFinished(30000));
-    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit)
-        << "crashed on " << input.left(80).toStdString();
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+ProgramLauncher::Result runRender(const QStringList &args, const QByteArray &input = {}) {
+    return QtProgramLauncher().run(QStringLiteral(VELINO_RENDER_BINARY), args, input);
 }
 
 QByteArray json(const MailComposerData &record) {
@@ -37,9 +24,9 @@ QByteArray json(const MailComposerData &record) {
 } // namespace
 
 TEST(VelinoRender, JsonOutputOfTheDefaultRecord) {
-    const RenderRun run = runRender({"--default"});
-    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
-    const QJsonObject out = QJsonDocument::fromJson(run.out).object();
+    const auto run = runRender({"--default"});
+    ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    const QJsonObject out = QJsonDocument::fromJson(run.standardOutput).object();
     EXPECT_EQ(out.value("html").toString().toUtf8(), test::readTestData("default_email.html"));
     EXPECT_EQ(out.value("htmlBytes").toInteger(), test::readTestData("default_email.html").size());
     EXPECT_EQ(out.value("text").toString().toUtf8(), test::readTestData("default_email.txt"));
@@ -55,14 +42,13 @@ TEST(VelinoRender, JsonOutputOfTheDefaultRecord) {
 
 TEST(VelinoRender, RawFormatsPrintTheOutputAloneFromStdinOrFile) {
     const QByteArray input = json(MailComposerData::defaultRecord());
-    EXPECT_EQ(runRender({"--format", "html"}, input).out, test::readTestData("default_email.html"));
+    EXPECT_EQ(runRender({"--format", "html"}, input).standardOutput,
+              test::readTestData("default_email.html"));
     QTemporaryDir dir;
-    QFile file(dir.filePath("record.json"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(input) == input.size());
-    file.close();
-    const RenderRun subject = runRender({"--format", "subject", file.fileName()});
+    ASSERT_TRUE(QtFileSystem(dir.path()).writeUtf8Atomically(dir.filePath("r.json"), input));
+    const auto subject = runRender({"--format", "subject", dir.filePath("r.json")});
     EXPECT_EQ(subject.exitCode, 0);
-    EXPECT_EQ(subject.out, "Votre devis Korvel est pret");
+    EXPECT_EQ(subject.standardOutput, "Votre devis Korvel est pret");
 }
 
 TEST(VelinoRender, RepairsLegacyTextsOnlyWhenAsked) {
@@ -70,9 +56,9 @@ TEST(VelinoRender, RepairsLegacyTextsOnlyWhenAsked) {
     legacy.footerNote = "Merci+beaucoup";
     legacy.subject = "Ancien%20objet";
     const auto record = [&](const QStringList &args) {
-        const RenderRun run = runRender(args + QStringList{"--format", "record"}, json(legacy));
+        const auto run = runRender(args + QStringList{"--format", "record"}, json(legacy));
         EXPECT_EQ(run.exitCode, 0);
-        const QJsonObject out = QJsonDocument::fromJson(run.out).object();
+        const QJsonObject out = QJsonDocument::fromJson(run.standardOutput).object();
         return out["footerNote"].toString() + "|" + out["subject"].toString();
     };
     EXPECT_EQ(record({"--repair"}), "Merci beaucoup|Ancien objet");
@@ -92,14 +78,13 @@ TEST(VelinoRender, BadInputGivesOneFrenchLineAndStatus2) {
         {{"/nonexistent/record.json"}, {}, "impossible de lire"},
         {{"--format", "subject"}, valid + " {}", "contenu en trop apres le document"},
         {{"--format", "pdf", "--default"}, {}, "usage : velino-render"},
-        {{"--preset"}, {}, "usage : velino-render"},
-    };
+        {{"--preset"}, {}, "usage : velino-render"}};
     for (const auto &[args, input, mentions] : cases) {
         SCOPED_TRACE(mentions);
-        const RenderRun run = runRender(args, input);
+        const auto run = runRender(args, input);
         EXPECT_EQ(run.exitCode, 2);
-        EXPECT_TRUE(run.out.isEmpty());
-        const QString err = QString::fromUtf8(run.err);
+        EXPECT_TRUE(run.standardOutput.isEmpty());
+        const QString err = QString::fromUtf8(run.standardError);
         EXPECT_TRUE(err.startsWith("velino-render : ") || err.contains("usage : "))
             << err.toStdString();
         EXPECT_TRUE(err.contains(QString::fromUtf8(mentions))) << err.toStdString();

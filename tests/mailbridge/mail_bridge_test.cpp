@@ -36,8 +36,7 @@ TEST(MailBridge, FallbackLinkEncodesTheSubjectButNotTheAddress) {
         {"", "Objet", "mailto:?subject=Objet"},
         // The parser escapes what a URL cannot hold.
         {"a b@example.com", "Objet", "mailto:a%20b@example.com?subject=Objet"},
-        {"<x>@example.com", "", "mailto:%3Cx%3E@example.com"},
-    };
+        {"<x>@example.com", "", "mailto:%3Cx%3E@example.com"}};
     for (const auto &[recipient, subject, link] : cases)
         EXPECT_EQ(MailBridge::fallbackMailURL(recipient, subject)
                       .value_or(QUrl())

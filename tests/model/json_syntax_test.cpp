@@ -42,8 +42,7 @@ TEST(JsonSyntax, RefusesEveryFormOutsideRfc8259AndSaysWhere) {
         {"{\"a\":[1}", "octet 7 : virgule manquante entre deux valeurs"},
         {"{\"a\":\"open}", "octet 11 : texte non termine"},
         {"", "octet 0 : fin inattendue du document"},
-        {"[", "octet 1 : fin inattendue du document"},
-    };
+        {"[", "octet 1 : fin inattendue du document"}};
     for (const auto &[json, error] : cases) {
         EXPECT_EQ(syntaxError(json), QStringLiteral("JSON invalide a l'") + error) << json;
         QString message;

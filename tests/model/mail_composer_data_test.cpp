@@ -44,7 +44,7 @@ TEST(MailComposerData, EqualityIsCanonicalEquivalenceFieldByField) {
     EXPECT_FALSE(a == b);
 }
 
-TEST(ApplyPreset, OverwritesMessageTextsAndKeepsRecipientBrandingAndSignature) {
+TEST(ApplyPreset, OverwritesMessageTextsOnlyIdempotentlyAndForgetsThePreviousPreset) {
     MailComposerData d = MailComposerData::blank();
     for (const auto &field : MailComposerData::fields())
         d.*field.member = "x";
@@ -55,9 +55,7 @@ TEST(ApplyPreset, OverwritesMessageTextsAndKeepsRecipientBrandingAndSignature) {
     for (const char *kept :
          {"recipientName", "recipientEmail", "logoURL", "senderName", "footerNote", "senderPhone"})
         EXPECT_FALSE(changed.contains(kept)) << kept;
-}
 
-TEST(ApplyPreset, IsIdempotentAndForgetsThePreviousPreset) {
     MailComposerData once = MailComposerData::defaultRecord();
     once.applyPreset(PresetKind::Devis);
     MailComposerData twice = once, relanceThenDevis = MailComposerData::defaultRecord();
@@ -81,8 +79,7 @@ TEST(LegacyText, RepairsOnlyTextsThatAreSurelyLegacy) {
         {u"Demande+toujours+ouverte+chez+Korvel", relance},
         {u"Demande%20toujours%20ouverte%20chez%20Korvel", relance},
         {u"  Devis clair \u00B7 Delai estime \u00B7 Reponse directe par email  ",
-         QString::fromUtf16(u"Montant estime \u00B7 Reponse par email")},
-    };
+         QString::fromUtf16(u"Montant estime \u00B7 Reponse par email")}};
     for (const auto &[text, repaired] : cases)
         EXPECT_EQ(normalizeLegacyText(QString::fromUtf16(text)), repaired);
     // bad%80byte: a lone continuation byte is no UTF-8.

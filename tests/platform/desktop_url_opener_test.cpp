@@ -15,23 +15,16 @@ TEST(DesktopUrlOpener, ReadsXdgOpensOutcome) {
     QTemporaryDir dir;
     const QByteArray path = qgetenv("PATH");
     qputenv("PATH", QFile::encodeName(dir.path()) + ":" + path);
-    const struct {
-        const char *script;
-        bool opened;
-    } cases[] = {
-        {"exit 0", true},
-        {"exit 3", false},
-        {"sleep 4; touch \"$0.ended\"", true},
-    };
+    const std::pair<const char *, bool> cases[] = {
+        {"exit 0", true}, {"exit 3", false}, {"sleep 4; touch \"$0.ended\"", true}};
     const QUrl url(QStringLiteral("mailto:a b@example.com?subject=Devis pret"));
+    const QString program = dir.filePath("xdg-open");
+    QtFileSystem files(dir.path());
     for (const auto &[script, opened] : cases) {
         SCOPED_TRACE(script);
-        const QString program = dir.filePath("xdg-open");
-        QFile file(program);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(QByteArray("#!/bin/sh\nprintf %s \"$1\" > \"$0.argument\"\n") + script + "\n");
-        file.close();
-        ASSERT_TRUE(file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        ASSERT_TRUE(files.writeUtf8Atomically(
+            program, QString("#!/bin/sh\nprintf %s \"$1\" > \"$0.argument\"\n%1\n").arg(script)));
+        ASSERT_TRUE(QFile::setPermissions(program, QFile::Permissions(0x7000))); // rwx------
         EXPECT_EQ(DesktopUrlOpener().openUrl(url), opened);
         QFile argument(program + ".argument");
         ASSERT_TRUE(argument.open(QIODevice::ReadOnly));
@@ -40,6 +33,6 @@ TEST(DesktopUrlOpener, ReadsXdgOpensOutcome) {
     }
     qputenv("PATH", path);
     // The handler left starting ends on its own; its process is released once it has.
-    EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(dir.filePath("xdg-open.ended")); }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(program + ".ended"); }));
     QTest::qWait(200);
 }

@@ -12,8 +12,7 @@ TEST(HexColor, ReadsLongAndShortFormsOfEitherCaseTrimmed) {
         {u"#2F7DF6", {47, 125, 246}},
         {u"\t\r\n#2f7DF6 \u00A0\u2003", {47, 125, 246}},
         {u"#FfFfFf", {255, 255, 255}},
-        {u"#1a2", {0x11, 0xAA, 0x22}},
-    };
+        {u"#1a2", {0x11, 0xAA, 0x22}}};
     for (const auto &[text, rgb] : accepted)
         EXPECT_EQ(hexColorChannels(QString::fromUtf16(text)), rgb);
     for (const char16_t *refused : {u"abc",       u"#abcd",     u"#2F7DF6FF",
@@ -37,8 +36,7 @@ TEST(SanitizeFontStack, KeepsLettersNumbersAndTheEightListedCharacters) {
         {q(u"\u00C9cole 2\u00BD \u0661"), q(u"\u00C9cole 2\u00BD \u0661")},
         // A listed character carrying a combining mark is no longer that character.
         {q(u"a,\u0301b e\u0301"), q(u"ab e\u0301")},
-        {q(u"Serif\U0001F600"), "Serif"},
-    };
+        {q(u"Serif\U0001F600"), "Serif"}};
     for (const auto &[stack, kept] : cases)
         EXPECT_EQ(sanitizeFontStack(stack, "fallback"), kept) << stack.toStdString();
 }
@@ -54,8 +52,7 @@ TEST(SanitizeURL, CoversEveryBranch) {
         {"www.a b", "", "https://www.a b"}, // www. is tested before spaces
         {"korvel.example/rdv", "", "https://korvel.example/rdv"},
         {"#", "x@y", "#"},
-        {" \n", " a@b.fr ", "mailto:a@b.fr"}, // blank: the sender's address
-    };
+        {" \n", " a@b.fr ", "mailto:a@b.fr"}}; // blank: the sender's address
     for (const auto &[url, sender, href] : cases)
         EXPECT_EQ(sanitizeURL(url, sender), href) << url;
 }

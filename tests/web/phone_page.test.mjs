@@ -16,13 +16,9 @@ after(() => phone.close());
 
 const codeShown = (page) => page.getByRole('status', { name: 'Code prive', exact: true });
 const status = (page) => page.locator('#sync-status');
-const shows = (page, text) => page.getByText(text, { exact: true }).first().waitFor();
-const alertWith = (page, text) => // showing exactly this text
-  page.getByRole('alert')
-    .filter({
-      hasText: new RegExp(`^\\s*${text.replace(/[.*+?^${}()|[\]\\]/g, '\\$&')}\\s*$`),
-    })
-    .first();
+const alertWith = (page, text) => page.getByRole('alert') // showing exactly this text
+  .filter({ hasText: new RegExp(`^\\s*${text.replace(/[.*+?^${}()|[\]\\]/g, '\\$&')}\\s*$`) })
+  .first();
 const startServer = async (t, options) => {
   const s = await new SyncServer(phone.workspace, options).start();
   t.after(() => s.stop());
@@ -48,10 +44,8 @@ async function checkState(page, state, ...shots) {
   assert.deepEqual(violations.filter((v) => ['serious', 'critical'].includes(v.impact))
     .map((v) => `${v.id}: ${v.nodes.map((n) => n.target).join(' ')}`), [], `axe, ${state}`);
   assert.deepEqual(page.problems, [], `script errors or policy violations, ${state}`);
-  const named = process.env.VELINO_SCREENSHOTS
-    ? shots.filter(Boolean).map((s) => s.split('#'))
-    : [];
-  for (const [name, at] of named) {
+  const named = process.env.VELINO_SCREENSHOTS ? shots.filter(Boolean) : [];
+  for (const [name, at] of named.map((s) => s.split('#'))) {
     if (at) await page.locator(`#${at}`).evaluate((e) => e.scrollIntoView({ block: 'start' }));
     await page.waitForTimeout(300); // the preview frame paints its new document
     await page.screenshot({ path: path.join(process.env.VELINO_SCREENSHOTS, `${name}.png`) });
@@ -95,11 +89,9 @@ test('a first visit makes a code, keeps it on the phone and out of the address',
   await second.waitForFunction(
     () => localStorage.getItem('velino-draft-v1')?.includes('A effacer'));
   await button(second, 'Reinitialiser').tap();
-  await shows(second, 'Contenu reinitialise.');
-  assert.deepEqual([
-    await field(second, 'Nom du client').inputValue(),
-    await second.evaluate(() => localStorage.getItem('velino-draft-v1')),
-  ], ['Mme Lambert', null]);
+  await second.getByText('Contenu reinitialise.', { exact: true }).first().waitFor();
+  assert.equal(await field(second, 'Nom du client').inputValue(), 'Mme Lambert');
+  assert.equal(await second.evaluate(() => localStorage.getItem('velino-draft-v1')), null);
 });
 
 test('the desktop pushes, the phone pulls, edits and pushes, the desktop gets it byte for byte',
@@ -140,15 +132,13 @@ test('the desktop pushes, the phone pulls, edits and pushes, the desktop gets it
     ['Copier le texte', 'Texte copie.', answer.text],
   ]) {
     await button(page, name).tap();
-    await shows(page, done);
+    await page.getByText(done, { exact: true }).first().waitFor();
     assert.equal(await page.evaluate(() => navigator.clipboard.readText()), copied, name);
   }
   const mailto = await page.getByRole('link', { name: 'Ouvrir dans Mail', exact: true })
     .getAttribute('href');
-  const [to, subject, body] = mailto.match(/^mailto:([^?]*)\?subject=([^&]*)&body=([^&]*)$/)
-    .slice(1).map(decodeURIComponent);
-  assert.deepEqual({ to, subject, body },
-    { to: shown.recipientEmail, subject: answer.subject, body: answer.text });
+  assert.deepEqual(mailto.match(/^mailto:([^?]*)\?subject=([^&]*)&body=([^&]*)$/)
+    .slice(1).map(decodeURIComponent), [shown.recipientEmail, answer.subject, answer.text]);
 
   const pulled = await desktop('pull', server, code, path.join(phone.workspace.dir, 'desktop-b'));
   assert.deepEqual([pulled.activePreset, pulled.record], ['pret', shown]);
@@ -170,24 +160,17 @@ test('refusals and failures are shown in French, the fields stay and a later pus
   await expectText(status(page), "Rien n'a encore ete envoye avec ce code.", 'unknown code');
   assert.equal(await page.getByRole('alert').filter({ hasText: /./ }).count(), 0);
 
-  const stopThenPush = async () => {
-    await server.stop();
-    await push();
-  };
-  const pauseThenPush = async () => {
-    server.process.kill('SIGSTOP');
-    await push();
-  };
   // One refusal by the service, one failure to reach it, one service that never answers:
-  // what, edit, failure, its alert, repair, screenshot.
+  // what, edit, what happens to the service before the push, its alert, repair, screenshot.
   const cases = [
-    ['too large', fill('Message principal', 'x'.repeat(25000)), push,
+    ['too large', fill('Message principal', 'x'.repeat(25000)), () => {},
       'Brouillon trop volumineux : 20000 octets au plus.',
       fill('Message principal', 'Texte court apres refus.')],
-    ['server stopped', fill('Nom du client', 'Client hors ligne'), stopThenPush,
+    ['server stopped', fill('Nom du client', 'Client hors ligne'), () => server.stop(),
       'Service injoignable : verifie la connexion puis reessaie.', () => server.start(),
       'error#sync-heading'],
-    ['slow server', fill('Nom du client', 'Client patient'), pauseThenPush,
+    ['slow server', fill('Nom du client', 'Client patient'),
+      () => server.process.kill('SIGSTOP'),
       'Le service ne repond pas (delai depasse) : reessaie dans un instant.',
       () => server.process.kill('SIGCONT')],
   ];
@@ -195,6 +178,7 @@ test('refusals and failures are shown in French, the fields stay and a later pus
     await edit();
     const typed = await shownRecord(page);
     await failure();
+    await push();
     await alertWith(page, expected).waitFor();
     const saved = await page.evaluate(
       () => JSON.parse(localStorage.getItem('velino-draft-v1')).data);

@@ -14,9 +14,6 @@ const serverBinary = process.env.VELINO_SYNC_SERVER
   || path.join(buildDir, 'src/server/velino-sync-server');
 const helperBinary = process.env.VELINO_DESKTOP_SYNC_HELPER
   || path.join(buildDir, 'tests/velino_desktop_sync_helper');
-const offscreen = {
-  ...process.env, QT_QPA_PLATFORM: 'offscreen', TZ: process.env.TZ || 'Europe/Paris',
-};
 
 // A folder with a new authority and the server's certificate for 127.0.0.1, and the phone.
 export async function setUp() {
@@ -80,7 +77,8 @@ export class SyncServer {
 export async function desktop(operation, server, code, stateDir) {
   const { stdout } = await run(helperBinary,
     [operation, `${server.baseUrl}/api/velino-sync`, server.workspace.ca, code, stateDir],
-    { env: offscreen, maxBuffer: 1 << 24 });
+    { env: { ...process.env, QT_QPA_PLATFORM: 'offscreen', TZ: process.env.TZ || 'Europe/Paris' },
+      maxBuffer: 1 << 24 });
   return operation === 'pull' ? JSON.parse(stdout) : null;
 }
 
