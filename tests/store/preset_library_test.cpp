@@ -1,4 +1,3 @@
-#include "identifiers.h"
 #include "preset_names.h"
 #include "store_fixture.h"
 
@@ -81,19 +80,28 @@ TEST_F(StoreTest, SaveAsNewUpdateAndOverwriteKeepTheLibraryNewestFirst) {
     EXPECT_EQ(store->customPresets().size(), 2);
 }
 
-TEST_F(StoreTest, LoadingAndDeletingReportInThePanel) {
+// Applying a built-in preset or resetting unloads the saved preset but keeps the library
+// and the sync code.
+TEST_F(StoreTest, ApplyingResettingLoadingAndDeletingReportInThePanel) {
     const auto store = makeStore();
+    store->setSyncCode("CODE-PRIVE-1234567");
     store->applyPreset(PresetKind::Rdv);
     saveAs(*store, "Ancien");
     const CustomMailPreset ancien = store->customPresets().first();
     clock->advance(1);
+    store->applyPreset(PresetKind::Pret);
+    EXPECT_EQ(panel(*store), " | - | Appareil pret charge.");
     saveAs(*store, "Autre");
     store->resetToDefault();
+    EXPECT_EQ(panel(*store), " | - | Nouveau message.");
+    EXPECT_EQ(store->generatedHTML().toUtf8(), test::readTestData("default_email.html"));
+    EXPECT_EQ(QString::number(store->customPresets().size()) + " " + store->syncCode(),
+              "2 CODE-PRIVE-1234567");
+
     store->loadCustomPreset(ancien);
     EXPECT_EQ(store->activePreset(), PresetKind::Rdv);
     EXPECT_EQ(panel(*store), "Ancien | Ancien | Preset Ancien charge.");
     EXPECT_TRUE(store->data() == ancien.data);
-
     store->deleteCustomPreset(store->customPresets().first()); // another one
     EXPECT_EQ(panel(*store), "Ancien | Ancien | Preset Autre supprime.");
     store->deleteCustomPreset(ancien); // the loaded one

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "composer_store.h"
+#include "identifiers.h"
 #include "qt_services.h"
 #include "qt_state_storage.h"
 #include "test_records.h"
@@ -38,6 +39,10 @@ public:
 inline const QString kSavedStatus = QString::fromUtf16(u"Sauvegarde locale active \u00B7 14:07");
 inline const QString kUnsavedStatus = QStringLiteral("Sauvegarde locale indisponible.");
 
+inline QByteArray compact(const QJsonObject &object) {
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
 // A store on real state files in a temporary folder, at 14:07 in Paris by a fixed clock.
 class StoreTest : public ::testing::Test {
 protected:
@@ -52,6 +57,7 @@ protected:
     QString configFolder() const { return dir.filePath(QStringLiteral("config/Korvel")); }
     QString dataFolder() const { return dir.filePath(QStringLiteral("data/Korvel/Velino")); }
     StateFiles stateFiles() const { return StateFiles::inFolders(configFolder(), dataFolder()); }
+    QString tempFolder() const { return dir.filePath(QStringLiteral("tmp")); }
     QString documentPath() const { return stateFiles().document; }
     QString settingsPath() const { return stateFiles().settings; }
 
@@ -69,13 +75,21 @@ protected:
         s.storage = std::make_shared<QtStateStorage>(stateFiles());
         s.clock = clock;
         s.alerts = alerts;
-        s.files = std::make_shared<QtFileSystem>(dir.filePath(QStringLiteral("apercus")));
+        s.files = files;
         return s;
     }
     std::unique_ptr<ComposerStore> makeStore() {
         return std::make_unique<ComposerStore>(services());
     }
 
+    // A saved preset with the default content and the given timestamps.
+    static QJsonObject presetJson(const QString &name, const QJsonValue &createdAt,
+                                  const QJsonValue &updatedAt) {
+        return {
+            {"id", uuidText(randomUuid())}, {"name", name},
+            {"sourcePreset", "rdv"},        {"data", MailComposerData::defaultRecord().toJson()},
+            {"createdAt", createdAt},       {"updatedAt", updatedAt}};
+    }
     static QStringList presetNames(const ComposerStore &store) {
         QStringList names;
         for (const CustomMailPreset &preset : store.customPresets())
@@ -117,6 +131,7 @@ protected:
     QTemporaryDir dir;
     std::shared_ptr<FixedClock> clock = std::make_shared<FixedClock>();
     std::shared_ptr<RecordingAlerts> alerts = std::make_shared<RecordingAlerts>();
+    std::shared_ptr<FileSystem> files = std::make_shared<QtFileSystem>(tempFolder());
 };
 
 } // namespace velino::test

@@ -1,4 +1,3 @@
-#include "identifiers.h"
 #include "saved_payload.h"
 #include "store_fixture.h"
 
@@ -7,20 +6,10 @@ using velino::test::StoreTest;
 
 namespace {
 
-QJsonObject presetJson(const QString &name, const QJsonValue &updatedAt,
-                       const QString &highlight = {}) {
-    MailComposerData data = MailComposerData::defaultRecord();
-    if (!highlight.isEmpty())
-        data.highlight = highlight;
-    return QJsonObject{
-        {"id", uuidText(randomUuid())}, {"name", name},     {"sourcePreset", "rdv"},
-        {"data", data.toJson()},        {"createdAt", 5.0}, {"updatedAt", updatedAt}};
-}
-
 QByteArray documentWith(const QString &key, const QJsonValue &value) {
     QJsonObject document{{"preset", "pret"}, {"data", MailComposerData::defaultRecord().toJson()}};
     document.insert(key, value); // an undefined value removes the key
-    return QJsonDocument(document).toJson(QJsonDocument::Compact);
+    return test::compact(document);
 }
 
 const QString kLegacyHighlight =
@@ -40,17 +29,18 @@ TEST_F(StoreTest, EmptyStoreStartsFromTheDefaultStateAndSavesIt) {
 }
 
 TEST_F(StoreTest, ValidDocumentIsLoadedRepairedAndSortedNewestFirst) {
-    const QJsonObject vingt = presetJson("Vingt", 20, kLegacyHighlight);
+    QJsonObject vingt = presetJson("Vingt", 5.0, 20);
+    vingt["data"] = test::defaultWith(u"highlight", kLegacyHighlight).toJson();
     MailComposerData legacy = MailComposerData::defaultRecord();
     legacy.highlight = "  " + kLegacyHighlight + " ";
     legacy.subject = "Votre+iPhone+est+pret";
-    const QJsonObject document{
-        {"preset", "pret"},
-        {"data", legacy.toJson()},
-        {"customPresets", QJsonArray{presetJson("Dix", 10), presetJson("Trente", 30), vingt}},
-        {"activeCustomPresetID", vingt[u"id"]},
-        {"customPresetDraftName", "Brouillon"},
-        {"smtpLoginEmail", "atelier"}};
+    const QJsonObject document{{"preset", "pret"},
+                               {"data", legacy.toJson()},
+                               {"customPresets", QJsonArray{presetJson("Dix", 5.0, 10),
+                                                            presetJson("Trente", 5.0, 30), vingt}},
+                               {"activeCustomPresetID", vingt[u"id"]},
+                               {"customPresetDraftName", "Brouillon"},
+                               {"smtpLoginEmail", "atelier"}};
     putFile(documentPath(), QJsonDocument(document).toJson());
 
     const auto store = makeStore();
@@ -74,21 +64,21 @@ TEST_F(StoreTest, MinimalDocumentLoadsAndLargeOnesAreReadWhole) {
 
     // Far over what a sync answer may hold: a local state has no size limit.
     putFile(documentPath(),
-            documentWith("customPresets", QJsonArray{presetJson(QString(9 << 20, u'n'), 1)}));
+            documentWith("customPresets", QJsonArray{presetJson(QString(9 << 20, u'n'), 5.0, 1)}));
     store = makeStore();
     ASSERT_EQ(store->customPresets().size(), 1);
     EXPECT_EQ(store->customPresets()[0].name.size(), 9 << 20);
 }
 
 TEST_F(StoreTest, UnreadableDocumentFallsBackToTheDefaultStateAndIsOverwritten) {
-    QJsonObject malformed = presetJson("Atelier", 10);
+    QJsonObject malformed = presetJson("Atelier", 5.0, 10);
     malformed.insert("sourcePreset", "Relance");
     const std::pair<QString, QJsonValue> cases[] = {
         {"preset", "promo"},
         {"data", QJsonValue::Undefined},
-        {"customPresets", QJsonArray{presetJson("Atelier", "2026-01-01T00:00:00Z")}},
+        {"customPresets", QJsonArray{presetJson("Atelier", 5.0, "2026-01-01T00:00:00Z")}},
         {"activeCustomPresetID", "pas-un-uuid"},
-        {"customPresets", QJsonArray{presetJson("Ok", 3), malformed}},
+        {"customPresets", QJsonArray{presetJson("Ok", 5.0, 3), malformed}},
     };
     for (const auto &[key, value] : cases) {
         SCOPED_TRACE(QJsonDocument(QJsonArray{key, value}).toJson().toStdString());

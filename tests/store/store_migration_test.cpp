@@ -1,4 +1,3 @@
-#include "identifiers.h"
 #include "store_fixture.h"
 
 #include <functional>
@@ -9,13 +8,6 @@ using velino::test::StoreTest;
 // The single settings file of earlier versions is moved to the document and the INI file.
 class MigrationTest : public StoreTest {
 protected:
-    void placeEarlierFile(bool crlf = false) {
-        QByteArray bytes = test::readTestData("legacy-settings/Velino.conf");
-        if (crlf)
-            bytes.replace("\n", "\r\n");
-        putFile(settingsPath(), bytes);
-    }
-
     static void expectEarlierState(const ComposerStore &store) {
         ASSERT_EQ(store.customPresets().size(), 3);
         EXPECT_EQ(
@@ -38,10 +30,11 @@ protected:
 
 // A CR LF conversion and an empty lock left by a crash cost neither time nor data.
 TEST_F(MigrationTest, EarlierFileIsMovedOverOnceWhateverItsLineEndsAndLocks) {
+    const QByteArray earlier = test::readTestData("legacy-settings/Velino.conf");
     for (const bool crlf : {false, true}) {
         SCOPED_TRACE(crlf ? "CR LF" : "LF");
         QDir(dir.path()).removeRecursively();
-        placeEarlierFile(crlf);
+        putFile(settingsPath(), crlf ? QByteArray(earlier).replace("\n", "\r\n") : earlier);
         QFile lock(settingsPath() + ".lock");
         ASSERT_TRUE(lock.open(QIODevice::WriteOnly)); // empty, modified just now
         lock.close();
@@ -74,10 +67,10 @@ TEST_F(MigrationTest, FailedMoveKeepsTheEarlierFileAndIsRetriedAtTheNextStart) {
         {[&] { ASSERT_TRUE(QDir().mkpath(replacement + "/x")); },
          [&] { ASSERT_TRUE(QDir(replacement).removeRecursively()); }},
     };
+    const QByteArray earlier = test::readTestData("legacy-settings/Velino.conf");
     for (const auto &[block, unblock] : cases) {
         QFile::remove(documentPath());
-        placeEarlierFile();
-        const QByteArray earlier = readFile(settingsPath());
+        putFile(settingsPath(), earlier);
         block();
         auto store = makeStore();
         expectEarlierState(*store);

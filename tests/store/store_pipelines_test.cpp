@@ -58,17 +58,3 @@ TEST_F(StoreTest, PendingChangesAreDroppedWithTheStoreOrSavedAtOnceOrAfterTheDeb
                                  : "Enregistre a la fermeture | Brouillon | AB-12CD | AB-12CD");
     }
 }
-
-TEST_F(StoreTest, ApplyingAPresetOrResettingKeepsLibraryAndCode) {
-    const auto store = makeStore();
-    store->setSyncCode("CODE-PRIVE-1234567");
-    saveAs(*store, "Mon preset");
-    store->applyPreset(PresetKind::Pret);
-    EXPECT_EQ(panel(*store), " | - | Appareil pret charge.");
-    saveAs(*store, "Autre");
-    store->resetToDefault();
-    EXPECT_EQ(panel(*store), " | - | Nouveau message.");
-    EXPECT_EQ(store->generatedHTML().toUtf8(), test::readTestData("default_email.html"));
-    EXPECT_EQ(QString::number(store->customPresets().size()) + " " + store->syncCode(),
-              "2 CODE-PRIVE-1234567");
-}

@@ -25,7 +25,9 @@ TEST_F(OutputTest, EveryActionRegeneratesAndSavesTheEditBeforeActing) {
     }
 }
 
-TEST_F(OutputTest, CopySubjectAndTextVersionPutOnePlainStringOnTheClipboard) {
+// The subject and the text version go as one plain string; the mail as HTML, RTF for rich
+// applications and its visible text, without any markup, for plain ones.
+TEST_F(OutputTest, EachCopyPutsItsOwnFormsOnTheClipboard) {
     const QString subject = QString::fromUtf16(u"R\u00E9paration \u00E9cran \U0001F4F1");
     const auto store = makeOutputStore();
     store->setDataField("subject", subject);
@@ -36,19 +38,12 @@ TEST_F(OutputTest, CopySubjectAndTextVersionPutOnePlainStringOnTheClipboard) {
         EXPECT_EQ(clipboardContent().text(), copied.isEmpty() ? store->generatedText() : copied);
         EXPECT_FALSE(clipboardContent().hasHtml() || clipboardContent().hasFormat(kRtfType));
     }
-    EXPECT_EQ(
-        desktop->log.join(" | "),
-        "clipboard | lastAction: Objet copie. | clipboard | lastAction: Version texte copiee.");
-}
-
-// Rich applications paste the RTF, plain ones the visible text, without any markup.
-TEST_F(OutputTest, CopyHtmlOffersTheMailAsHtmlRtfAndVisibleText) {
-    const auto store = makeOutputStore();
     store->copyHTML();
     EXPECT_EQ(clipboardContent().html(), store->generatedHTML());
     EXPECT_TRUE(clipboardContent().data(kRtfType).startsWith("{\\rtf1"));
     EXPECT_TRUE(clipboardContent().text().contains("Votre devis est pret"));
     EXPECT_FALSE(clipboardContent().text().contains(u'<'));
-    EXPECT_EQ(desktop->log.join(" | "),
-              "clipboard | lastAction: " + platformMailAppTexts().mailCopied);
+    EXPECT_EQ(desktop->log, QStringList({"clipboard", "lastAction: Objet copie.", "clipboard",
+                                         "lastAction: Version texte copiee.", "clipboard",
+                                         "lastAction: " + platformMailAppTexts().mailCopied}));
 }

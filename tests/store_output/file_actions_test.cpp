@@ -32,15 +32,17 @@ TEST_F(OutputTest, ExportAnsweredLaterWritesWhatWasShownWhenAsked) {
     EXPECT_FALSE(QFileInfo::exists(*desktop->answer));
 }
 
-TEST_F(OutputTest, CancelledOrFailedExportChangesNothing) {
-    const auto store = makeOutputStore();
-    store->copySubject();
-    // A regular file where a folder should be: no user, root included, can write below it.
+// A regular file where a folder should be: no user, root included, can write below it.
+TEST_F(OutputTest, CancelledOrFailedExportAndUnwritablePreviewChangeNothing) {
     const QString blocker = dir.filePath("bloc");
     putFile(blocker, "pas un dossier");
+    files = std::make_shared<QtFileSystem>(blocker + "/tmp"); // no private folder for previews
+    const auto store = makeOutputStore();
+    store->copySubject();
     ASSERT_TRUE(QDir().mkpath(dir.filePath("dossier.html")));
     const auto entries = [&] {
-        return QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+        return QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot) +
+               QDir::current().entryList();
     };
     const QStringList entriesBefore = entries();
     const QString failed = "saveDialog | alert: Impossible d'exporter le mail HTML.";
@@ -55,6 +57,9 @@ TEST_F(OutputTest, CancelledOrFailedExportChangesNothing) {
         store->exportHTML();
         EXPECT_EQ(desktop->log.join(" | "), logged);
     }
+    desktop->log.clear();
+    store->openStandalonePreview();
+    EXPECT_EQ(desktop->log, QStringList{"alert: Impossible d'ouvrir l'apercu."});
     EXPECT_EQ(entries(), entriesBefore);
     EXPECT_EQ(store->lastAction(), "Objet copie.");
 }
@@ -78,16 +83,4 @@ TEST_F(OutputTest, EachPreviewWritesANewPrivateUuidNamedFileAndOpensIt) {
     }
     EXPECT_TRUE(readFile(desktop->opened[0].toLocalFile()).contains("Premier apercu"));
     EXPECT_EQ(readFile(desktop->opened[1].toLocalFile()), store->generatedHTML().toUtf8());
-}
-
-// No private folder: its path runs through a regular file.
-TEST_F(OutputTest, PreviewThatCannotBeWrittenAlertsAndOpensNothing) {
-    putFile(dir.filePath("bloc"), "pas un dossier");
-    files = std::make_shared<QtFileSystem>(dir.filePath("bloc/tmp"));
-    const QStringList entriesBefore = QDir::current().entryList();
-    const auto store = makeOutputStore();
-    store->openStandalonePreview();
-    EXPECT_EQ(desktop->log, QStringList{"alert: Impossible d'ouvrir l'apercu."});
-    EXPECT_EQ(store->lastAction(), "Application prete.");
-    EXPECT_EQ(QDir::current().entryList(), entriesBefore);
 }

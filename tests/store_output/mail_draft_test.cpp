@@ -12,7 +12,6 @@ protected:
         store->setDataField("recipientEmail", recipient);
         store->setDataField("senderEmail", sender);
         store->setDataField("subject", "Devis pret");
-        desktop->log.clear();
         return store;
     }
 };

@@ -73,8 +73,6 @@ public:
 
 class OutputTest : public StoreTest {
 protected:
-    QString tempFolder() const { return dir.filePath(QStringLiteral("tmp")); }
-
     // The store, with its lastAction changes in the log, which starts empty.
     std::unique_ptr<ComposerStore> makeOutputStore() {
         StoreServices s = services();
@@ -82,7 +80,6 @@ protected:
         s.saveDialog = desktop;
         s.alerts = desktop;
         s.urls = desktop;
-        s.files = files;
         s.makeMailExecutor = [desktop = desktop](ProgramLauncher &, FileSystem &, IdGenerator &) {
             return std::make_unique<FakeMailApp>(desktop);
         };
@@ -102,7 +99,6 @@ protected:
     }
 
     std::shared_ptr<FakeDesktop> desktop = std::make_shared<FakeDesktop>();
-    std::shared_ptr<FileSystem> files = std::make_shared<QtFileSystem>(tempFolder());
 };
 
 } // namespace velino::test

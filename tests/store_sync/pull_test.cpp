@@ -1,19 +1,9 @@
-#include "identifiers.h"
 #include "store_sync_fixture.h"
 
 using namespace velino;
 using namespace velino::test;
 
 namespace {
-
-QJsonArray phonePresets(const QString &createdAt, const QString &updatedAt) {
-    return {QJsonObject{{"id", uuidText(randomUuid())},
-                        {"name", "Preset iPhone"},
-                        {"sourcePreset", "rdv"},
-                        {"data", MailComposerData::defaultRecord().toJson()},
-                        {"createdAt", createdAt},
-                        {"updatedAt", updatedAt}}};
-}
 
 // Sets the value at a dotted key path; an undefined value removes the key.
 void setAt(QJsonObject &object, QStringView path, const QJsonValue &value) {
@@ -36,12 +26,13 @@ TEST_F(StoreSyncTest, PullReplacesOnlyThePresetAndTheContentThenSaves) {
     QJsonObject payload = phonePayload("relance", phoneData);
     // The phone's own library, active preset and draft name are read, not taken; unknown
     // keys, another schema or version and "ok":false do not stop a well-formed snapshot.
-    payload[u"customPresets"] = phonePresets("2026-05-01T09:00:00Z", "2026-05-02T09:00:00Z");
+    payload[u"customPresets"] =
+        QJsonArray{presetJson("Preset iPhone", "2026-05-01T09:00:00Z", "2026-05-02T09:00:00Z")};
     payload[u"activeCustomPresetID"] = payload[u"customPresets"][0][u"id"];
     for (const auto &[key, value] :
          {std::pair("schema", QJsonValue("autre")), {"version", 7}, {"futur", QJsonObject{}}})
         payload.insert(key, value);
-    answerJson(downloadAnswer(payload, false));
+    answerWith({200, compact(downloadAnswer(payload, false))});
 
     store->pullFromWeb();
     ASSERT_TRUE(waitForIdle(*store));
@@ -63,12 +54,11 @@ TEST_F(StoreSyncTest, PullReplacesOnlyThePresetAndTheContentThenSaves) {
 TEST_F(StoreSyncTest, PullAppliesNothingFromASnapshotThatDoesNotDecode) {
     const auto store = makeSettledStore(syncServices());
     const QJsonObject good =
-        QJsonDocument::fromJson(
-            downloadAnswer(phonePayload("relance", defaultWith(u"recipientName", "Lea"))))
-            .object();
+        downloadAnswer(phonePayload("relance", defaultWith(u"recipientName", "Lea")));
     // Keys under snapshot.payload, or from the answer's top with "/".
     const std::tuple<QString, QJsonValue, QString> cases[] = {
-        {"customPresets", phonePresets("2026-05-01T09:00:00.250Z", kAnswerTime),
+        {"customPresets",
+         QJsonArray{presetJson("Preset iPhone", "2026-05-01T09:00:00.250Z", kAnswerTime)},
          "date invalide pour la cle snapshot.payload.customPresets[0].createdAt : "
          "\"2026-05-01T09:00:00.250Z\" (forme aaaa-mm-jjThh:mm:ssZ attendue)"},
         {"customPresetDraftName", QJsonValue::Undefined,
@@ -83,9 +73,9 @@ TEST_F(StoreSyncTest, PullAppliesNothingFromASnapshotThatDoesNotDecode) {
     for (const auto &[key, value, shown] : cases) {
         QJsonObject answer = good;
         setAt(answer, key.startsWith(u'/') ? key.mid(1) : "snapshot.payload." + key, value);
-        answerJson(compact(answer));
-        EXPECT_EQ(failureOf(*store, pull, shown.toStdString()), shown);
+        answerWith({200, compact(answer)});
+        expectFailure(*store, pull, shown);
     }
-    answerJson("[1,2,3]");
-    EXPECT_EQ(failureOf(*store, pull, "array"), "JSON invalide : un objet est attendu");
+    answerWith({200, "[1,2,3]"});
+    expectFailure(*store, pull, "JSON invalide : un objet est attendu");
 }

@@ -10,6 +10,8 @@
 #include <QTemporaryDir>
 #include <QtCore/qtestsupport_core.h>
 
+#include <memory>
+
 namespace velino::test {
 
 std::optional<TestTlsIdentity> TestTlsIdentity::generate(QString *error) {
@@ -57,14 +59,6 @@ HttpsTestServer::HttpsTestServer(const TestTlsIdentity &identity, QObject *paren
     connect(server_, &QTcpServer::pendingConnectionAvailable, this, &HttpsTestServer::accept);
 }
 
-HttpsTestServer::~HttpsTestServer() {
-    server_->close();
-    for (QSslSocket *socket : std::exchange(buffers_, {}).keys()) {
-        disconnect(socket, nullptr, this, nullptr);
-        socket->abort();
-    }
-}
-
 bool HttpsTestServer::listen() {
     return server_->listen(QHostAddress::LocalHost, 0);
 }
@@ -76,21 +70,18 @@ QUrl HttpsTestServer::url(const QString &path) const {
 void HttpsTestServer::accept() {
     while (server_->hasPendingConnections()) {
         auto *socket = static_cast<QSslSocket *>(server_->nextPendingConnection());
+        // Deleted with the server, after its connections to the server are cut.
         socket->setParent(this);
-        buffers_.insert(socket, {});
-        connect(socket, &QSslSocket::readyRead, this, [this, socket] { readFrom(socket); });
-        connect(socket, &QSslSocket::disconnected, this, [this, socket] {
-            buffers_.remove(socket);
-            socket->deleteLater();
-        });
-        readFrom(socket);
+        const auto buffer = std::make_shared<QByteArray>();
+        connect(socket, &QSslSocket::readyRead, this,
+                [this, socket, buffer] { readFrom(socket, *buffer); });
+        connect(socket, &QSslSocket::disconnected, socket, &QObject::deleteLater);
+        readFrom(socket, *buffer);
     }
 }
 
-void HttpsTestServer::readFrom(QSslSocket *socket) {
-    if (!buffers_.contains(socket))
-        return;
-    QByteArray &buffer = buffers_[socket] += socket->readAll();
+void HttpsTestServer::readFrom(QSslSocket *socket, QByteArray &buffer) {
+    buffer += socket->readAll();
     const qsizetype headerEnd = buffer.indexOf("\r\n\r\n");
     if (headerEnd < 0)
         return;
@@ -122,11 +113,6 @@ void HttpsTestServer::answer(QSslSocket *socket, const TestHttpRequest &request)
         head += "Content-Length: " + QByteArray::number(reply.body.size()) + "\r\n";
     socket->write(head + "Connection: close\r\n\r\n" + reply.body);
     socket->disconnectFromHost();
-}
-
-quint16 closedLocalPort() {
-    QTcpServer probe;
-    return probe.listen(QHostAddress::LocalHost, 0) ? probe.serverPort() : 0;
 }
 
 bool waitUntil(const std::function<bool()> &done, std::chrono::milliseconds timeout) {

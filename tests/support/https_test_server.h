@@ -52,7 +52,6 @@ public:
     using Handler = std::function<TestHttpAnswer(const TestHttpRequest &)>;
 
     explicit HttpsTestServer(const TestTlsIdentity &identity, QObject *parent = nullptr);
-    ~HttpsTestServer() override;
 
     bool listen(); // on a free port of 127.0.0.1
     QUrl url(const QString &path) const;
@@ -61,16 +60,13 @@ public:
 
 private:
     void accept();
-    void readFrom(QSslSocket *socket);
+    void readFrom(QSslSocket *socket, QByteArray &buffer);
     void answer(QSslSocket *socket, const TestHttpRequest &request);
 
     QSslServer *server_;
     Handler handler_;
     QList<TestHttpRequest> requests_;
-    QHash<QSslSocket *, QByteArray> buffers_;
 };
-
-quint16 closedLocalPort(); // a port of 127.0.0.1 bound a moment ago, then released
 
 // Runs the event loop until done() is true or the time is over; returns done().
 bool waitUntil(const std::function<bool()> &done, std::chrono::milliseconds timeout);

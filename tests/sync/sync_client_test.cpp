@@ -7,22 +7,15 @@
 
 using namespace velino;
 
-namespace {
-
-// Each test runs in a process of its own: nothing is put back.
-void setEnv(const char *name, const QByteArray &value) {
-    qputenv(name, value);
-    tzset();
-}
-
-} // namespace
-
+// Each test runs in a process of its own: nothing set in the environment is put back.
 TEST(SyncTimeLabel, ShowsTheLocalTimeOfAnInternetDateTimeOrTheTextUnchanged) {
-    setEnv("TZ", "Europe/Paris");
+    qputenv("TZ", "Europe/Paris");
+    tzset();
     EXPECT_EQ(syncTimeLabel("2026-06-05T08:15:00Z"), "10:15");
     EXPECT_EQ(syncTimeLabel("2026-06-05T23:05:09+02:00"), "23:05");
     EXPECT_EQ(syncTimeLabel("2026-01-05T23:30:00Z"), "00:30"); // winter time, the next day
-    setEnv("TZ", "Asia/Tokyo");
+    qputenv("TZ", "Asia/Tokyo");
+    tzset();
     EXPECT_EQ(syncTimeLabel("2026-06-05T08:15:00Z"), "17:15");
     for (const QString text : {"2026-06-05T08:15:00.123Z", "2026-06-05T08:15:00", "2026-06-05",
                                "2026-02-30T08:15:00Z", "2026-06-05T08:15:00\uff3a"})
@@ -38,7 +31,7 @@ TEST(ServiceHost, EnvironmentOverridesTheCompiledInHostOnlyWithAHostAndAnOptiona
         {"https://evil.example/x", compiledIn}, // not a host: ignored
     };
     for (const auto &[value, host] : cases) {
-        setEnv("VELINO_SERVICE_HOST", value);
+        qputenv("VELINO_SERVICE_HOST", value);
         EXPECT_EQ(syncEndpoint().toString(), "https://" + host + "/api/velino-sync");
         EXPECT_EQ(webInterfaceUrl().toString(), "https://" + host + "/velino.html");
     }
