@@ -35,6 +35,11 @@ TestCase {
                                          (found, child) => found || find(child, test), null)
     }
 
+    function findAll(item, test) {
+        return Array.from(item.children).reduce((all, child) => all.concat(findAll(child, test)),
+                                                 test(item) ? [item] : [])
+    }
+
     function named(root, name) {
         const item = find(root, (i) => i.objectName === name)
         verify(item, "item " + name)
@@ -79,16 +84,17 @@ TestCase {
         return c
     }
 
-    // Empties a form field; returns the HTML from before.
     function clearField(t, fieldName) {
-        const c = focusControl(t, "field." + fieldName), before = t.store.generatedHTML
+        const c = focusControl(t, "field." + fieldName)
         c.selectAll()
         TestSupport.keyClick(t.window, Qt.Key_Backspace)
         compare(c.text, "")
-        return before
     }
 
-    function waitForDebounce(t, before) {
+    // Runs `edit`, then waits for the e-mail to be generated again.
+    function regenerated(t, edit) {
+        const before = t.store.generatedHTML
+        edit()
         tryVerify(() => t.store.generatedHTML !== before, 3000, "regenerated")
     }
 
@@ -126,14 +132,15 @@ TestCase {
         return item
     }
 
-    // Answers the modal warning on screen with its "OK", as a user would; returns its message.
-    function answerAlert(t) {
-        const popup = t.window.warningAlert, dialogs = t.controller.dialogs
+    // Answers the modal alert on screen (the warning by default) with the button of that name, as a
+    // user would; returns its message.
+    function answerAlert(t, popup = t.window.warningAlert, button = "alertOkButton") {
+        const dialogs = t.controller.dialogs
         tryVerify(() => popup.opened, 5000, "alert shown")
         verify(popup.modal && dialogs.isModal, "modal")
         const message = named(popup.contentItem, "alertMessage").text
-        mouseClick(named(popup.contentItem, "alertOkButton"))
-        tryVerify(() => !dialogs.alertVisible && !popup.visible, 3000, "alert closed by OK")
+        mouseClick(named(popup.contentItem, button))
+        tryVerify(() => !dialogs.isModal && !popup.visible, 3000, "alert closed by " + button)
         return message
     }
 }

@@ -76,7 +76,8 @@ WindowTestCase {
         focusOn("segment.0")
         for (const index of [1, 0, 0]) {
             press(index ? Qt.Key_Right : Qt.Key_Left)
-            compare([focusedName(), el(t, "previewModes").currentIndex], ["segment." + index, index])
+            compare([focusedName(), el(t, "previewModes").currentIndex],
+                    ["segment." + index, index])
         }
         focusOn("copySubjectButton")
         verify(find(el(t, "copySubjectButton"), (i) => i.shown === true && i.border !== undefined),

@@ -85,28 +85,22 @@ WindowTestCase {
 
     function test_everyFieldUpdatesTheRecordAndThePreview() {
         const t = openUnlocked(), preview = el(t, "htmlPreview")
-        const fields = []
-        find(t.main, (i) => {
-            if (String(i.objectName).startsWith("field."))
-                fields.push(i.objectName.slice(6))
-            return false
-        })
+        const fields = findAll(t.main, (i) => String(i.objectName).startsWith("field."))
+                           .map(i => i.objectName.slice(6))
         compare(fields.slice().sort(), Object.keys(t.store.data).sort())
         const colours = { accentPrimary: "#123456", accentSecondary: "#abcdef" }
         for (const name of fields) {
             // The address shows in the e-mail only when no name is given.
             if (name === "recipientEmail")
-                waitForDebounce(t, clearField(t, "recipientName"))
+                regenerated(t, () => clearField(t, "recipientName"))
             const control = focusControl(t, "field." + name), loads = preview.loader.loadCount
             const colour = colours[name]
             if (colour)
                 control.selectAll()
             const typed = colour || "Zq7", expected = colour || t.store.data[name] + typed
-            const before = t.store.generatedHTML
-            TestSupport.typeText(t.window, typed)
+            regenerated(t, () => TestSupport.typeText(t.window, typed))
             compare([t.store.data[name], control.text], [expected, expected],
                     name + " written to the record")
-            waitForDebounce(t, before)
             verify(!colour || t.store.generatedHTML.indexOf(colour) >= 0, name + " in the e-mail")
             tryVerify(() => preview.loader.loadCount > loads, 2000, name + ": preview reloaded")
             compare(preview.html, t.store.generatedHTML)
@@ -206,42 +200,36 @@ WindowTestCase {
         // The dialog opens in the home folder when there is no Documents folder.
         const home = TestSupport.makeTemporaryFolder(), userHome = TestSupport.environment("HOME")
         TestSupport.setEnvironment("HOME", home)
-        const openDialog = () => {
+        // Opens the dialog, types `typed` into its name field if given, then answers `how`.
+        const answer = (how, typed) => {
             mouseClick(el(t, "exportButton"))
             tryVerify(() => w.exportDialog?.visible, 3000)
+            compare(w.exportDialog.currentFolder, "file://" + home)
+            if (typed) {
+                // Qt Quick's own dialog; the one before may still be going.
+                const name = findAll(w.contentItem.parent,
+                                     (i) => i.objectName === "fileNameTextField").pop()
+                name.forceActiveFocus()
+                name.text = typed
+            }
+            w.exportDialog[how]()
         }
         try {
-            openDialog()
-            compare(w.exportDialog.currentFolder, "file://" + home)
-            w.exportDialog.reject()
+            answer("reject")
             tryVerify(() => !dialogs.isModal)
             compare(t.store.lastAction, before, "Annuler changes nothing")
-            // A name typed in the dialog, here Qt Quick's own, with its extension added.
-            openDialog()
-            const names = []
-            find(w.contentItem.parent, (i) => {
-                if (i.objectName === "fileNameTextField" && !names.includes(i))
-                    names.push(i)
-                return false
-            })
-            const name = names[names.length - 1] // the one before may still be going
-            name.forceActiveFocus()
-            name.text = "Devis \u00E9t\u00E9 #2" // the test's keys are ASCII only
-            w.exportDialog.accept()
-            tryCompare(t.store, "lastAction", "HTML exporte vers Devis \u00E9t\u00E9 #2.html.", 3000)
-            verify(TestSupport.fileExists(home + "/Devis \u00E9t\u00E9 #2.html"))
-            openDialog()
-            w.exportDialog.accept()
+            // A typed name gets its extension.
+            const typed = "Devis \u00E9t\u00E9 #2" // the test's keys are ASCII only
+            answer("accept", typed)
+            tryCompare(t.store, "lastAction", "HTML exporte vers " + typed + ".html.", 3000)
+            verify(TestSupport.fileExists(home + "/" + typed + ".html"))
+            answer("accept")
             tryVerify(() => TestSupport.fileExists(home + "/" + file), 3000, file)
             compare([t.store.lastAction, dialogs.isModal], [exported, false])
             // The same name again: the window asks before replacing, once.
-            openDialog()
-            w.exportDialog.accept()
-            tryVerify(() => w.replaceAlert.opened, 3000, "replacement question shown")
-            compare(named(w.replaceAlert.contentItem, "alertMessage").text,
+            answer("accept")
+            compare(answerAlert(t, w.replaceAlert, "replaceConfirmButton"),
                     "Un fichier nomme \"" + file + "\" existe deja. Le remplacer ?")
-            mouseClick(named(w.replaceAlert.contentItem, "replaceConfirmButton"))
-            tryVerify(() => !dialogs.isModal)
             compare(t.store.lastAction, exported)
         } finally {
             TestSupport.setEnvironment("HOME", userHome)
@@ -291,8 +279,9 @@ WindowTestCase {
     }
 
     function test_veryLongTextIsSummarisedAndKeptWhole(data) {
-        verify(TestSupport.saveStateWithLongField(data.field, data.length, data.lineLength))
-        const expected = TestSupport.longText(data.length, data.lineLength)
+        const expected = TestSupport.saveStateWithLongField(data.field, data.length,
+                                                            data.lineLength)
+        compare(expected.length, data.length, "saved")
         const t = openUnlocked(), wrapper = el(t, "field." + data.field)
         const editor = wrapper.field ?? wrapper.editor
         const summary = named(wrapper, "longTextSummary")
@@ -304,9 +293,7 @@ WindowTestCase {
         compare(button.Accessible.name, "Modifier quand meme : " + wrapper.title)
         // Typing elsewhere regenerates and saves with the long text whole; the preview shows it
         // cut, and says so.
-        const before = t.store.generatedHTML
-        typeInto(t, "field.recipientName", "Z")
-        waitForDebounce(t, before)
+        regenerated(t, () => typeInto(t, "field.recipientName", "Z"))
         verify(t.store.data[data.field] === expected && summary.visible,
                "record unchanged, still summarised")
         const preview = el(t, "htmlPreview")
