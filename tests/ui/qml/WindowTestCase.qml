@@ -29,16 +29,12 @@ TestCase {
         wait(0)
     }
 
-    function find(item, test) {
-        return !item || test(item) ? item
-                                   : Array.from(item.children).reduce(
-                                         (found, child) => found || find(child, test), null)
-    }
-
     function findAll(item, test) {
         return Array.from(item.children).reduce((all, child) => all.concat(findAll(child, test)),
                                                  test(item) ? [item] : [])
     }
+
+    function find(item, test) { return findAll(item, test)[0] ?? null }
 
     function named(root, name) {
         const item = find(root, (i) => i.objectName === name)
@@ -57,12 +53,20 @@ TestCase {
         return { window: w }
     }
 
+    // Types `password` on the lock screen of `w`, then submits it with the key `submit`, or with
+    // the button if `submit` is "button".
+    function submitPassword(w, password, submit = Qt.Key_Return) {
+        const field = lockItem(w, "passwordField")
+        tryVerify(() => field.activeFocus, 3000, "password field focused")
+        TestSupport.typeText(w, password)
+        verify(field.text === password && field.displayText !== password, "masked")
+        submit === "button" ? mouseClick(lockItem(w, "unlockButton"))
+                            : TestSupport.keyClick(w, submit)
+    }
+
     function openUnlocked() {
         const t = openWindow()
-        tryVerify(() => lockItem(t.window, "passwordField").activeFocus, 3000,
-                  "password field focused")
-        TestSupport.typeText(t.window, "Falcon77!")
-        TestSupport.keyClick(t.window, Qt.Key_Return)
+        submitPassword(t.window, "Falcon77!")
         tryVerify(() => t.window.lockState.isUnlocked)
         return Object.assign(t, { main: named(t.window.contentItem, "mainLoader").item,
                                   controller: t.window.controller,
@@ -123,13 +127,21 @@ TestCase {
                && (!find(form, (i) => i === item) || inside(item, form))
     }
 
-    function reveal(t, item) {
+    // Scrolls the form to show `item` `margin` pixels below its top.
+    function reveal(t, item, margin = 120) {
         const flick = t.main.composerPane.scrollView.contentItem
         const y = item.mapToItem(flick.contentItem, 0, 0).y
-        flick.contentY = Math.max(0, Math.min(y - 120, flick.contentHeight - flick.height))
+        flick.contentY = Math.max(0, Math.min(y - margin, flick.contentHeight - flick.height))
         waitForRendering(t.main)
         verify(onScreen(t, item), item.objectName + " on screen")
         return item
+    }
+
+    // The row of a saved preset; the list creates it at its next layout.
+    function presetRow(t, id) {
+        tryVerify(() => find(el(t, "customPresetList"),
+                             (i) => i.objectName === "customPresetRow." + id), 2000, id)
+        return el(t, "customPresetRow." + id)
     }
 
     // Answers the modal alert on screen (the warning by default) with the button of that name, as a

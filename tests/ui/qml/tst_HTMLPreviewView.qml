@@ -14,17 +14,11 @@ TestCase {
 
     Component { id: previewComponent; HTMLPreviewView { anchors.fill: parent } }
     Component { id: rawViewComponent; WebEngineView { anchors.fill: parent } }
-    Component { id: signalSpyComponent; SignalSpy { } }
 
     function page(title, body) {
         return "<!DOCTYPE html>\n<html lang=\"fr\">\n<head>\n<meta charset=\"utf-8\">" +
             "<meta name=\"viewport\" content=\"width=device-width\"><title>" +
             title + "</title></head><body style=\"margin:0\">" + body + "</body></html>"
-    }
-
-    function imagePage(url) {
-        return page("Mode", "<img alt=\"Logo Korvel\" src=\"" + url +
-                    "\" width=\"8\" height=\"8\"><p>Bonjour</p>")
     }
 
     readonly property string smallHtml: page("Petit",
@@ -46,8 +40,8 @@ TestCase {
     }
 
     function loadAndWait(view, action) {
-        const spy = createTemporaryObject(signalSpyComponent, scene,
-                                          { target: view, signalName: "loadingChanged" })
+        const spy = Object.assign(createTemporaryQmlObject("import QtTest; SignalSpy {}", scene),
+                                  { target: view, signalName: "loadingChanged" })
         action()
         const finished = () => spy.signalArguments.map(a => a[0].status)
                                   .find(s => s !== WebEngineView.LoadStartedStatus)
@@ -111,16 +105,18 @@ TestCase {
         }
     }
 
-    // No HTTPS base: the test's image server speaks plain HTTP on loopback.
-    function showIn(mode, html) {
-        return makePreview({ html: html, mode: mode, serviceHost: "" })
+    // A page with an image from `url`, in `mode`. No HTTPS base: the test's image server speaks
+    // plain HTTP on loopback.
+    function showIn(mode, url) {
+        const img = "<img alt=\"Logo Korvel\" src=\"" + url + "\" width=\"8\" height=\"8\">"
+        return makePreview({ html: page("Mode", img + "<p>Bonjour</p>"), mode, serviceHost: "" })
     }
 
     function test_phoneIsNarrowAndDarkInvertsAllButPictures() {
-        const phone = showIn(PreviewMode.Phone, imagePage("data:,"))
+        const phone = showIn(PreviewMode.Phone, "data:,")
         compare([evaluate(phone.webView, "window.innerWidth"), phone.webView.x],
                 [375, (scene.width - 375) / 2], "narrow, centred")
-        const dark = showIn(PreviewMode.Dark, imagePage("data:,"))
+        const dark = showIn(PreviewMode.Dark, "data:,")
         for (const element of ["document.documentElement", "document.images[0]"])
             verify(String(evaluate(dark.webView, "getComputedStyle(" + element + ").filter"))
                    .indexOf("invert(1)") >= 0, element)
@@ -129,8 +125,7 @@ TestCase {
     function test_imagesAreRequestedExceptWithoutImages() {
         const port = TestSupport.startImageServer(), before = TestSupport.imageRequests()
         verify(port > 0)
-        const blocked = showIn(PreviewMode.NoImages,
-                               imagePage("http://127.0.0.1:" + port + "/logo.png?a"))
+        const blocked = showIn(PreviewMode.NoImages, "http://127.0.0.1:" + port + "/logo.png?a")
         wait(500)
         compare(TestSupport.imageRequests(), before, "no request without images")
         compare(evaluate(blocked.webView, "document.images[0].naturalWidth"), 0)

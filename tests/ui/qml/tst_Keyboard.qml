@@ -48,15 +48,13 @@ WindowTestCase {
         }
         compare(focusedName(), "newButton",
                 "Tab goes round the whole window; seen: " + seen.join(", "))
-        const expected = ("newButton standalonePreviewButton exportButton openInMailButton "
-                          + "presetTile.devis presetTile.pret presetTile.rdv presetTile.relance "
-                          + "presetNameField field.recipientName field.recipientEmail "
-                          + "field.subject field.preheader syncCodeField pullButton pushButton "
-                          + "webInterfaceLink field.mailTitle field.mailIntro field.mailBody "
-                          + "field.highlight field.detailLabel1 field.detailValue4 field.ctaLabel "
-                          + "field.ctaURL field.closingNote openDraftButton field.logoURL "
-                          + "field.accentPrimary field.senderEmail field.footerNote "
-                          + "copySubjectButton copyTextButton copyMailButton").split(" ")
+        const expected = `newButton standalonePreviewButton exportButton openInMailButton
+            presetTile.devis presetTile.pret presetTile.rdv presetTile.relance presetNameField
+            field.recipientName field.recipientEmail field.subject field.preheader syncCodeField
+            pullButton pushButton webInterfaceLink field.mailTitle field.mailIntro field.mailBody
+            field.highlight field.detailLabel1 field.detailValue4 field.ctaLabel field.ctaURL
+            field.closingNote openDraftButton field.logoURL field.accentPrimary field.senderEmail
+            field.footerNote copySubjectButton copyTextButton copyMailButton`.split(/\s+/)
         compare(seen.filter(name => expected.includes(name)), expected,
                 "reached with Tab, in reading order")
         // The disabled buttons are skipped, not lost: they join once enabled.

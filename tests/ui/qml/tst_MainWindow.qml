@@ -8,35 +8,25 @@ WindowTestCase {
     id: testCase
     name: "MainWindow"
 
-    Component { id: signalSpyComponent; SignalSpy {} }
-
     // Near misses of the password itself: lock_state_test.
     function test_lockScreenRefusesThenUnlocks_data() {
-        return [[" Falcon77!", Qt.Key_Return, "space before"],
-                ["falcon77!", "button", "lower case, button"],
-                ["Falcon77! ", Qt.Key_Enter, "space after, keypad Enter"]]
-                .map(([wrong, submit, tag]) => ({ tag, wrong, submit }))
+        return [{ tag: "space before", wrong: " Falcon77!", submit: Qt.Key_Return },
+                { tag: "lower case, button", wrong: "falcon77!", submit: "button" },
+                { tag: "space after, keypad Enter", wrong: "Falcon77! ", submit: Qt.Key_Enter }]
     }
 
     function test_lockScreenRefusesThenUnlocks(data) {
         const w = openWindow().window
-        const [field, error, button] = ["passwordField", "lockError", "unlockButton"]
-            .map(name => lockItem(w, name))
+        const [field, error] = ["passwordField", "lockError"].map(name => lockItem(w, name))
         const loaders = ["lockLoader", "mainLoader"]
         const locked = (yes) => compare(
             [w.lockState.isUnlocked, ...loaders.map(name => named(w.contentItem, name).active)],
             [!yes, yes, !yes])
-        tryVerify(() => field.activeFocus, 3000, "password field focused at start")
-        const submit = (text) => {
-            TestSupport.typeText(w, text)
-            verify(field.text === text && field.displayText !== text, "masked")
-            data.submit === "button" ? mouseClick(button) : TestSupport.keyClick(w, data.submit)
-        }
-        submit(data.wrong)
+        submitPassword(w, data.wrong, data.submit)
         locked(true)
         compare([field.text, error.text], ["", "Mot de passe incorrect."])
         verify(error.visible && field.activeFocus, "shown; the user may retype at once")
-        submit("Falcon77!")
+        submitPassword(w, "Falcon77!", data.submit)
         locked(false)
     }
 
@@ -118,18 +108,10 @@ WindowTestCase {
         tryCompare(preview.webView, "title", t.store.generatedSubject, 10000)
     }
 
-    // The row of a saved preset; the list creates it at its next layout.
-    function presetRow(t, id) {
-        tryVerify(() => find(el(t, "customPresetList"),
-                             (i) => i.objectName === "customPresetRow." + id), 2000, id)
-        return el(t, "customPresetRow." + id)
-    }
-
     function test_presetsFollowTheStore() {
-        const t = openUnlocked(), save = el(t, "saveAsNewButton")
-        const update = el(t, "updateLoadedButton")
-        const line = el(t, "loadedPresetLine"), empty = el(t, "emptyPresetState")
-        const list = el(t, "customPresetList")
+        const t = openUnlocked(), [save, update, line, empty, list] = [
+            "saveAsNewButton", "updateLoadedButton", "loadedPresetLine", "emptyPresetState",
+            "customPresetList"].map(name => el(t, name))
         const tiles = ["devis", "pret", "rdv", "relance"].map(id => el(t, "presetTile." + id))
         const active = () => tiles.filter(tile => tile.isActive)
                                   .map(tile => tile.objectName.slice("presetTile.".length))
@@ -246,9 +228,9 @@ WindowTestCase {
         verify(list.height <= list.maximumHeight, "the list keeps its own height")
         verify(created() > 0 && created() <= 15, created() + " rows created for 1000 presets")
         const spies = ["modelReset", "dataChanged", "rowsInserted", "rowsRemoved", "rowsMoved",
-                       "layoutChanged"].map(name =>
-            createTemporaryObject(signalSpyComponent, testCase,
-                                  { target: t.controller.customPresetModel, signalName: name }))
+                       "layoutChanged"].map(signalName => Object.assign(
+            createTemporaryQmlObject("import QtTest; SignalSpy {}", testCase),
+            { target: t.controller.customPresetModel, signalName }))
         const counts = (expected) => compare(spies.map(spy => spy.count), expected,
                                              spies.map(spy => spy.signalName).join())
         // Loading a preset: the rows of the old and the new highlight at most.
