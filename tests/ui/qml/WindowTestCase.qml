@@ -82,24 +82,26 @@ TestCase {
         return c
     }
 
-    function typeInto(t, name, text) {
+    // Types `text` into the control of `name`: after its text, or over it with `replace`.
+    function typeInto(t, name, text, replace = false) {
         const c = focusControl(t, name)
+        if (replace)
+            c.selectAll()
         TestSupport.typeText(t.window, text)
         return c
     }
 
     function clearField(t, fieldName) {
-        const c = focusControl(t, "field." + fieldName)
-        c.selectAll()
+        const c = typeInto(t, "field." + fieldName, "", true)
         TestSupport.keyClick(t.window, Qt.Key_Backspace)
         compare(c.text, "")
     }
 
-    // Runs `edit`, then waits for the e-mail to be generated again.
+    // Runs `edit`, then waits for the e-mail to be generated again; returns what `edit` returned.
     function regenerated(t, edit) {
-        const before = t.store.generatedHTML
-        edit()
+        const before = t.store.generatedHTML, result = edit()
         tryVerify(() => t.store.generatedHTML !== before, 3000, "regenerated")
+        return result
     }
 
     function waitForPreview(t) {

@@ -83,12 +83,9 @@ WindowTestCase {
             // The address shows in the e-mail only when no name is given.
             if (name === "recipientEmail")
                 regenerated(t, () => clearField(t, "recipientName"))
-            const control = focusControl(t, "field." + name), loads = preview.loader.loadCount
-            const colour = colours[name]
-            if (colour)
-                control.selectAll()
+            const colour = colours[name], loads = preview.loader.loadCount
             const typed = colour || "Zq7", expected = colour || t.store.data[name] + typed
-            regenerated(t, () => TestSupport.typeText(t.window, typed))
+            const control = regenerated(t, () => typeInto(t, "field." + name, typed, !!colour))
             compare([t.store.data[name], control.text], [expected, expected],
                     name + " written to the record")
             verify(!colour || t.store.generatedHTML.indexOf(colour) >= 0, name + " in the e-mail")
@@ -120,10 +117,9 @@ WindowTestCase {
             [false, "Aucun preset perso charge pour l'instant.", true, false])
         nothingLoaded()
         compare([active(), save.enabled], [["devis"], false])
-        const nameField = typeInto(t, "presetNameField", "   ")
+        typeInto(t, "presetNameField", "   ")
         compare([t.store.customPresetDraftName, save.enabled], ["   ", false], "blank name")
-        nameField.selectAll()
-        TestSupport.typeText(t.window, "Ecran iPhone")
+        typeInto(t, "presetNameField", "Ecran iPhone", true)
         mouseClick(save)
         // The saved preset is the loaded one: its row lights up, no tile does, though its source
         // is "devis".
@@ -156,13 +152,10 @@ WindowTestCase {
         const t = openUnlocked(), push = el(t, "pushButton"), pull = el(t, "pullButton")
         typeInto(t, "syncCodeField", "abc")
         mouseClick(reveal(t, push))
-        const message = "Le code prive doit contenir au moins 16 caracteres."
-                        + " Genere-le depuis l'interface iPhone."
-        compare(answerAlert(t), message)
-        const code = focusControl(t, "syncCodeField")
-        compare(code.text, "ABC")
-        code.selectAll()
-        TestSupport.typeText(t.window, "ABCD-EFGH-IJKL-MNOP")
+        compare(answerAlert(t), "Le code prive doit contenir au moins 16 caracteres."
+                                + " Genere-le depuis l'interface iPhone.")
+        compare(el(t, "syncCodeField").field.text, "ABC")
+        typeInto(t, "syncCodeField", "ABCD-EFGH-IJKL-MNOP", true)
         reveal(t, push)
         for (const button of [push, pull]) {
             mouseClick(button)
@@ -266,8 +259,8 @@ WindowTestCase {
         compare(expected.length, data.length, "saved")
         const t = openUnlocked(), wrapper = el(t, "field." + data.field)
         const editor = wrapper.field ?? wrapper.editor
-        const summary = named(wrapper, "longTextSummary")
-        const button = named(wrapper, "editAnywayButton")
+        const [summary, button] = ["longTextSummary", "editAnywayButton"]
+            .map(name => named(wrapper, name))
         verify(summary.visible
                && /^Texte tres long \(.* [MK]o\) : ecran batterie/.test(summary.text),
                summary.text)
