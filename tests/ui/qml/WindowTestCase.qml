@@ -64,13 +64,18 @@ TestCase {
                             : TestSupport.keyClick(w, submit)
     }
 
+    // A new window, unlocked: the client's name focused and on screen, the preview shown.
     function openUnlocked() {
-        const t = openWindow()
-        submitPassword(t.window, "Falcon77!")
-        tryVerify(() => t.window.lockState.isUnlocked)
-        return Object.assign(t, { main: named(t.window.contentItem, "mainLoader").item,
-                                  controller: t.window.controller,
-                                  store: t.window.controller.store })
+        const t = openWindow(), w = t.window
+        submitPassword(w, "Falcon77!")
+        tryVerify(() => w.lockState.isUnlocked)
+        Object.assign(t, { main: named(w.contentItem, "mainLoader").item,
+                           controller: w.controller, store: w.controller.store })
+        const name = el(t, "field.recipientName").field, preview = el(t, "htmlPreview")
+        tryVerify(() => name.activeFocus, 3000, "the client's name focused")
+        tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000,
+                  "preview shown")
+        return t
     }
 
     // The control of `name` (a form field's: "field." + its name), focused, cursor at its end.
@@ -102,13 +107,6 @@ TestCase {
         const before = t.store.generatedHTML, result = edit()
         tryVerify(() => t.store.generatedHTML !== before, 3000, "regenerated")
         return result
-    }
-
-    function waitForPreview(t) {
-        const preview = el(t, "htmlPreview")
-        tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000,
-                  "preview shown")
-        return preview
     }
 
     function box(item) {

@@ -6,15 +6,7 @@ import VelinoTest
 // screen; keys act; dialogs are answered from the keyboard and give the focus back.
 WindowTestCase {
     name: "Keyboard"
-
-    function init() {
-        verify(TestSupport.resetSettings(), "settings wiped")
-        t = openUnlocked()
-        tryVerify(() => focusedName() === "field.recipientName", 3000,
-                  "the client's name has the focus after unlocking")
-        tryVerify(() => onScreen(t, t.window.activeFocusItem), 2000, "and is on screen")
-        waitForPreview(t)
-    }
+    unlockEachTest: true
 
     // The focused control's objectName, or its nearest named ancestor's ("field.subject" for its
     // input).
@@ -35,6 +27,8 @@ WindowTestCase {
     }
 
     function test_tabVisitsEveryControlInReadingOrder() {
+        tryVerify(() => onScreen(t, t.window.activeFocusItem), 2000,
+                  "the client's name, focused after unlocking, on screen")
         focusOn("newButton")
         const seen = ["newButton"]
         for (let i = 0; i < 160 && focusedName() !== "newButton" || i === 0; ++i) {
@@ -84,28 +78,25 @@ WindowTestCase {
         tryCompare(t.store, "lastAction", "Objet copie.")
     }
 
-    function test_tabLeavesEditors_data() {
-        return ["mailIntro", "mailBody", "closingNote", "footerNote"].map(tag => ({ tag }))
-    }
-
     // Tab and Shift+Tab leave a text editor and type nothing into it.
-    function test_tabLeavesEditors(data) {
-        const before = t.store.data[data.tag], editor = el(t, "field." + data.tag).editor
-        for (const [key, modifiers] of [[Qt.Key_Tab, 0], [Qt.Key_Backtab, Qt.ShiftModifier]]) {
-            editor.forceActiveFocus(Qt.TabFocusReason)
-            editor.cursorPosition = 3
-            press(key, modifiers)
-            verify(!editor.activeFocus, "leaves with " + key)
+    function test_tabLeavesEditors() {
+        for (const name of ["mailIntro", "mailBody", "closingNote", "footerNote"]) {
+            const before = t.store.data[name], editor = el(t, "field." + name).editor
+            for (const [key, modifiers] of [[Qt.Key_Tab, 0], [Qt.Key_Backtab, Qt.ShiftModifier]]) {
+                editor.forceActiveFocus(Qt.TabFocusReason)
+                editor.cursorPosition = 3
+                press(key, modifiers)
+                verify(!editor.activeFocus, name + " left with " + key)
+            }
+            compare([editor.text, t.store.data[name]], [before, before],
+                    name + " unchanged on screen and in the record")
         }
-        compare([editor.text, t.store.data[data.tag]], [before, before],
-                "unchanged on screen and in the record")
     }
 
     // "Nouveau" asks first: Escape or "Annuler" keep the content, "Reinitialiser" brings back the
     // base template.
     function test_resetAsksFirst() {
         const alert = t.window.resetAlert, opener = el(t, "newButton")
-        const edited = defaultSubject + " modifie"
         typeInto(t, "field.subject", " modifie")
         const ask = () => {
             opener.forceActiveFocus(Qt.TabFocusReason)
@@ -121,7 +112,7 @@ WindowTestCase {
             ask()
             press(key)
             answered()
-            compare(el(t, "field.subject").field.text, edited)
+            compare(el(t, "field.subject").field.text, defaultSubject + " modifie")
         }
         focusOn("presetTile.relance")
         press(Qt.Key_Return)

@@ -96,7 +96,7 @@ WindowTestCase {
 
     // The page shows the generated mail; the Edit menu's commands act on it when it has the focus.
     function test_previewShowsTheGeneratedMail() {
-        const t = openUnlocked(), preview = waitForPreview(t)
+        const t = openUnlocked(), preview = el(t, "htmlPreview")
         preview.webView.forceActiveFocus()
         TestSupport.setClipboardText("")
         verify(t.window.editCommands.selectAll() && t.window.editCommands.copy())

@@ -13,7 +13,6 @@ WindowTestCase {
     function initTestCase() {
         verify(folder.length > 0 && TestSupport.resetSettings(), "VELINO_SCREENSHOT_DIR")
         t = openUnlocked()
-        waitForPreview(t)
         wait(500)
     }
     function init() {}
