@@ -13,7 +13,6 @@ TestCase {
     height: 500
 
     Component { id: previewComponent; HTMLPreviewView { anchors.fill: parent } }
-    Component { id: rawViewComponent; WebEngineView { anchors.fill: parent } }
 
     function page(title, body) {
         return "<!DOCTYPE html>\n<html lang=\"fr\">\n<head>\n<meta charset=\"utf-8\">" +
@@ -21,22 +20,16 @@ TestCase {
             title + "</title></head><body style=\"margin:0\">" + body + "</body></html>"
     }
 
-    readonly property string smallHtml: page("Petit",
-        "<p id=\"t\">Votre appareil est pret</p><a id=\"rel\" href=\"velino.html\">lien</a>")
-
     function tallHtml(paragraphs) {
         return page("Long " + paragraphs,
                     "<p style=\"height:40px;margin:0\">Ligne</p>".repeat(paragraphs))
     }
 
     function evaluate(view, script) {
-        let done = false, value
-        view.runJavaScript(script, (result) => {
-            value = result
-            done = true
-        })
-        tryVerify(() => done, 10000, "script answered: " + script)
-        return value
+        let answer
+        view.runJavaScript(script, (result) => answer = { result })
+        tryVerify(() => answer, 10000, "script answered: " + script)
+        return answer.result
     }
 
     function loadAndWait(view, action) {
@@ -61,12 +54,11 @@ TestCase {
     // A reload keeps the reading position, in proportion to the page's height; top stays top.
     function test_reloadKeepsTheReadingPosition() {
         const preview = makePreview({ html: tallHtml(100) }), view = preview.webView
-        const position = () => evaluate(view,
-            "window.scrollY / (document.documentElement.scrollHeight - window.innerHeight)")
+        const scrollable = "(document.documentElement.scrollHeight - window.innerHeight)"
+        const position = () => evaluate(view, "window.scrollY / " + scrollable)
         loadAndWait(view, () => preview.html = tallHtml(101))
         compare(evaluate(view, "window.scrollY"), 0, "top stays top")
-        evaluate(view, "window.scrollTo(0, 0.6 * (document.documentElement.scrollHeight"
-                       + " - window.innerHeight)); 0")
+        evaluate(view, "window.scrollTo(0, 0.6 * " + scrollable + "); 0")
         tryVerify(() => Math.abs(view.scrollPosition.y
                                  / (view.contentsSize.height - view.height) - 0.6) < 0.01,
                   5000, "scroll known to the view")
@@ -80,7 +72,8 @@ TestCase {
     // Links resolve on the service host (the file route's <base>: preview_loader_test); a new
     // host reloads, the page shown all along.
     function test_pageHasTheHttpsBaseOfTheServiceHost() {
-        const preview = makePreview({ html: smallHtml })
+        const preview = makePreview({ html: page("Petit", "<p id='t'>Votre appareil est pret</p>"
+                                                 + "<a id='rel' href='velino.html'>lien</a>") })
         const shown = "[document.getElementById('t').textContent, document.baseURI, " +
                       "document.getElementById('rel').href, document.characterSet]"
         compare(evaluate(preview.webView, shown),
@@ -99,7 +92,8 @@ TestCase {
         const fitting = "a".repeat(loader.maxDataUrlLength - loader.dataUrlLengthOf(""))
         for (const [html, status] of [[fitting, WebEngineView.LoadSucceededStatus],
                                       [fitting + "a", WebEngineView.LoadFailedStatus]]) {
-            const raw = createTemporaryObject(rawViewComponent, scene)
+            const raw = createTemporaryQmlObject(
+                "import QtWebEngine; WebEngineView { anchors.fill: parent }", scene)
             compare(loadAndWait(raw, () => raw.loadHtml(html, "https://korvel.example")),
                     status)
         }

@@ -18,10 +18,8 @@ WindowTestCase {
     function test_lockScreenRefusesThenUnlocks(data) {
         const w = openWindow().window
         const [field, error] = ["passwordField", "lockError"].map(name => lockItem(w, name))
-        const loaders = ["lockLoader", "mainLoader"]
-        const locked = (yes) => compare(
-            [w.lockState.isUnlocked, ...loaders.map(name => named(w.contentItem, name).active)],
-            [!yes, yes, !yes])
+        const locked = (yes) => compare([w.lockState.isUnlocked, ...["lockLoader", "mainLoader"]
+            .map(name => named(w.contentItem, name).active)], [!yes, yes, !yes])
         submitPassword(w, data.wrong, data.submit)
         locked(true)
         compare([field.text, error.text], ["", "Mot de passe incorrect."])
