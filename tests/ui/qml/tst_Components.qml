@@ -22,15 +22,16 @@ TestCase {
         TextField { id: popupField; width: 100; focus: true; text: "menu" }
     }
 
+    // As narrow as at 1320 px.
+    Component { id: card; SummaryCard { width: 134; height: 140; title: "Etat"; caption: "x" } }
+    Component {
+        id: colorField
+        BrandingColorField { width: 300; title: "Couleur principale"; text: "#2F7DF6" }
+    }
+
     function init() {
         [first, popupField].forEach(field => field.deselect())
         first.forceActiveFocus()
-    }
-
-    function make(qml, properties) {
-        return Object.assign(
-            createTemporaryQmlObject("import QtQuick; import Velino; " + qml + " { }", scene),
-            properties)
     }
 
     // Colour `c` (with its alpha) laid over the opaque `under`.
@@ -62,23 +63,19 @@ TestCase {
             verify(t.contrast(fg, bg) >= min, tag + ": " + t.contrast(fg, bg).toFixed(2) + ":1")
     }
 
-    // A card as narrow as at 1320 px: words wrap whole; a word too wide shrinks the value
-    // instead.
+    // In a narrow card, words wrap whole; a word too wide shrinks the value instead.
     function test_summaryCardKeepsWordsWhole() {
         for (const [value, lines, full] of [["Thunderbird", 1, false],
                                             ["Pret a envoyer", 2, true],
                                             ["4", 1, true]]) {
-            const card = make("SummaryCard",
-                              { width: 134, height: 140, title: "Etat", value, caption: "x" })
-            const text = findChild(card, "summaryValue")
+            const text = findChild(createTemporaryObject(card, scene, { value }), "summaryValue")
             waitForItemPolished(text.parent)
             compare([text.lineCount, text.font.pixelSize === 22], [lines, full], value)
         }
     }
 
     function test_brandingColorFieldSwatch() {
-        const field = make("BrandingColorField",
-                           { width: 300, title: "Couleur principale", text: "#2F7DF6" })
+        const field = createTemporaryObject(colorField, scene)
         const swatch = findChild(field, "swatch")
         field.field.forceActiveFocus()
         field.field.cursorPosition = field.field.text.length

@@ -5,7 +5,6 @@ import VelinoTest
 
 // The real window of the application shell, from its lock screen to very large saved states.
 WindowTestCase {
-    id: testCase
     name: "MainWindow"
 
     // Near misses of the password itself: lock_state_test.
@@ -220,7 +219,7 @@ WindowTestCase {
         verify(created() > 0 && created() <= 15, created() + " rows created for 1000 presets")
         const spies = ["modelReset", "dataChanged", "rowsInserted", "rowsRemoved", "rowsMoved",
                        "layoutChanged"].map(signalName => Object.assign(
-            createTemporaryQmlObject("import QtTest; SignalSpy {}", testCase),
+            createTemporaryQmlObject("import QtTest; SignalSpy {}", t.main),
             { target: t.controller.customPresetModel, signalName }))
         const counts = (expected) => compare(spies.map(spy => spy.count), expected,
                                              spies.map(spy => spy.signalName).join())
