@@ -53,8 +53,7 @@ TestCase {
         return { window: w }
     }
 
-    // Types `password` on the lock screen of `w`, then submits it with the key `submit`, or with
-    // the button if `submit` is "button".
+    // Types `password` on `w`'s lock screen; submits it with the key `submit`, or "button".
     function submitPassword(w, password, submit = Qt.Key_Return) {
         const field = lockItem(w, "passwordField")
         tryVerify(() => field.activeFocus, 3000, "password field focused")
@@ -137,6 +136,12 @@ TestCase {
         return item
     }
 
+    // Saves the record as a new preset named `name`.
+    function savePreset(t, name) {
+        t.store.customPresetDraftName = name
+        t.store.saveAsNewCustomPreset()
+    }
+
     // The row of a saved preset; the list creates it at its next layout.
     function presetRow(t, id) {
         tryVerify(() => find(el(t, "customPresetList"),
@@ -144,8 +149,7 @@ TestCase {
         return el(t, "customPresetRow." + id)
     }
 
-    // Answers the modal alert on screen (the warning by default) with the button of that name, as a
-    // user would; returns its message.
+    // Clicks `button` on the modal alert `popup` (the warning's OK by default); returns its text.
     function answerAlert(t, popup = t.window.warningAlert, button = "alertOkButton") {
         const dialogs = t.controller.dialogs
         tryVerify(() => popup.opened, 5000, "alert shown")

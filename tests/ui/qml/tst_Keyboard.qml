@@ -128,10 +128,7 @@ WindowTestCase {
 
     // Deleting from the keyboard leaves the focus on the next row, then on the name field.
     function test_focusAfterDeletingPresets() {
-        for (const name of ["Premier", "Deuxieme", "Troisieme"]) {
-            t.store.customPresetDraftName = name
-            t.store.saveAsNewCustomPreset()
-        }
+        ["Premier", "Deuxieme", "Troisieme"].forEach(name => savePreset(t, name))
         const list = el(t, "customPresetList")
         tryVerify(() => list.count === 3 && list.itemAtIndex(2), 3000)
         for (let left = 3; left > 0; --left) {

@@ -55,8 +55,7 @@ WindowTestCase {
         setWidth(1320)
         const name = // 63 characters
             "Devis iPhone ecran casse et batterie gonflee pour Mme Lambert 0"
-        t.store.customPresetDraftName = name
-        t.store.saveAsNewCustomPreset()
+        savePreset(t, name)
         const row = presetRow(t, t.store.customPresets[0].id)
         tryVerify(() => row.isActive, 3000, "row of the saved preset")
         const chip = named(row, "activeChip"), label = named(row, "presetName")

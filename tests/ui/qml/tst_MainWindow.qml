@@ -51,9 +51,8 @@ WindowTestCase {
         opened.push(second)
         verify(second !== first && second.controller.store !== first.controller.store,
                "a window with its own store")
-        compare([second.lockState.isUnlocked, first.lockState.isUnlocked,
-                 named(second.contentItem, "lockLoader").active],
-                [false, true, true])
+        compare([second.lockState.isUnlocked, named(second.contentItem, "lockLoader").active,
+                 first.lockState.isUnlocked], [false, true, true])
         second.close()
         tryCompare(AppShell, "windowCount", count)
     }
@@ -166,8 +165,7 @@ WindowTestCase {
 
     function test_exportThroughTheFileDialog() {
         const t = openUnlocked(), w = t.window, dialogs = t.controller.dialogs
-        const before = t.store.lastAction
-        const file = "votre-devis-korvel-est-pret.html"
+        const before = t.store.lastAction, file = "votre-devis-korvel-est-pret.html"
         const exported = "HTML exporte vers " + file + "."
         // The dialog opens in the home folder when there is no Documents folder.
         const home = TestSupport.makeTemporaryFolder(), userHome = TestSupport.environment("HOME")
@@ -212,8 +210,7 @@ WindowTestCase {
         verify(TestSupport.saveStateWithPresets(1000))
         const t = openUnlocked(), list = el(t, "customPresetList")
         // The rows the list has created (delegates), whatever is on screen.
-        const created = () => Array.from(list.contentItem.children)
-                                   .filter(row => row.presetId !== undefined).length
+        const created = () => findAll(list.contentItem, (i) => i.presetId !== undefined).length
         compare(list.count, 1000)
         verify(list.height <= list.maximumHeight, "the list keeps its own height")
         verify(created() > 0 && created() <= 15, created() + " rows created for 1000 presets")

@@ -39,9 +39,7 @@ WindowTestCase {
     }
 
     function test_2_cards() {
-        t.store.customPresetDraftName =
-            "Devis iPhone ecran casse et batterie gonflee pour Mme Lambert 0"
-        t.store.saveAsNewCustomPreset()
+        savePreset(t, "Devis iPhone ecran casse et batterie gonflee pour Mme Lambert 0")
         reveal(t, el(t, "customPresetCard"), 24)
         shot("preset-long-name")
         t.store.syncCode = "K7QF-2M9X-PL4D-8RWA-C3NZ-H6TB"
