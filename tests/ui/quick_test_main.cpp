@@ -33,13 +33,12 @@ QTemporaryDir configHome;
 class TestSupport : public QObject {
     Q_OBJECT
 
-public Q_SLOTS:
-    void qmlEngineAvailable(QQmlEngine *engine) {
+public:
+    Q_SLOT void qmlEngineAvailable(QQmlEngine *engine) {
         engine->addImportPath(u"qrc:/qt/qml"_s);
         qmlRegisterSingletonInstance("VelinoTest", 1, 0, "TestSupport", this);
     }
 
-public:
     Q_INVOKABLE bool resetSettings() const {
         return QDir(configHome.path() + u"/Korvel"_s).removeRecursively() &&
                QDir(configHome.path() + u"/data/Korvel"_s).removeRecursively();

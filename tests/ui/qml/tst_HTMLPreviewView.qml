@@ -130,8 +130,7 @@ TestCase {
     }
 
     function test_sizeLine() {
-        for (const [bytes, text, clipped] of [[12165, "12", false],
-                                              [102 * 1024, "102", false],
+        for (const [bytes, text, clipped] of [[12165, "12", false], [102 * 1024, "102", false],
                                               [102 * 1024 + 1, "102", true]])
             compare([UiHelpers.mailSizeText(bytes), UiHelpers.isClippedByGmail(bytes)],
                     ["Taille du mail : " + text + " Ko", clipped])

@@ -147,8 +147,7 @@ WindowTestCase {
         for (const [key, modifiers, index] of [[Qt.Key_F10, 0, 0], [Qt.Key_F, Qt.AltModifier, 1]]) {
             const menu = t.window.menuBar.menuAt(index)
             press(key, modifiers)
-            tryVerify(() => menu.opened, 2000,
-                      (index ? "Alt+F opens Fenetre" : "F10 opens Edition"))
+            tryVerify(() => menu.opened, 2000, index ? "Alt+F opens Fenetre" : "F10 opens Edition")
             press(Qt.Key_Escape)
             tryVerify(() => !menu.visible)
         }
