@@ -63,7 +63,7 @@ TestCase {
                             : TestSupport.keyClick(w, submit)
     }
 
-    // A new window, unlocked: the client's name focused and on screen, the preview shown.
+    // A new window, unlocked: the client's name focused, the preview shown.
     function openUnlocked() {
         const t = openWindow(), w = t.window
         submitPassword(w, "Falcon77!")
