@@ -38,11 +38,6 @@ Q_SIGNALS:
     void htmlChanged();
 };
 
-// Runs the loads the loader has scheduled for the end of this event-loop turn.
-void endTurn() {
-    QCoreApplication::sendPostedEvents();
-}
-
 // 700 000 '<' weigh 2.1 million characters once percent-encoded: over the data: URL limit.
 const QString kLarge(700'000, u'<');
 
@@ -106,27 +101,25 @@ TEST(HtmlPreviewLoader, OnlyTheLastTwoFilesAreKeptNoneAfterASmallDocumentOrTheLo
     FakeWebView view;
     auto loader = std::make_unique<HtmlPreviewLoader>();
     loader->setView(&view);
-    QStringList files;
-    for (int i = 0; i < 3; ++i) {
-        loader->setHtml(kLarge);
-        endTurn();
-        files.append(view.url.toLocalFile());
-    }
+    // Runs the load the loader has scheduled for the end of this event-loop turn.
+    const auto show = [&](const QString &html) {
+        loader->setHtml(html);
+        QCoreApplication::sendPostedEvents();
+        return view.url.toLocalFile();
+    };
+    QStringList files = {show(kLarge), show(kLarge), show(kLarge)};
     EXPECT_EQ(files.removeDuplicates(), 0);
     const auto exist = [&] {
         return QList<bool>{QFile::exists(files[0]), QFile::exists(files[1]),
                            QFile::exists(files[2])};
     };
     EXPECT_EQ(exist(), (QList<bool>{false, true, true}));
-    loader->setHtml(u"<p>petit</p>"_s);
-    endTurn();
+    show(u"<p>petit</p>"_s);
     EXPECT_EQ(exist(), (QList<bool>{false, false, false}));
-
-    loader->setHtml(kLarge);
-    endTurn();
-    ASSERT_TRUE(QFile::exists(view.url.toLocalFile()));
+    const QString last = show(kLarge);
+    ASSERT_TRUE(QFile::exists(last));
     loader.reset();
-    EXPECT_FALSE(QFile::exists(view.url.toLocalFile()));
+    EXPECT_FALSE(QFile::exists(last));
 }
 
 TEST(HtmlPreviewLoader, LoadsOnceCompleteThenOncePerTurnOfChanges) {
@@ -138,7 +131,7 @@ TEST(HtmlPreviewLoader, LoadsOnceCompleteThenOncePerTurnOfChanges) {
     loader.setServiceHost(u"korvel.example"_s);
     QList<int> loads;
     const auto turn = [&] {
-        endTurn();
+        QCoreApplication::sendPostedEvents();
         loads.append(view.htmlLoads);
     };
     loader.setHtml(u"<p>A</p>"_s);

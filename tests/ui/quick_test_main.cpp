@@ -3,6 +3,7 @@
 #include "saved_payload.h"
 #include "saved_states.h"
 #include "scene_graph_backend.h"
+#include "test_records.h"
 
 #include <QClipboard>
 #include <QDir>
@@ -32,13 +33,12 @@ QTemporaryDir configHome;
 class TestSupport : public QObject {
     Q_OBJECT
 
-public Q_SLOTS:
-    void qmlEngineAvailable(QQmlEngine *engine) {
+public:
+    Q_SLOT void qmlEngineAvailable(QQmlEngine *engine) {
         engine->addImportPath(u"qrc:/qt/qml"_s);
         qmlRegisterSingletonInstance("VelinoTest", 1, 0, "TestSupport", this);
     }
 
-public:
     Q_INVOKABLE bool resetSettings() const {
         return QDir(configHome.path() + u"/Korvel"_s).removeRecursively() &&
                QDir(configHome.path() + u"/data/Korvel"_s).removeRecursively();
@@ -59,20 +59,14 @@ public:
         return saveState(payload);
     }
 
-    // The default content with `field` holding longText(length, lineLength).
-    Q_INVOKABLE bool saveStateWithLongField(const QString &field, int length,
-                                            int lineLength) const {
+    // The default content with `field` holding bench's longText(length, lineLength), for the next
+    // window: returns that text, or nothing if it could not be saved.
+    Q_INVOKABLE QString saveStateWithLongField(const QString &field, int length,
+                                               int lineLength) const {
+        const QString text = velino::bench::longText(length, lineLength);
         velino::SavedPayload payload;
-        payload.data = velino::MailComposerData::defaultRecord();
-        const velino::MailComposerData::Field *f = velino::MailComposerData::field(field);
-        if (!f)
-            return false;
-        payload.data.*f->member = longText(length, lineLength);
-        return saveState(payload);
-    }
-
-    Q_INVOKABLE QString longText(int length, int lineLength) const {
-        return velino::bench::longText(length, lineLength);
+        payload.data = velino::test::defaultWith(field, text);
+        return saveState(payload) ? text : QString();
     }
 
     Q_INVOKABLE void setEnvironment(const QString &name, const QString &value) const {
@@ -111,13 +105,11 @@ public:
 
     // Types `text` (Latin-1) into whichever item of `window` has the keyboard focus.
     Q_INVOKABLE void typeText(QQuickWindow *window, const QString &text) const {
-        if (window)
-            for (const char c : text.toLatin1())
-                QTest::keyClick(window, c);
+        for (const char c : text.toLatin1())
+            QTest::keyClick(window, c);
     }
     Q_INVOKABLE void keyClick(QQuickWindow *window, int key, int modifiers = 0) const {
-        if (window)
-            QTest::keyClick(window, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+        QTest::keyClick(window, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
     }
 
 private:

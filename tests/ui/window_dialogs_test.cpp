@@ -28,8 +28,7 @@ TEST(WindowDialogs, WarningsReturnAtOnceAndAreShownNewestFirst) {
 
 TEST(WindowDialogs, SaveAnswersAndTheReplacementQuestion) {
     QTemporaryDir dir;
-    const QString fresh = dir.filePath(u"nouveau"_s);
-    const QString old = dir.filePath(u"devis.html"_s);
+    const QString fresh = dir.filePath(u"nouveau"_s), old = dir.filePath(u"devis.html"_s);
     ASSERT_TRUE(QFile(old).open(QIODevice::WriteOnly));
     // An existing file: the question is asked, then declined (back to the file dialog, then
     // cancelled); confirming it: tst_MainWindow. An empty choice cancels.

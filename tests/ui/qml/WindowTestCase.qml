@@ -29,11 +29,12 @@ TestCase {
         wait(0)
     }
 
-    function find(item, test) {
-        return !item || test(item) ? item
-                                   : Array.from(item.children).reduce(
-                                         (found, child) => found || find(child, test), null)
+    function findAll(item, test) {
+        return Array.from(item.children).reduce((all, child) => all.concat(findAll(child, test)),
+                                                 test(item) ? [item] : [])
     }
+
+    function find(item, test) { return findAll(item, test)[0] ?? null }
 
     function named(root, name) {
         const item = find(root, (i) => i.objectName === name)
@@ -52,16 +53,28 @@ TestCase {
         return { window: w }
     }
 
+    // Types `password` on `w`'s lock screen; submits it with the key `submit`, or "button".
+    function submitPassword(w, password, submit = Qt.Key_Return) {
+        const field = lockItem(w, "passwordField")
+        tryVerify(() => field.activeFocus, 3000, "password field focused")
+        TestSupport.typeText(w, password)
+        verify(field.text === password && field.displayText !== password, "masked")
+        submit === "button" ? mouseClick(lockItem(w, "unlockButton"))
+                            : TestSupport.keyClick(w, submit)
+    }
+
+    // A new window, unlocked: the client's name focused, the preview shown.
     function openUnlocked() {
-        const t = openWindow()
-        tryVerify(() => lockItem(t.window, "passwordField").activeFocus, 3000,
-                  "password field focused")
-        TestSupport.typeText(t.window, "Falcon77!")
-        TestSupport.keyClick(t.window, Qt.Key_Return)
-        tryVerify(() => t.window.lockState.isUnlocked)
-        return Object.assign(t, { main: named(t.window.contentItem, "mainLoader").item,
-                                  controller: t.window.controller,
-                                  store: t.window.controller.store })
+        const t = openWindow(), w = t.window
+        submitPassword(w, "Falcon77!")
+        tryVerify(() => w.lockState.isUnlocked)
+        Object.assign(t, { main: named(w.contentItem, "mainLoader").item,
+                           controller: w.controller, store: w.controller.store })
+        const name = el(t, "field.recipientName").field, preview = el(t, "htmlPreview")
+        tryVerify(() => name.activeFocus, 3000, "the client's name focused")
+        tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000,
+                  "preview shown")
+        return t
     }
 
     // The control of `name` (a form field's: "field." + its name), focused, cursor at its end.
@@ -73,30 +86,26 @@ TestCase {
         return c
     }
 
-    function typeInto(t, name, text) {
+    // Types `text` into the control of `name`: after its text, or over it with `replace`.
+    function typeInto(t, name, text, replace = false) {
         const c = focusControl(t, name)
+        if (replace)
+            c.selectAll()
         TestSupport.typeText(t.window, text)
         return c
     }
 
-    // Empties a form field; returns the HTML from before.
     function clearField(t, fieldName) {
-        const c = focusControl(t, "field." + fieldName), before = t.store.generatedHTML
-        c.selectAll()
+        const c = typeInto(t, "field." + fieldName, "", true)
         TestSupport.keyClick(t.window, Qt.Key_Backspace)
         compare(c.text, "")
-        return before
     }
 
-    function waitForDebounce(t, before) {
+    // Runs `edit`, then waits for the e-mail to be generated again; returns what `edit` returned.
+    function regenerated(t, edit) {
+        const before = t.store.generatedHTML, result = edit()
         tryVerify(() => t.store.generatedHTML !== before, 3000, "regenerated")
-    }
-
-    function waitForPreview(t) {
-        const preview = el(t, "htmlPreview")
-        tryVerify(() => preview.loader.hasShownPage && !preview.webView.loading, 20000,
-                  "preview shown")
-        return preview
+        return result
     }
 
     function box(item) {
@@ -117,23 +126,37 @@ TestCase {
                && (!find(form, (i) => i === item) || inside(item, form))
     }
 
-    function reveal(t, item) {
+    // Scrolls the form to show `item` `margin` pixels below its top.
+    function reveal(t, item, margin = 120) {
         const flick = t.main.composerPane.scrollView.contentItem
         const y = item.mapToItem(flick.contentItem, 0, 0).y
-        flick.contentY = Math.max(0, Math.min(y - 120, flick.contentHeight - flick.height))
+        flick.contentY = Math.max(0, Math.min(y - margin, flick.contentHeight - flick.height))
         waitForRendering(t.main)
         verify(onScreen(t, item), item.objectName + " on screen")
         return item
     }
 
-    // Answers the modal warning on screen with its "OK", as a user would; returns its message.
-    function answerAlert(t) {
-        const popup = t.window.warningAlert, dialogs = t.controller.dialogs
+    // Saves the record as a new preset named `name`.
+    function savePreset(t, name) {
+        t.store.customPresetDraftName = name
+        t.store.saveAsNewCustomPreset()
+    }
+
+    // The row of a saved preset; the list creates it at its next layout.
+    function presetRow(t, id) {
+        tryVerify(() => find(el(t, "customPresetList"),
+                             (i) => i.objectName === "customPresetRow." + id), 2000, id)
+        return el(t, "customPresetRow." + id)
+    }
+
+    // Clicks `button` on the modal alert `popup` (the warning's OK by default); returns its text.
+    function answerAlert(t, popup = t.window.warningAlert, button = "alertOkButton") {
+        const dialogs = t.controller.dialogs
         tryVerify(() => popup.opened, 5000, "alert shown")
         verify(popup.modal && dialogs.isModal, "modal")
         const message = named(popup.contentItem, "alertMessage").text
-        mouseClick(named(popup.contentItem, "alertOkButton"))
-        tryVerify(() => !dialogs.alertVisible && !popup.visible, 3000, "alert closed by OK")
+        mouseClick(named(popup.contentItem, button))
+        tryVerify(() => !dialogs.isModal && !popup.visible, 3000, "alert closed by " + button)
         return message
     }
 }

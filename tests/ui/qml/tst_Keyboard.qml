@@ -6,15 +6,7 @@ import VelinoTest
 // screen; keys act; dialogs are answered from the keyboard and give the focus back.
 WindowTestCase {
     name: "Keyboard"
-
-    function init() {
-        verify(TestSupport.resetSettings(), "settings wiped")
-        t = openUnlocked()
-        tryVerify(() => focusedName() === "field.recipientName", 3000,
-                  "the client's name has the focus after unlocking")
-        tryVerify(() => onScreen(t, t.window.activeFocusItem), 2000, "and is on screen")
-        waitForPreview(t)
-    }
+    unlockEachTest: true
 
     // The focused control's objectName, or its nearest named ancestor's ("field.subject" for its
     // input).
@@ -35,6 +27,8 @@ WindowTestCase {
     }
 
     function test_tabVisitsEveryControlInReadingOrder() {
+        tryVerify(() => onScreen(t, t.window.activeFocusItem), 2000,
+                  "the client's name, focused after unlocking, on screen")
         focusOn("newButton")
         const seen = ["newButton"]
         for (let i = 0; i < 160 && focusedName() !== "newButton" || i === 0; ++i) {
@@ -48,15 +42,13 @@ WindowTestCase {
         }
         compare(focusedName(), "newButton",
                 "Tab goes round the whole window; seen: " + seen.join(", "))
-        const expected = ("newButton standalonePreviewButton exportButton openInMailButton "
-                          + "presetTile.devis presetTile.pret presetTile.rdv presetTile.relance "
-                          + "presetNameField field.recipientName field.recipientEmail "
-                          + "field.subject field.preheader syncCodeField pullButton pushButton "
-                          + "webInterfaceLink field.mailTitle field.mailIntro field.mailBody "
-                          + "field.highlight field.detailLabel1 field.detailValue4 field.ctaLabel "
-                          + "field.ctaURL field.closingNote openDraftButton field.logoURL "
-                          + "field.accentPrimary field.senderEmail field.footerNote "
-                          + "copySubjectButton copyTextButton copyMailButton").split(" ")
+        const expected = `newButton standalonePreviewButton exportButton openInMailButton
+            presetTile.devis presetTile.pret presetTile.rdv presetTile.relance presetNameField
+            field.recipientName field.recipientEmail field.subject field.preheader syncCodeField
+            pullButton pushButton webInterfaceLink field.mailTitle field.mailIntro field.mailBody
+            field.highlight field.detailLabel1 field.detailValue4 field.ctaLabel field.ctaURL
+            field.closingNote openDraftButton field.logoURL field.accentPrimary field.senderEmail
+            field.footerNote copySubjectButton copyTextButton copyMailButton`.split(/\s+/)
         compare(seen.filter(name => expected.includes(name)), expected,
                 "reached with Tab, in reading order")
         // The disabled buttons are skipped, not lost: they join once enabled.
@@ -76,7 +68,8 @@ WindowTestCase {
         focusOn("segment.0")
         for (const index of [1, 0, 0]) {
             press(index ? Qt.Key_Right : Qt.Key_Left)
-            compare([focusedName(), el(t, "previewModes").currentIndex], ["segment." + index, index])
+            compare([focusedName(), el(t, "previewModes").currentIndex],
+                    ["segment." + index, index])
         }
         focusOn("copySubjectButton")
         verify(find(el(t, "copySubjectButton"), (i) => i.shown === true && i.border !== undefined),
@@ -85,28 +78,25 @@ WindowTestCase {
         tryCompare(t.store, "lastAction", "Objet copie.")
     }
 
-    function test_tabLeavesEditors_data() {
-        return ["mailIntro", "mailBody", "closingNote", "footerNote"].map(tag => ({ tag }))
-    }
-
     // Tab and Shift+Tab leave a text editor and type nothing into it.
-    function test_tabLeavesEditors(data) {
-        const before = t.store.data[data.tag], editor = el(t, "field." + data.tag).editor
-        for (const [key, modifiers] of [[Qt.Key_Tab, 0], [Qt.Key_Backtab, Qt.ShiftModifier]]) {
-            editor.forceActiveFocus(Qt.TabFocusReason)
-            editor.cursorPosition = 3
-            press(key, modifiers)
-            verify(!editor.activeFocus, "leaves with " + key)
+    function test_tabLeavesEditors() {
+        for (const name of ["mailIntro", "mailBody", "closingNote", "footerNote"]) {
+            const before = t.store.data[name], editor = el(t, "field." + name).editor
+            for (const [key, modifiers] of [[Qt.Key_Tab, 0], [Qt.Key_Backtab, Qt.ShiftModifier]]) {
+                editor.forceActiveFocus(Qt.TabFocusReason)
+                editor.cursorPosition = 3
+                press(key, modifiers)
+                verify(!editor.activeFocus, name + " left with " + key)
+            }
+            compare([editor.text, t.store.data[name]], [before, before],
+                    name + " unchanged on screen and in the record")
         }
-        compare([editor.text, t.store.data[data.tag]], [before, before],
-                "unchanged on screen and in the record")
     }
 
     // "Nouveau" asks first: Escape or "Annuler" keep the content, "Reinitialiser" brings back the
     // base template.
     function test_resetAsksFirst() {
         const alert = t.window.resetAlert, opener = el(t, "newButton")
-        const edited = defaultSubject + " modifie"
         typeInto(t, "field.subject", " modifie")
         const ask = () => {
             opener.forceActiveFocus(Qt.TabFocusReason)
@@ -122,7 +112,7 @@ WindowTestCase {
             ask()
             press(key)
             answered()
-            compare(el(t, "field.subject").field.text, edited)
+            compare(el(t, "field.subject").field.text, defaultSubject + " modifie")
         }
         focusOn("presetTile.relance")
         press(Qt.Key_Return)
@@ -138,10 +128,7 @@ WindowTestCase {
 
     // Deleting from the keyboard leaves the focus on the next row, then on the name field.
     function test_focusAfterDeletingPresets() {
-        for (const name of ["Premier", "Deuxieme", "Troisieme"]) {
-            t.store.customPresetDraftName = name
-            t.store.saveAsNewCustomPreset()
-        }
+        ["Premier", "Deuxieme", "Troisieme"].forEach(name => savePreset(t, name))
         const list = el(t, "customPresetList")
         tryVerify(() => list.count === 3 && list.itemAtIndex(2), 3000)
         for (let left = 3; left > 0; --left) {
@@ -160,8 +147,7 @@ WindowTestCase {
         for (const [key, modifiers, index] of [[Qt.Key_F10, 0, 0], [Qt.Key_F, Qt.AltModifier, 1]]) {
             const menu = t.window.menuBar.menuAt(index)
             press(key, modifiers)
-            tryVerify(() => menu.opened, 2000,
-                      (index ? "Alt+F opens Fenetre" : "F10 opens Edition"))
+            tryVerify(() => menu.opened, 2000, index ? "Alt+F opens Fenetre" : "F10 opens Edition")
             press(Qt.Key_Escape)
             tryVerify(() => !menu.visible)
         }

@@ -50,16 +50,14 @@ WindowTestCase {
                form.width + ", " + preview.width)
     }
 
-    // A long preset name, also in the status chip, leaves the row's and the header's buttons whole.
+    // A 63-character preset name, shown in the status chip too, leaves the buttons whole.
     function test_longPresetNameLeavesTheButtonsWhole() {
         setWidth(1320)
-        const name = // 63 characters
-            "Devis iPhone ecran casse et batterie gonflee pour Mme Lambert 0"
-        t.store.customPresetDraftName = name
-        t.store.saveAsNewCustomPreset()
-        const rowOf = () => find(t.main, (i) => String(i.objectName).startsWith("customPresetRow."))
-        tryVerify(() => rowOf() !== null && rowOf().isActive, 3000, "row of the saved preset")
-        const row = rowOf(), chip = named(row, "activeChip"), label = named(row, "presetName")
+        const name = "Devis iPhone ecran casse et batterie gonflee pour Mme Lambert 0"
+        savePreset(t, name)
+        const row = presetRow(t, t.store.customPresets[0].id)
+        tryVerify(() => row.isActive, 3000, "row of the saved preset")
+        const chip = named(row, "activeChip"), label = named(row, "presetName")
         waitForRendering(t.main)
         verify(chip.visible && label.truncated && label.ToolTip.text === name,
                "chip shown, long name shortened, whole in its tooltip")

@@ -5,38 +5,25 @@ import VelinoTest
 
 // The real window of the application shell, from its lock screen to very large saved states.
 WindowTestCase {
-    id: testCase
     name: "MainWindow"
-
-    Component { id: signalSpyComponent; SignalSpy {} }
 
     // Near misses of the password itself: lock_state_test.
     function test_lockScreenRefusesThenUnlocks_data() {
-        return [[" Falcon77!", Qt.Key_Return, "space before"],
-                ["falcon77!", "button", "lower case, button"],
-                ["Falcon77! ", Qt.Key_Enter, "space after, keypad Enter"]]
-                .map(([wrong, submit, tag]) => ({ tag, wrong, submit }))
+        return [{ tag: "space before", wrong: " Falcon77!", submit: Qt.Key_Return },
+                { tag: "lower case, button", wrong: "falcon77!", submit: "button" },
+                { tag: "space after, keypad Enter", wrong: "Falcon77! ", submit: Qt.Key_Enter }]
     }
 
     function test_lockScreenRefusesThenUnlocks(data) {
         const w = openWindow().window
-        const [field, error, button] = ["passwordField", "lockError", "unlockButton"]
-            .map(name => lockItem(w, name))
-        const loaders = ["lockLoader", "mainLoader"]
-        const locked = (yes) => compare(
-            [w.lockState.isUnlocked, ...loaders.map(name => named(w.contentItem, name).active)],
-            [!yes, yes, !yes])
-        tryVerify(() => field.activeFocus, 3000, "password field focused at start")
-        const submit = (text) => {
-            TestSupport.typeText(w, text)
-            verify(field.text === text && field.displayText !== text, "masked")
-            data.submit === "button" ? mouseClick(button) : TestSupport.keyClick(w, data.submit)
-        }
-        submit(data.wrong)
+        const [field, error] = ["passwordField", "lockError"].map(name => lockItem(w, name))
+        const locked = (yes) => compare([w.lockState.isUnlocked, ...["lockLoader", "mainLoader"]
+            .map(name => named(w.contentItem, name).active)], [!yes, yes, !yes])
+        submitPassword(w, data.wrong, data.submit)
         locked(true)
         compare([field.text, error.text], ["", "Mot de passe incorrect."])
         verify(error.visible && field.activeFocus, "shown; the user may retype at once")
-        submit("Falcon77!")
+        submitPassword(w, "Falcon77!", data.submit)
         locked(false)
     }
 
@@ -64,9 +51,8 @@ WindowTestCase {
         opened.push(second)
         verify(second !== first && second.controller.store !== first.controller.store,
                "a window with its own store")
-        compare([second.lockState.isUnlocked, first.lockState.isUnlocked,
-                 named(second.contentItem, "lockLoader").active],
-                [false, true, true])
+        compare([second.lockState.isUnlocked, named(second.contentItem, "lockLoader").active,
+                 first.lockState.isUnlocked], [false, true, true])
         second.close()
         tryCompare(AppShell, "windowCount", count)
     }
@@ -85,28 +71,19 @@ WindowTestCase {
 
     function test_everyFieldUpdatesTheRecordAndThePreview() {
         const t = openUnlocked(), preview = el(t, "htmlPreview")
-        const fields = []
-        find(t.main, (i) => {
-            if (String(i.objectName).startsWith("field."))
-                fields.push(i.objectName.slice(6))
-            return false
-        })
+        const fields = findAll(t.main, (i) => String(i.objectName).startsWith("field."))
+                           .map(i => i.objectName.slice(6))
         compare(fields.slice().sort(), Object.keys(t.store.data).sort())
         const colours = { accentPrimary: "#123456", accentSecondary: "#abcdef" }
         for (const name of fields) {
             // The address shows in the e-mail only when no name is given.
             if (name === "recipientEmail")
-                waitForDebounce(t, clearField(t, "recipientName"))
-            const control = focusControl(t, "field." + name), loads = preview.loader.loadCount
-            const colour = colours[name]
-            if (colour)
-                control.selectAll()
+                regenerated(t, () => clearField(t, "recipientName"))
+            const colour = colours[name], loads = preview.loader.loadCount
             const typed = colour || "Zq7", expected = colour || t.store.data[name] + typed
-            const before = t.store.generatedHTML
-            TestSupport.typeText(t.window, typed)
+            const control = regenerated(t, () => typeInto(t, "field." + name, typed, !!colour))
             compare([t.store.data[name], control.text], [expected, expected],
                     name + " written to the record")
-            waitForDebounce(t, before)
             verify(!colour || t.store.generatedHTML.indexOf(colour) >= 0, name + " in the e-mail")
             tryVerify(() => preview.loader.loadCount > loads, 2000, name + ": preview reloaded")
             compare(preview.html, t.store.generatedHTML)
@@ -115,7 +92,7 @@ WindowTestCase {
 
     // The page shows the generated mail; the Edit menu's commands act on it when it has the focus.
     function test_previewShowsTheGeneratedMail() {
-        const t = openUnlocked(), preview = waitForPreview(t)
+        const t = openUnlocked(), preview = el(t, "htmlPreview")
         preview.webView.forceActiveFocus()
         TestSupport.setClipboardText("")
         verify(t.window.editCommands.selectAll() && t.window.editCommands.copy())
@@ -124,18 +101,10 @@ WindowTestCase {
         tryCompare(preview.webView, "title", t.store.generatedSubject, 10000)
     }
 
-    // The row of a saved preset; the list creates it at its next layout.
-    function presetRow(t, id) {
-        tryVerify(() => find(el(t, "customPresetList"),
-                             (i) => i.objectName === "customPresetRow." + id), 2000, id)
-        return el(t, "customPresetRow." + id)
-    }
-
     function test_presetsFollowTheStore() {
-        const t = openUnlocked(), save = el(t, "saveAsNewButton")
-        const update = el(t, "updateLoadedButton")
-        const line = el(t, "loadedPresetLine"), empty = el(t, "emptyPresetState")
-        const list = el(t, "customPresetList")
+        const t = openUnlocked(), [save, update, line, empty, list] = [
+            "saveAsNewButton", "updateLoadedButton", "loadedPresetLine", "emptyPresetState",
+            "customPresetList"].map(name => el(t, name))
         const tiles = ["devis", "pret", "rdv", "relance"].map(id => el(t, "presetTile." + id))
         const active = () => tiles.filter(tile => tile.isActive)
                                   .map(tile => tile.objectName.slice("presetTile.".length))
@@ -144,10 +113,9 @@ WindowTestCase {
             [false, "Aucun preset perso charge pour l'instant.", true, false])
         nothingLoaded()
         compare([active(), save.enabled], [["devis"], false])
-        const nameField = typeInto(t, "presetNameField", "   ")
+        typeInto(t, "presetNameField", "   ")
         compare([t.store.customPresetDraftName, save.enabled], ["   ", false], "blank name")
-        nameField.selectAll()
-        TestSupport.typeText(t.window, "Ecran iPhone")
+        typeInto(t, "presetNameField", "Ecran iPhone", true)
         mouseClick(save)
         // The saved preset is the loaded one: its row lights up, no tile does, though its source
         // is "devis".
@@ -180,13 +148,10 @@ WindowTestCase {
         const t = openUnlocked(), push = el(t, "pushButton"), pull = el(t, "pullButton")
         typeInto(t, "syncCodeField", "abc")
         mouseClick(reveal(t, push))
-        const message = "Le code prive doit contenir au moins 16 caracteres."
-                        + " Genere-le depuis l'interface iPhone."
-        compare(answerAlert(t), message)
-        const code = focusControl(t, "syncCodeField")
-        compare(code.text, "ABC")
-        code.selectAll()
-        TestSupport.typeText(t.window, "ABCD-EFGH-IJKL-MNOP")
+        compare(answerAlert(t), "Le code prive doit contenir au moins 16 caracteres."
+                                + " Genere-le depuis l'interface iPhone.")
+        compare(el(t, "syncCodeField").field.text, "ABC")
+        typeInto(t, "syncCodeField", "ABCD-EFGH-IJKL-MNOP", true)
         reveal(t, push)
         for (const button of [push, pull]) {
             mouseClick(button)
@@ -200,48 +165,41 @@ WindowTestCase {
 
     function test_exportThroughTheFileDialog() {
         const t = openUnlocked(), w = t.window, dialogs = t.controller.dialogs
-        const before = t.store.lastAction
-        const file = "votre-devis-korvel-est-pret.html"
+        const before = t.store.lastAction, file = "votre-devis-korvel-est-pret.html"
         const exported = "HTML exporte vers " + file + "."
         // The dialog opens in the home folder when there is no Documents folder.
         const home = TestSupport.makeTemporaryFolder(), userHome = TestSupport.environment("HOME")
         TestSupport.setEnvironment("HOME", home)
-        const openDialog = () => {
+        // Opens the dialog, types `typed` into its name field if given, then answers `how`.
+        const answer = (how, typed) => {
             mouseClick(el(t, "exportButton"))
             tryVerify(() => w.exportDialog?.visible, 3000)
+            compare(w.exportDialog.currentFolder, "file://" + home)
+            if (typed) {
+                // Qt Quick's own dialog; the one before may still be going.
+                const name = findAll(w.contentItem.parent,
+                                     (i) => i.objectName === "fileNameTextField").pop()
+                name.forceActiveFocus()
+                name.text = typed
+            }
+            w.exportDialog[how]()
         }
         try {
-            openDialog()
-            compare(w.exportDialog.currentFolder, "file://" + home)
-            w.exportDialog.reject()
+            answer("reject")
             tryVerify(() => !dialogs.isModal)
             compare(t.store.lastAction, before, "Annuler changes nothing")
-            // A name typed in the dialog, here Qt Quick's own, with its extension added.
-            openDialog()
-            const names = []
-            find(w.contentItem.parent, (i) => {
-                if (i.objectName === "fileNameTextField" && !names.includes(i))
-                    names.push(i)
-                return false
-            })
-            const name = names[names.length - 1] // the one before may still be going
-            name.forceActiveFocus()
-            name.text = "Devis \u00E9t\u00E9 #2" // the test's keys are ASCII only
-            w.exportDialog.accept()
-            tryCompare(t.store, "lastAction", "HTML exporte vers Devis \u00E9t\u00E9 #2.html.", 3000)
-            verify(TestSupport.fileExists(home + "/Devis \u00E9t\u00E9 #2.html"))
-            openDialog()
-            w.exportDialog.accept()
+            // A typed name gets its extension.
+            const typed = "Devis \u00E9t\u00E9 #2" // the test's keys are ASCII only
+            answer("accept", typed)
+            tryCompare(t.store, "lastAction", "HTML exporte vers " + typed + ".html.", 3000)
+            verify(TestSupport.fileExists(home + "/" + typed + ".html"))
+            answer("accept")
             tryVerify(() => TestSupport.fileExists(home + "/" + file), 3000, file)
             compare([t.store.lastAction, dialogs.isModal], [exported, false])
             // The same name again: the window asks before replacing, once.
-            openDialog()
-            w.exportDialog.accept()
-            tryVerify(() => w.replaceAlert.opened, 3000, "replacement question shown")
-            compare(named(w.replaceAlert.contentItem, "alertMessage").text,
+            answer("accept")
+            compare(answerAlert(t, w.replaceAlert, "replaceConfirmButton"),
                     "Un fichier nomme \"" + file + "\" existe deja. Le remplacer ?")
-            mouseClick(named(w.replaceAlert.contentItem, "replaceConfirmButton"))
-            tryVerify(() => !dialogs.isModal)
             compare(t.store.lastAction, exported)
         } finally {
             TestSupport.setEnvironment("HOME", userHome)
@@ -252,15 +210,14 @@ WindowTestCase {
         verify(TestSupport.saveStateWithPresets(1000))
         const t = openUnlocked(), list = el(t, "customPresetList")
         // The rows the list has created (delegates), whatever is on screen.
-        const created = () => Array.from(list.contentItem.children)
-                                   .filter(row => row.presetId !== undefined).length
+        const created = () => findAll(list.contentItem, (i) => i.presetId !== undefined).length
         compare(list.count, 1000)
         verify(list.height <= list.maximumHeight, "the list keeps its own height")
         verify(created() > 0 && created() <= 15, created() + " rows created for 1000 presets")
         const spies = ["modelReset", "dataChanged", "rowsInserted", "rowsRemoved", "rowsMoved",
-                       "layoutChanged"].map(name =>
-            createTemporaryObject(signalSpyComponent, testCase,
-                                  { target: t.controller.customPresetModel, signalName: name }))
+                       "layoutChanged"].map(signalName => Object.assign(
+            createTemporaryQmlObject("import QtTest; SignalSpy {}", t.main),
+            { target: t.controller.customPresetModel, signalName }))
         const counts = (expected) => compare(spies.map(spy => spy.count), expected,
                                              spies.map(spy => spy.signalName).join())
         // Loading a preset: the rows of the old and the new highlight at most.
@@ -291,12 +248,13 @@ WindowTestCase {
     }
 
     function test_veryLongTextIsSummarisedAndKeptWhole(data) {
-        verify(TestSupport.saveStateWithLongField(data.field, data.length, data.lineLength))
-        const expected = TestSupport.longText(data.length, data.lineLength)
+        const expected = TestSupport.saveStateWithLongField(data.field, data.length,
+                                                            data.lineLength)
+        compare(expected.length, data.length, "saved")
         const t = openUnlocked(), wrapper = el(t, "field." + data.field)
         const editor = wrapper.field ?? wrapper.editor
-        const summary = named(wrapper, "longTextSummary")
-        const button = named(wrapper, "editAnywayButton")
+        const [summary, button] = ["longTextSummary", "editAnywayButton"]
+            .map(name => named(wrapper, name))
         verify(summary.visible
                && /^Texte tres long \(.* [MK]o\) : ecran batterie/.test(summary.text),
                summary.text)
@@ -304,9 +262,7 @@ WindowTestCase {
         compare(button.Accessible.name, "Modifier quand meme : " + wrapper.title)
         // Typing elsewhere regenerates and saves with the long text whole; the preview shows it
         // cut, and says so.
-        const before = t.store.generatedHTML
-        typeInto(t, "field.recipientName", "Z")
-        waitForDebounce(t, before)
+        regenerated(t, () => typeInto(t, "field.recipientName", "Z"))
         verify(t.store.data[data.field] === expected && summary.visible,
                "record unchanged, still summarised")
         const preview = el(t, "htmlPreview")

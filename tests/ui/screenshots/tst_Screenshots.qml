@@ -13,7 +13,6 @@ WindowTestCase {
     function initTestCase() {
         verify(folder.length > 0 && TestSupport.resetSettings(), "VELINO_SCREENSHOT_DIR")
         t = openUnlocked()
-        waitForPreview(t)
         wait(500)
     }
     function init() {}
@@ -26,33 +25,25 @@ WindowTestCase {
         console.log(folder + "/" + name + ".png")
     }
 
-    // Scrolls the form to `y`, or to just above the item of that name.
-    function scrollFormTo(y) {
-        const flick = t.main.composerPane.scrollView.contentItem
-        if (typeof y === "string")
-            y = el(t, y).mapToItem(flick.contentItem, 0, 0).y - 24
-        flick.contentY = Math.max(0, Math.min(y, flick.contentHeight - flick.height))
-        return flick
-    }
-
     function test_1_formScrolledThrough() {
-        for (let page = 1, flick = scrollFormTo(0); ; ++page) {
+        const flick = t.main.composerPane.scrollView.contentItem
+        flick.contentY = 0
+        for (let page = 1; ; ++page) {
             shot("form-" + page)
             if (flick.contentY + flick.height >= flick.contentHeight - 1)
                 break
-            scrollFormTo(flick.contentY + flick.height - 80)
+            flick.contentY = Math.min(flick.contentY + flick.height - 80,
+                                      flick.contentHeight - flick.height)
         }
-        scrollFormTo(0)
+        flick.contentY = 0
     }
 
     function test_2_cards() {
-        t.store.customPresetDraftName =
-            "Devis iPhone ecran casse et batterie gonflee pour Mme Lambert 0"
-        t.store.saveAsNewCustomPreset()
-        scrollFormTo("customPresetCard")
+        savePreset(t, "Devis iPhone ecran casse et batterie gonflee pour Mme Lambert 0")
+        reveal(t, el(t, "customPresetCard"), 24)
         shot("preset-long-name")
         t.store.syncCode = "K7QF-2M9X-PL4D-8RWA-C3NZ-H6TB"
-        scrollFormTo("syncCard")
+        reveal(t, el(t, "syncCard"), 24)
         shot("sync-card")
         t.store.syncCode = "abc"
         t.store.pushToWeb()
