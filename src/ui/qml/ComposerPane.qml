@@ -26,10 +26,15 @@ Item {
         target: root.Window.window
         function onActiveFocusItemChanged() { root.revealFocusedControl() }
     }
+    // Also when the form gets its height: at its first layout, or in a resized window.
+    Connections {
+        target: scroll.contentItem
+        function onHeightChanged() { root.revealFocusedControl() }
+    }
 
     function revealFocusedControl() {
         const item = root.Window.activeFocusItem
-        if (!item)
+        if (!item || scroll.contentItem.height <= 0)
             return
         let inForm = false
         for (let p = item; p; p = p.parent) {
@@ -74,11 +79,10 @@ Item {
         presetNameField.field.forceActiveFocus(Qt.OtherFocusReason)
     }
 
-    // After unlocking: the keyboard starts in the client's name, the form at its top (the
-    // field is on the first screen once the form is laid out).
+    // After unlocking: the keyboard starts in the client's name, the form at its top or, when
+    // saved presets push the field below the first screen, scrolled just enough to show it.
     function focusFirstField() {
         recipientNameField.field.forceActiveFocus(Qt.OtherFocusReason)
-        Qt.callLater(() => scroll.contentItem.contentY = 0)
     }
 
     function scrollBy(pages) {

@@ -209,6 +209,7 @@ WindowTestCase {
     function test_presetListCreatesOnlyTheRowsOnScreen() {
         verify(TestSupport.saveStateWithPresets(1000))
         const t = openUnlocked(), list = el(t, "customPresetList")
+        verify(onScreen(t, t.window.activeFocusItem), "the focused client's name is on screen")
         // The rows the list has created (delegates), whatever is on screen.
         const created = () => findAll(list.contentItem, (i) => i.presetId !== undefined).length
         compare(list.count, 1000)
